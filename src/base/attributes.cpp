@@ -1,0 +1,36 @@
+#include "base/attributes.h"
+
+#include <sys/stat.h>
+
+namespace tarnel {
+
+namespace {
+
+constexpr mode_t permissionBits = 0777;
+constexpr mode_t everyWriteBit = S_IWUSR | S_IWGRP | S_IWOTH;
+constexpr mode_t plainMode = 0644;
+
+}  // namespace
+
+int AttributesOf(const FileStat& stat, std::string_view name) {
+  int attributes = attribute::Archive;
+  if ((stat.mode & S_IWUSR) == 0) attributes |= attribute::ReadOnly;
+  if (name.starts_with('.')) attributes |= attribute::Hidden;
+  return attributes;
+}
+
+mode_t ApplyReadOnly(mode_t mode, int attributes) {
+  return (attributes & attribute::ReadOnly) != 0 ? mode & ~everyWriteBit : mode | S_IWUSR;
+}
+
+std::optional<mode_t> ModeBeyond(mode_t mode) {
+  const mode_t bits = mode & permissionBits;
+  if (bits == plainMode || bits == (plainMode & ~everyWriteBit)) return std::nullopt;
+  return bits;
+}
+
+mode_t RestoredMode(std::optional<mode_t> beyond, int attributes) {
+  return beyond ? *beyond & permissionBits : ApplyReadOnly(plainMode, attributes);
+}
+
+}  // namespace tarnel

@@ -1,0 +1,141 @@
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cassert>
+#include <cstddef>
+#include <string>
+
+#include "base/posix_calls.h"
+#include "base/printable.h"
+
+namespace tarnel::posix {
+
+namespace {
+
+class PosixFile : public File {
+ public:
+  PosixFile(Descriptor descriptor, Path path)
+      : m_descriptor(std::move(descriptor)), m_path(std::move(path)) {}
+
+  std::size_t ReadAt(Position from, MutableBytes into) override;
+  void WriteAt(Position to, Bytes bytes) override;
+  FileStat Stat() override;
+  void Truncate(Length length) override;
+  void SetMode(mode_t mode) override;
+  void Sync() override;
+  void Lock() override;
+  void Close() override;
+
+ private:
+  int Number() const;
+  off_t Offset(Position position, std::string_view verb) const;
+
+  Descriptor m_descriptor;
+  Path m_path;
+  int m_syncError = 0;
+};
+
+int PosixFile::Number() const {
+  assert(m_descriptor.IsOpen());
+  return m_descriptor.Get();
+}
+
+off_t PosixFile::Offset(Position position, std::string_view verb) const {
+  if (position.value >= 1) return position.value - 1;
+  throw Error(ErrorNumber::BadRecordNumber,
+              "cannot " + std::string(verb) + " " + Printable(m_path.native()) + ": position " +
+                  std::to_string(position.value) + " lies before its start",
+              m_path);
+}
+
+std::size_t PosixFile::ReadAt(Position from, MutableBytes into) {
+  const off_t offset = Offset(from, "read");
+  std::size_t done = 0;
+  while (done < into.size()) {
+    const ssize_t got = Checked(Uninterrupted([&] {
+                                  return ::pread(Number(), into.data() + done, into.size() - done,
+                                                 offset + static_cast<off_t>(done));
+                                }),
+                                "read", m_path);
+    if (got == 0) break;
+    done += static_cast<std::size_t>(got);
+  }
+  return done;
+}
+
+void PosixFile::WriteAt(Position to, Bytes bytes) {
+  const off_t offset = Offset(to, "write");
+  std::size_t done = 0;
+  while (done < bytes.size()) {
+    const ssize_t put = Checked(Uninterrupted([&] {
+                                  return ::pwrite(Number(), bytes.data() + done, bytes.size() - done,
+                                                  offset + static_cast<off_t>(done));
+                                }),
+                                "write", m_path);
+    if (put == 0) throw ErrnoError(EIO, "write", m_path);
+    done += static_cast<std::size_t>(put);
+  }
+}
+
+FileStat PosixFile::Stat() {
+  struct stat data {};
+  Checked(::fstat(Number(), &data), "look at", m_path);
+  return ToFileStat(data);
+}
+
+void PosixFile::Truncate(Length length) {
+  Checked(Uninterrupted([&] { return ::ftruncate(Number(), length); }), "cut", m_path);
+}
+
+void PosixFile::SetMode(mode_t mode) {
+  Checked(Uninterrupted([&] { return ::fchmod(Number(), mode); }), "change the permissions of", m_path);
+}
+
+void PosixFile::Sync() {
+  if (m_syncError == 0 && Uninterrupted([&] { return ::fsync(Number()); }) != 0) m_syncError = errno;
+  if (m_syncError != 0) throw ErrnoError(m_syncError, "write", m_path);
+}
+
+void PosixFile::Lock() {
+  if (Uninterrupted([&] { return ::flock(Number(), LOCK_EX | LOCK_NB); }) == 0) return;
+  if (errno == EOPNOTSUPP || errno == ENOSYS || errno == ENOLCK) return;
+  if (errno != EWOULDBLOCK) throw ErrnoError(errno, "lock", m_path);
+  throw Error(ErrorNumber::PermissionDenied,
+              "cannot lock " + Printable(m_path.native()) + ": another Tarnel is working on it", m_path);
+}
+
+void PosixFile::Close() {
+  if (!m_descriptor.IsOpen()) return;
+  // An interrupted close has closed the file all the same; repeating it could hit a file opened since.
+  if (::close(m_descriptor.Release()) != 0 && errno != EINTR) throw ErrnoError(errno, "close", m_path);
+}
+
+// Undoes what the umask took away; an errno value on failure. A file system without modes is good enough.
+int ForceMode(int descriptor, mode_t mode) {
+  struct stat data {};
+  if (::fstat(descriptor, &data) == 0 && (data.st_mode & 07777) == mode) return 0;
+  if (::fchmod(descriptor, mode) == 0) return 0;
+  const bool isModeless = errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS;
+  return isModeless ? 0 : errno;
+}
+
+}  // namespace
+
+std::unique_ptr<File> MakeFile(Descriptor descriptor, const Path& path) {
+  return std::make_unique<PosixFile>(std::move(descriptor), path);
+}
+
+std::unique_ptr<File> CreateFileIn(int folder, const char* name, mode_t mode, const Path& path) {
+  constexpr int flags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY;
+  Descriptor descriptor(
+      Checked(Uninterrupted([&] { return ::openat(folder, name, flags, mode); }), "create", path));
+  const int code = ForceMode(descriptor.Get(), mode);
+  if (code != 0) {
+    ::unlinkat(folder, name, 0);
+    throw ErrnoError(code, "create", path);
+  }
+  return MakeFile(std::move(descriptor), path);
+}
+
+}  // namespace tarnel::posix
