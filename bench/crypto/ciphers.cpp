@@ -1,0 +1,133 @@
+#include <benchmark/benchmark.h>
+#include <botan/stream_cipher.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "crypto/cipher.h"
+#include "crypto/cipher_suite.h"
+#include "crypto/compression.h"
+#include "crypto/keys.h"
+
+namespace tarnel {
+namespace {
+
+const Secret kKey(kTrailerPassPhrase);
+constexpr std::int64_t kMebibyte = 1 << 20;
+constexpr std::int64_t kFileBytes = 64 * kMebibyte;
+
+class EndlessSource : public ByteSource {
+ public:
+  explicit EndlessSource(std::int64_t length) : m_left(length) {}
+
+  std::size_t Read(MutableBytes into) override {
+    const auto count = static_cast<std::size_t>(std::min(m_left, static_cast<std::int64_t>(into.size())));
+    m_left -= static_cast<std::int64_t>(count);
+    return count;
+  }
+
+ private:
+  std::int64_t m_left;
+};
+
+class NowhereSink : public ByteSink {
+ public:
+  void Write(Bytes bytes) override { benchmark::DoNotOptimize(bytes.data()); }
+};
+
+void EncryptFile(benchmark::State& state, Algorithm algorithm) {
+  NowhereSink sink;
+  std::string second;
+  for (auto _ : state) {
+    EndlessSource source(kFileBytes);
+    CipherEncryptFile(algorithm, source, sink, kKey, second);
+  }
+  state.SetBytesProcessed(state.iterations() * kFileBytes);
+}
+
+void EncryptSmallFile(benchmark::State& state, Algorithm algorithm) {
+  NowhereSink sink;
+  std::string second;
+  for (auto _ : state) {
+    EndlessSource source(1000);
+    CipherEncryptFile(algorithm, source, sink, kKey, second);
+  }
+}
+
+void CounterMode(benchmark::State& state, Algorithm algorithm) {
+  const CipherSuite& suite = *FindCipherSuite(algorithm);
+  const auto cipher = MakeCounterMode(suite);
+  cipher->set_key(std::vector<std::uint8_t>(suite.keyBytes, 7));
+  std::vector<std::uint8_t> piece(64 * 1024);
+  for (auto _ : state)
+    cipher->cipher1(piece.data(), piece.size());
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(piece.size()));
+}
+
+void DecryptField(benchmark::State& state, Algorithm algorithm) {
+  std::string second;
+  const std::string text =
+      CipherEncryptString(algorithm, std::string(40, '1'), TextForm::Base64, kKey, second);
+  const std::string field = text.substr(0, 40);
+  for (auto _ : state)
+    benchmark::DoNotOptimize(
+        CipherDecryptString(algorithm, field, TextForm::Base64, kKey, second, Cut::Allowed).size());
+}
+
+void DecryptRecord(benchmark::State& state, Algorithm algorithm) {
+  std::string second;
+  const std::string text =
+      CipherEncryptString(algorithm, std::string(200, '1'), TextForm::Base64, kKey, second);
+  for (auto _ : state)
+    benchmark::DoNotOptimize(
+        CipherDecryptString(algorithm, text, TextForm::Base64, kKey, second, Cut::Whole).size());
+}
+
+void RefuseForeignRecord(benchmark::State& state) {
+  std::string second;
+  const std::string text(400, 'x');
+  for (auto _ : state)
+    benchmark::DoNotOptimize(
+        CipherDecryptString(Algorithm::Rijndael256, text, TextForm::Base64, kKey, second, Cut::Whole).size());
+}
+
+void DeriveKey(benchmark::State& state) {
+  const Secret phrase("a pass phrase");
+  for (auto _ : state) {
+    ForgetKeys();
+    PrepareKey(phrase, [] {});
+  }
+}
+
+void Compress(benchmark::State& state) {
+  std::vector<std::uint8_t> piece(64 * 1024);
+  for (auto _ : state) {
+    EndlessSource source(kMebibyte * 8);
+    CompressingSource compressing(source, kMebibyte * 8, static_cast<int>(state.range(0)));
+    while (compressing.Read(piece) != 0)
+      continue;
+  }
+  state.SetBytesProcessed(state.iterations() * kMebibyte * 8);
+}
+
+BENCHMARK(DeriveKey)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(RefuseForeignRecord);
+BENCHMARK(Compress)->Arg(1)->Arg(6)->Arg(9);
+
+const bool registered = [] {
+  for (const OfferedAlgorithm& offered : OfferedAlgorithms()) {
+    const auto add = [&](const char* what, void (*run)(benchmark::State&, Algorithm)) {
+      return benchmark::RegisterBenchmark((what + std::string("/").append(offered.name)).c_str(), run,
+                                          offered.algorithm);
+    };
+    add("EncryptFile", EncryptFile)->Unit(benchmark::kMillisecond);
+    add("EncryptSmallFile", EncryptSmallFile)->Unit(benchmark::kMicrosecond);
+    add("CounterMode", CounterMode)->Unit(benchmark::kMicrosecond);
+    add("DecryptField", DecryptField);
+    add("DecryptRecord", DecryptRecord);
+  }
+  return true;
+}();
+
+}  // namespace
+}  // namespace tarnel
