@@ -1,0 +1,234 @@
+#include "carrier/catalogue.h"
+
+#include <algorithm>
+#include <cassert>
+#include <utility>
+
+#include "base/formats.h"
+#include "base/utf8.h"
+#include "carrier/format.h"
+#include "carrier/stored_text.h"
+#include "carrier/tags.h"
+
+namespace tarnel {
+
+namespace {
+
+constexpr int kStandByImage = 2;
+constexpr int kFirstTypeImage = 4;
+
+bool IsOf(const std::shared_ptr<const HideoutKey>& hideout, const Path& carrier) {
+  return hideout->carrier.native() == carrier.native();
+}
+
+std::string LowerCase(std::string text) {
+  for (char& c : text) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return text;
+}
+
+std::string TypeKey(const std::string& name) {
+  const std::string lower = LowerCase(name);
+  if (lower == "setup.exe" || lower == "install.exe") return "setup";
+  const std::size_t point = lower.rfind('.');
+  return point == std::string::npos ? std::string() : lower.substr(point + 1);
+}
+
+std::string CutToLimit(std::string_view text) {
+  std::size_t length = 0;
+  while (length < text.size()) {
+    const std::size_t next = std::max<std::size_t>(FirstUtf8Character(text.substr(length)).length, 1);
+    if (length + next > kTypeTextLimit) break;
+    length += next;
+  }
+  return std::string(text.substr(0, length));
+}
+
+void AppendKilobytes(WipedText& text, std::string_view bytes) {
+  text.append(GroupedKilobytes(ReadNumber(bytes))).append(" KB");
+}
+
+}  // namespace
+
+TreeNode::~TreeNode() {
+  std::vector<std::unique_ptr<TreeNode>> doomed = std::move(children);
+  while (!doomed.empty()) {
+    const std::unique_ptr<TreeNode> node = std::move(doomed.back());
+    doomed.pop_back();
+    std::move(node->children.begin(), node->children.end(), std::back_inserter(doomed));
+    node->children.clear();
+  }
+}
+
+std::string TreeNode::FolderPath() const {
+  std::vector<const TreeNode*> way;
+  for (const TreeNode* node = this; !node->IsRoot(); node = node->parent)
+    way.push_back(node);
+  std::string path;
+  for (auto node = way.rbegin(); node != way.rend(); ++node) {
+    if (node != way.rbegin()) path += '\\';
+    path += (*node)->text;
+  }
+  return path;
+}
+
+std::string TreeNode::FullPath() const {
+  const TreeNode* root = this;
+  while (!root->IsRoot())
+    root = root->parent;
+  return IsRoot() ? text : root->text + '\\' + FolderPath();
+}
+
+WipedText TreeNode::Tag() const {
+  WipedText tags;
+  AppendTag(tags, tag::kCarrierFile, ToStored(hideout->carrier.native(), TextKind::Plain));
+  AppendTag(tags, tag::kCarrierName, hideout->carrierName);
+  AppendTag(tags, tag::kPassword, ToStored(hideout->password.View(), TextKind::Plain));
+  AppendTag(tags, tag::kAlgorithm, hideout->algorithmName);
+  if (!itemFolder->empty()) AppendTag(tags, tag::kItemFolder, *itemFolder);
+  AppendTag(tags, tag::kTitle, hideout->title);
+  return tags;
+}
+
+std::string_view MirrorRow::Field(std::string_view key) const {
+  return GetTag(record, key);
+}
+
+std::string_view MirrorRow::Name() const {
+  return Field(tag::kName);
+}
+
+std::string_view MirrorRow::Folder() const {
+  return Field(tag::kFolder);
+}
+
+Position MirrorRow::End() const {
+  return start + size + static_cast<Length>(tail.size());
+}
+
+WipedText MirrorRow::Tag() const {
+  WipedText tags = record;
+  AppendTag(tags, tag::kCarrierFile, ToStored(hideout->carrier.native(), TextKind::Plain));
+  AppendTag(tags, tag::kStart, std::to_string(start.value));
+  AppendTag(tags, tag::kSize, std::to_string(size));
+  return tags;
+}
+
+WipedText MirrorRow::SubItem(int index) const {
+  WipedText text;
+  switch (index) {
+    case 1:
+      AppendKilobytes(text, Field(tag::kPlainSize));
+      return text;
+    case 2:
+      return text.append(typeText);
+    case 3:
+      return text.append(Field(tag::kDate));
+    case 4:
+      return text.append(Field(tag::kAttributes));
+    case 5:
+      return text.append(Folder());
+    case 6:
+      return text.append(Field(tag::kCompressed) == "0" ? "No" : "Yes");
+    case 7:
+      return Tag();
+    case 8:
+      return text.append(tail);
+    case 9:
+      return record;
+    default:
+      assert(false && "a mirror row has the sub-items 1 to 9");
+      return text;
+  }
+}
+
+FileTypes::FileTypes(std::function<std::string(const std::string& name)> typeTextOf)
+    : m_typeTextOf(std::move(typeTextOf)) {}
+
+FileTypes::Type FileTypes::Of(std::string_view storedName) {
+  const std::string name = ToPlatform(storedName);
+  const std::string key = TypeKey(name);
+  if (const auto known = m_types.find(key); known != m_types.end()) return known->second;
+  Type type{kStandByImage, CutToLimit(m_typeTextOf(name))};
+  if (key.empty() || type.text.empty()) return type;
+  type.icon = kFirstTypeImage + static_cast<int>(m_keys.size());
+  m_keys.push_back(key);
+  m_types.emplace(key, type);
+  return type;
+}
+
+TreeNode* Catalogue::FindRoot(const Path& carrier) const {
+  const auto found = std::find_if(m_roots.begin(), m_roots.end(),
+                                  [&](const auto& root) { return IsOf(root->hideout, carrier); });
+  return found == m_roots.end() ? nullptr : found->get();
+}
+
+std::vector<const MirrorRow*> Catalogue::RowsOf(const Path& carrier) const {
+  std::vector<const MirrorRow*> rows;
+  for (const MirrorRow& row : m_rows) {
+    if (IsOf(row.hideout, carrier)) rows.push_back(&row);
+  }
+  return rows;
+}
+
+TreeNode& Catalogue::AddRoot(std::shared_ptr<const HideoutKey> hideout, std::string itemFolder) {
+  assert(FindRoot(hideout->carrier) == nullptr);
+  auto root = std::make_unique<TreeNode>();
+  root->text.assign(hideout->title);
+  root->itemFolder = std::make_shared<const std::string>(std::move(itemFolder));
+  root->hideout = std::move(hideout);
+  return *m_roots.emplace_back(std::move(root));
+}
+
+void Catalogue::AddRow(MirrorRow row) {
+  m_rows.push_back(std::move(row));
+}
+
+TreeNode& Catalogue::EnsureFolderNode(TreeNode& root, std::string_view folder) {
+  const auto text = std::make_shared<const std::string>(folder);
+  TreeNode* node = &root;
+  std::string_view rest = folder;
+  for (std::size_t end = rest.find('\\'); end != std::string_view::npos; end = rest.find('\\')) {
+    node = &EnsureChild(*node, rest.substr(0, end), text);
+    rest.remove_prefix(end + 1);
+  }
+  return rest.empty() ? *node : EnsureChild(*node, rest, text);
+}
+
+TreeNode& Catalogue::EnsureChild(TreeNode& parent, std::string_view text, const FolderText& folder) {
+  if (const auto known = parent.childByText.find(text); known != parent.childByText.end()) {
+    return *known->second;
+  }
+  auto child = std::make_unique<TreeNode>();
+  child->hideout = parent.hideout;
+  child->parent = &parent;
+  child->text = text;
+  child->itemFolder = folder;
+  child->image = 2;
+  child->selectedImage = 3;
+  parent.childByText.emplace(child->text, child.get());
+  return *parent.children.emplace_back(std::move(child));
+}
+
+void Catalogue::RemoveRoot(const Path& carrier) {
+  std::erase_if(m_roots, [&](const auto& root) { return IsOf(root->hideout, carrier); });
+}
+
+void Catalogue::RemoveRows(const Path& carrier) {
+  std::erase_if(m_rows, [&](const MirrorRow& row) { return IsOf(row.hideout, carrier); });
+}
+
+void Catalogue::RemoveFolderNodes(const Path& carrier) {
+  TreeNode* const root = FindRoot(carrier);
+  if (root == nullptr) return;
+  root->childByText.clear();
+  root->children.clear();
+}
+
+void Catalogue::RemoveCarrier(const Path& carrier) {
+  RemoveRoot(carrier);
+  RemoveRows(carrier);
+}
+
+}  // namespace tarnel

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace tarnel {
+
+/// The bytes of a carrier: its own bytes, then one entry for each hidden file, each made of payload, record,
+/// payload length field and record length field, without gap or alignment. Positions count from 1.
+
+inline constexpr std::size_t kLengthFieldSize = 40;
+inline constexpr std::size_t kTrailerSize = 2 * kLengthFieldSize;
+
+/// A carrier ends below 2 GiB: positions are 32-bit signed.
+inline constexpr std::int64_t kCarrierLimit = 0x7FFFFFFF;
+
+/// The longest record text that is written or read. The longest names, folders and titles that people use are
+/// far below it, and a crafted carrier can't make a reader take its whole length into memory.
+inline constexpr std::size_t kRecordLimit = std::size_t{1} << 20;
+
+/// Carriers are copied in blocks of this size; between two blocks an operation yields and looks for a cancel.
+inline constexpr std::size_t kCopyBlock = 15000;
+
+/// Every blank of a length field becomes a random byte of this range, both ends included.
+inline constexpr int kFillingLow = 100;
+inline constexpr int kFillingHigh = 220;
+
+/// What a record written by this program says of its format, and the only format that is read.
+inline constexpr std::string_view kFormatVersion = "701";
+
+namespace tag {
+inline constexpr std::string_view kName = "?Fnm=<";
+inline constexpr std::string_view kPlainSize = "?Fls=<";
+inline constexpr std::string_view kStoredSize = "?FlsEn=<";
+inline constexpr std::string_view kAttributes = "?Attr=<";
+inline constexpr std::string_view kDate = "?Date=<";
+inline constexpr std::string_view kCompressed = "?Cmpr=<";
+inline constexpr std::string_view kFolder = "?Fldnm=<";
+inline constexpr std::string_view kTitle = "?HideoutTitel=<";
+inline constexpr std::string_view kWriterVersion = "?Vers=<";
+inline constexpr std::string_view kFormat = "?CompVers=<";
+inline constexpr std::string_view kMode =
+    "?Mode=<";  ///< octal permission bits, where the attributes can't say them
+inline constexpr std::string_view kCarrierFile = "?CarrierFile=<";
+inline constexpr std::string_view kStart = "?Start=<";
+inline constexpr std::string_view kSize = "?Size=<";
+inline constexpr std::string_view kCarrierName = "?CarrierTitel=<";
+inline constexpr std::string_view kPassword = "?Passwort=<";
+inline constexpr std::string_view kAlgorithm = "?Algorithm=<";
+inline constexpr std::string_view kItemFolder = "?ItemFolder=<";
+inline constexpr std::string_view kRelativeIndex = "?RelativeIndex=<";
+}  // namespace tag
+
+inline constexpr std::string_view kRootFolder = "*RootFolder*";
+inline constexpr std::string_view kFolderRow = "*Folder*";
+
+}  // namespace tarnel

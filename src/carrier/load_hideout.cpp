@@ -1,0 +1,193 @@
+#include "carrier/load_hideout.h"
+
+#include <memory>
+#include <utility>
+
+#include "base/attempt.h"
+#include "base/printable.h"
+#include "carrier/busy_reading.h"
+#include "carrier/questions.h"
+#include "carrier/stored_text.h"
+#include "carrier/tags.h"
+#include "carrier/walk.h"
+
+namespace tarnel {
+
+namespace {
+
+/// One run: open, walk from the newest entry to the oldest, and whatever the end asks for.
+class Loader {
+ public:
+  Loader(const LoadRequest& request, Reading& reading, ReadingScreen& screen)
+      : m_request(request), m_reading(reading), m_screen(screen) {}
+
+  LoadResult Run() {
+    BusyReading busy(m_reading.guards);
+    const End end = ReadEntries();
+    busy.End();
+    switch (end) {
+      case End::Normal:
+        return EndNormally();
+      case End::Aborted:
+        return EndAborted();
+      case End::KeptOpen:
+        return LoadResult::KeptOpen;
+      case End::LeftAtError:
+        break;
+    }
+    return LoadResult::NotFound;
+  }
+
+ private:
+  enum class End { Normal, Aborted, KeptOpen, LeftAtError };
+  enum class Step { GoOn, Done, KeepOpen };
+
+  struct Entry {
+    EntryPlace place;
+    WipedText record;  ///< plain; empty if the entry doesn't fit
+    std::string tail;
+  };
+
+  End ReadEntries() {
+    try {
+      if (!Open()) return End::Normal;
+      for (;;) {
+        m_screen.Yield();
+        if (m_reading.guards.AbortReadingFlag) return End::Aborted;
+        if (m_count > 0) m_screen.ShowReading(m_walk->Passed(), m_walk->CarrierSize());
+        const Step step = ReadEntry();
+        if (step == Step::Done) return End::Normal;
+        if (step == Step::KeepOpen) return End::KeptOpen;
+      }
+    } catch (const Stop&) {
+      return End::LeftAtError;
+    }
+  }
+
+  bool Open() {
+    return Guarded([this] {
+             m_file = m_reading.files.OpenToRead(m_request.carrier);
+             m_walk = std::make_unique<Walk>(*m_file, m_request.carrier);
+           }) == Outcome::Done;
+  }
+
+  Step ReadEntry() {
+    std::optional<EntryPlace> place;
+    const Outcome outcome = Guarded([&] { place = m_walk->Next(); });
+    if (outcome == Outcome::Ignored || !place) return Step::Done;
+    Entry entry{.place = *place, .record = {}, .tail = {}};
+    Guarded([&] { ReadRecordOf(entry); });
+    if (!Fits(entry)) return OnlyNewestCounts() ? Step::Done : Step::GoOn;
+    const std::string_view version = GetTag(entry.record, tag::kFormat);
+    if (version != kFormatVersion) {
+      m_screen.Ask(VersionMessage(version));
+      return Step::Done;
+    }
+    if (m_count == 0 && !SettleRoot(entry)) return Step::KeepOpen;
+    AddEntry(std::move(entry));
+    return Step::GoOn;
+  }
+
+  void ReadRecordOf(Entry& entry) {
+    WipedText record =
+        m_walk->DecryptRecord(m_request.algorithm, m_request.password, m_reading.current.SecondKey);
+    if (record.empty()) return;
+    CheckPayload(record, entry.place.payload);
+    entry.tail = m_walk->ReadTail();
+    entry.record = std::move(record);
+  }
+
+  /// The record can be trusted, its trailer can't: a wrong length there would make a row of foreign bytes.
+  void CheckPayload(std::string_view record, Length payload) const {
+    const std::string_view stored = GetTag(record, tag::kStoredSize);
+    if (stored.empty() || ReadNumber(stored) == static_cast<double>(payload)) return;
+    throw Error(ErrorNumber::BadRecordNumber,
+                Printable(m_request.carrier.native()) + " is damaged: the lengths stored for " +
+                    Printable(ToDisplay(GetTag(record, tag::kName))) + " contradict each other",
+                m_request.carrier);
+  }
+
+  static bool Fits(const Entry& entry) { return !GetTag(entry.record, tag::kName).empty(); }
+
+  bool OnlyNewestCounts() const { return m_request.fit == LoadRequest::Fit::NewestEntry && m_count == 0; }
+
+  /// Makes room for the hideout and adds its root. False if the person wants to keep what is open.
+  bool SettleRoot(const Entry& newest) {
+    const TreeNode* const open = m_reading.catalogue.FindRoot(m_request.carrier);
+    if (open != nullptr && m_request.reload == LoadRequest::Reload::Ask &&
+        open->hideout->password == m_request.password && m_screen.Ask(ReloadQuestion()) != Answer::Yes) {
+      return false;
+    }
+    m_reading.catalogue.RemoveCarrier(m_request.carrier);
+    m_root = &m_reading.catalogue.AddRoot(KeyOf(newest), std::string(kRootFolder));
+    return true;
+  }
+
+  std::shared_ptr<const HideoutKey> KeyOf(const Entry& newest) const {
+    return std::make_shared<const HideoutKey>(HideoutKey{
+        .carrier = m_request.carrier,
+        .carrierName = ToStored(m_request.carrier.filename().native(), TextKind::PathComponent),
+        .password = m_request.password,
+        .algorithm = m_request.algorithm,
+        .algorithmName = AlgorithmName(m_request.algorithm),
+        .title = WipedText(GetTag(newest.record, tag::kTitle)),
+    });
+  }
+
+  void AddEntry(Entry entry) {
+    MirrorRow row;
+    row.hideout = m_root->hideout;
+    row.record = std::move(entry.record);
+    row.start = entry.place.start;
+    row.size = entry.place.payload;
+    row.tail = std::move(entry.tail);
+    m_reading.catalogue.EnsureFolderNode(*m_root, row.Folder());
+    FileTypes::Type type = m_reading.types.Of(row.Name());
+    row.icon = type.icon;
+    row.typeText = std::move(type.text);
+    m_reading.catalogue.AddRow(std::move(row));
+    ++m_count;
+  }
+
+  LoadResult EndNormally() {
+    if (m_count == 0) return LoadResult::NotFound;
+    m_screen.HideoutLoaded(*m_root, m_count);
+    const HideoutKey& hideout = *m_root->hideout;
+    CurrentHideout& current = m_reading.current;
+    current.CurrentCarrierPath = hideout.carrier;
+    current.CurrentCarrierName = hideout.carrierName;
+    current.CurrentHideoutTitle = hideout.title;
+    current.CurrentAlgorithmId = hideout.algorithm;
+    current.CurrentPassword = hideout.password;
+    return LoadResult::Loaded;
+  }
+
+  LoadResult EndAborted() {
+    if (m_count > 0) m_reading.catalogue.RemoveCarrier(m_request.carrier);
+    m_screen.HideoutGone();
+    return m_count > 0 ? LoadResult::Aborted : LoadResult::NotFound;
+  }
+
+  template <class Statement>
+  Outcome Guarded(Statement&& statement) {
+    return Attempt(m_screen, m_handler, std::forward<Statement>(statement));
+  }
+
+  const LoadRequest& m_request;
+  Reading& m_reading;
+  ReadingScreen& m_screen;
+  const ErrorHandler m_handler{LoadErrorQuestion};
+  std::unique_ptr<File> m_file;
+  std::unique_ptr<Walk> m_walk;
+  TreeNode* m_root = nullptr;
+  std::size_t m_count = 0;
+};
+
+}  // namespace
+
+LoadResult LoadHideout(const LoadRequest& request, Reading& reading, ReadingScreen& screen) {
+  if (reading.guards.ReadingBusy) return LoadResult::NotFound;
+  return Loader(request, reading, screen).Run();
+}
+
+}  // namespace tarnel

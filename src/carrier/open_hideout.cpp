@@ -1,0 +1,88 @@
+#include "carrier/open_hideout.h"
+
+#include <algorithm>
+#include <array>
+#include <memory>
+
+#include "carrier/busy_reading.h"
+#include "carrier/stored_text.h"
+#include "crypto/keys.h"
+
+namespace tarnel {
+
+namespace {
+
+/// The order in which algorithms are tried; the first that fits wins.
+constexpr std::array kTriedAlgorithms = {Algorithm::Rijndael256, Algorithm::Cast5,      Algorithm::Des,
+                                         Algorithm::Dese,        Algorithm::Idea,       Algorithm::Rc4,
+                                         Algorithm::Blowfish,    Algorithm::Serpent256, Algorithm::TripleDes,
+                                         Algorithm::Twofish};
+
+LoadResult TryAll(LoadRequest request, Reading& reading, OpeningScreen& screen) {
+  int number = 0;
+  for (const auto fit : {LoadRequest::Fit::NewestEntry, LoadRequest::Fit::AnyEntry}) {
+    for (const Algorithm algorithm : kTriedAlgorithms) {
+      request.algorithm = algorithm;
+      request.fit = fit;
+      reading.guards.TreeClickBlocked = true;
+      const LoadResult result = LoadHideout(request, reading, screen);
+      if (IsFinal(result)) return result;
+      screen.ShowTry(++number);
+    }
+  }
+  return LoadResult::NotFound;
+}
+
+}  // namespace
+
+LoadResult TryPassword(const Path& carrier, const Secret& password, Reading& reading, OpeningScreen& screen) {
+  if (reading.guards.ReadingBusy) return LoadResult::NotFound;
+  {
+    const BusyReading busy(reading.guards);
+    reading.guards.TreeClickBlocked = true;
+    PrepareKey(password, [&screen] { screen.Yield(); });
+  }
+  const LoadResult result = TryAll({.carrier = carrier, .password = password}, reading, screen);
+  reading.guards.AbortReadingFlag = false;
+  return result;
+}
+
+TreeNode& CreateHideout(const Path& carrier, const Secret& password, std::string_view title,
+                        Algorithm algorithm, std::string_view algorithmName, Reading& reading) {
+  auto hideout = std::make_shared<const HideoutKey>(
+      HideoutKey{.carrier = carrier,
+                 .carrierName = ToStored(carrier.filename().native(), TextKind::PathComponent),
+                 .password = password,
+                 .algorithm = algorithm,
+                 .algorithmName = std::string(algorithmName),
+                 .title = WipedText(ToStored(title, TextKind::Plain))});
+  reading.current = {.CurrentCarrierPath = carrier,
+                     .CurrentCarrierName = hideout->carrierName,
+                     .CurrentHideoutTitle = hideout->title,
+                     .CurrentAlgorithmId = algorithm,
+                     .CurrentPassword = password,
+                     .SecondKey = {}};
+  reading.catalogue.RemoveCarrier(carrier);
+  return reading.catalogue.AddRoot(std::move(hideout), {});
+}
+
+std::optional<NewHideoutFault> CheckNewHideout(const Path& carrier, const Secret& password,
+                                               const Secret& confirmation, std::string_view title,
+                                               Files& files) {
+  if (password.IsEmpty()) return NewHideoutFault::NoPassword;
+  if (title.find_first_not_of(' ') == std::string_view::npos) return NewHideoutFault::NoTitle;
+  if (!(password == confirmation)) return NewHideoutFault::ConfirmationDiffers;
+  const std::optional<FileStat> stat = files.Stat(carrier);
+  if (!stat || stat->kind != FileKind::Regular) return NewHideoutFault::CarrierMissing;
+  return std::nullopt;
+}
+
+bool TitleRefuses(char c) {
+  return c == '/' || c == '\\' || NewPasswordRefuses(c);
+}
+
+bool NewPasswordRefuses(char c) {
+  return c == '<' || c == '>';
+}
+
+}  // namespace tarnel

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <optional>
+
+#include "carrier/load_hideout.h"
+
+namespace tarnel {
+
+/// What the opening form shows beside reading.
+class OpeningScreen : public ReadingScreen {
+ public:
+  /// The try `number` of 20 has failed.
+  virtual void ShowTry(int number) = 0;
+};
+
+/// Tries the password with ten algorithms on the newest entry, then with the same ten on every entry, and
+/// stops at the first final result. Derives the key first, yielding meanwhile with ReadingBusy set. Once
+/// AbortReadingFlag is set each remaining try ends at once; the flag is cleared at the end. Abort at an error
+/// ends one try only. NotFound at once if another operation is reading.
+LoadResult TryPassword(const Path& carrier, const Secret& password, Reading& reading, OpeningScreen& screen);
+
+/// Makes a hideout without entries: it has no bytes in the carrier before something is hidden. A hideout open
+/// on this carrier is closed without a question; its entries stay in the file. Makes the new one current.
+/// `title` is the text as typed, not yet stored text; `algorithmName` as chosen, so it may be "TripleDES".
+TreeNode& CreateHideout(const Path& carrier, const Secret& password, std::string_view title,
+                        Algorithm algorithm, std::string_view algorithmName, Reading& reading);
+
+/// What is wrong with the input of the creating side, in the order in which it is checked.
+enum class NewHideoutFault { NoPassword, NoTitle, ConfirmationDiffers, CarrierMissing };
+std::optional<NewHideoutFault> CheckNewHideout(const Path& carrier, const Secret& password,
+                                               const Secret& confirmation, std::string_view title,
+                                               Files& files);
+
+/// Characters that the title field and the new password's field refuse.
+bool TitleRefuses(char c);
+bool NewPasswordRefuses(char c);
+
+}  // namespace tarnel

@@ -1,0 +1,77 @@
+#include "carrier/questions.h"
+
+#include "base/attempt.h"
+#include "carrier/stored_text.h"
+
+namespace tarnel {
+
+namespace {
+
+constexpr const char* kTitle = "Tarnel";
+
+Question Refusal(const char* id, const char* text) {
+  return {.id = id, .title = kTitle, .text = text, .icon = Icon::Critical};
+}
+
+}  // namespace
+
+Question LoadErrorQuestion(const Error& error) {
+  return ErrorQuestion(error, "load.error", kTitle, LineBreak::CrLf, Answer::Abort);
+}
+
+Question ProbeErrorQuestion(const Error& error) {
+  return ErrorQuestion(error, "probe.error", kTitle, LineBreak::CrLf, Answer::Abort);
+}
+
+Question ReloadQuestion() {
+  return {.id = "load.reload",
+          .title = kTitle,
+          .text = "This carrier file is opened already! Do you want to reload it?",
+          .buttons = Buttons::YesNo,
+          .icon = Icon::Question,
+          .preset = Answer::No};
+}
+
+Question VersionMessage(std::string_view version) {
+  return {.id = "load.version",
+          .title = kTitle,
+          .text = "This carrier file was created with version: " + ToDisplay(version) +
+                  ". This format is not compatible with current version.",
+          .icon = Icon::Information};
+}
+
+Question NoPasswordMessage() {
+  return Refusal("open.no-password", "Please enter the password!");
+}
+
+Question AccessDeniedQuestion() {
+  return {.id = "open.denied",
+          .title = kTitle,
+          .text =
+              "Access Denied! Possible Reasons:\r\n\r\n"
+              "- The password you entered is not valid\r\n"
+              "- The current hideout doesn't contain any hidden files\r\n"
+              "- Carrier file is damaged\r\n"
+              "- Uncompatible carrier file format\r\n\r\n"
+              "Do you want to create a new hideout?",
+          .buttons = Buttons::YesNo,
+          .icon = Icon::Critical,
+          .preset = Answer::No};
+}
+
+Question NewHideoutMessage(NewHideoutFault fault) {
+  switch (fault) {
+    case NewHideoutFault::NoPassword:
+      return Refusal("create.no-password", "Please enter a password!");
+    case NewHideoutFault::NoTitle:
+      return Refusal("create.no-title", "Please enter a hideout name!");
+    case NewHideoutFault::ConfirmationDiffers:
+      return Refusal("create.confirmation",
+                     "The password confirmation is incorrect! Please check your password.");
+    case NewHideoutFault::CarrierMissing:
+      break;
+  }
+  return Refusal("create.no-carrier", "Carrier file is not existing! Please select a new carrier file.");
+}
+
+}  // namespace tarnel

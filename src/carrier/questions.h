@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string_view>
+
+#include "base/dialogue.h"
+#include "carrier/open_hideout.h"
+
+namespace tarnel {
+
+/// All that reading, opening and creating a hideout says in boxes.
+
+Question LoadErrorQuestion(const Error& error);   ///< "load.error"
+Question ProbeErrorQuestion(const Error& error);  ///< "probe.error"
+
+/// "load.reload": the carrier is open already.
+Question ReloadQuestion();
+
+/// "load.version": an entry fits, but another format version wrote it. `version` is stored text.
+Question VersionMessage(std::string_view version);
+
+/// "open.no-password"
+Question NoPasswordMessage();
+
+/// "open.denied": all tries have failed. Yes leads to a new hideout.
+Question AccessDeniedQuestion();
+
+/// "create.no-password", "create.no-title", "create.confirmation" and "create.no-carrier".
+Question NewHideoutMessage(NewHideoutFault fault);
+
+}  // namespace tarnel

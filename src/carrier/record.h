@@ -1,0 +1,38 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "base/files.h"
+#include "base/secret.h"
+#include "crypto/algorithm.h"
+
+namespace tarnel {
+
+/// What a record says of one hidden file. All texts are stored text.
+struct RecordFields {
+  std::string name = {};
+  std::string plainSize = {};  ///< plain digits, as are the next two
+  std::string storedSize = {};
+  std::string attributes = {};
+  std::string date = {};
+  std::string compressed = {};  ///< zlib level, "0" if stored as it is
+  std::string folder = {};      ///< parts joined by "\", empty for the root
+  std::string title = {};
+  std::string mode = {};  ///< octal, empty where the attributes say all
+};
+
+/// A hide writes the format version once, a rewrite writes it twice. Readers take the first.
+enum class RecordWriter { Hide, Rewrite };
+
+WipedText BuildRecord(const RecordFields& fields, RecordWriter writer);
+
+/// The fields of a plain record as they stand there.
+RecordFields ReadRecord(std::string_view record);
+
+/// Everything that follows the payload of an entry: the encrypted record as Base64 text, then the trailer.
+std::string SealEntry(std::string_view plainRecord, Length payload, Algorithm algorithm,
+                      const Secret& password, std::string& secondKey);
+
+}  // namespace tarnel

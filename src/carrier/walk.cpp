@@ -1,0 +1,118 @@
+#include "carrier/walk.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "base/printable.h"
+#include "carrier/length_field.h"
+#include "crypto/cipher.h"
+
+namespace tarnel {
+
+namespace {
+
+/// Holds trailer and record of an ordinary entry, and several entries where the payloads are small.
+constexpr Length kWindow = 4096;
+
+/// Enough of a record to see whether a key fits.
+constexpr Length kRecordFront = 64;
+
+}  // namespace
+
+Walk::Walk(File& carrier, Path name)
+    : m_carrier(carrier),
+      m_name(std::move(name)),
+      m_size(carrier.Size()),
+      m_cursor(Position{} + m_size - Length{kTrailerSize}) {}
+
+std::optional<EntryPlace> Walk::Next() {
+  if (m_ended) return std::nullopt;
+  if (m_cursor < Position{}) throw TooShort();
+  const std::string trailer = Slice(m_cursor, kTrailerSize);
+  const std::string_view fields = trailer;
+  const double recordLength = UnpackLengthField(fields.substr(kLengthFieldSize));
+  if (recordLength == 0) {
+    m_ended = true;
+    return std::nullopt;
+  }
+  const double payload = UnpackLengthField(fields.substr(0, kLengthFieldSize));
+  m_entry = PlaceOf(m_cursor, payload, recordLength);
+  m_ended = m_entry.start < Position{kTrailerSize};
+  if (!m_ended) m_cursor = m_entry.start - Length{kTrailerSize};
+  return m_entry;
+}
+
+EntryPlace Walk::PlaceOf(Position trailer, double payload, double recordLength) const {
+  const Position record = Back(trailer, recordLength);
+  const Position start = Back(record, payload);
+  return {.start = start, .payload = record - start, .recordLength = trailer - record};
+}
+
+Position Walk::Back(Position from, double length) const {
+  const Length room = from - Position{};
+  if (!(length >= 0) || length > static_cast<double>(room) || length != std::floor(length)) throw TooShort();
+  return from - static_cast<Length>(length);
+}
+
+Error Walk::TooShort() const {
+  return {ErrorNumber::BadRecordNumber,
+          Name() + " is too short or its hidden part is damaged: an entry would begin before the file",
+          m_name};
+}
+
+std::string Walk::ReadRecordText() {
+  return Slice(m_entry.Record(), m_entry.recordLength);
+}
+
+WipedText Walk::DecryptRecord(Algorithm algorithm, const Secret& password, std::string& secondKey) {
+  secondKey.clear();
+  if (m_entry.recordLength > Length{kRecordLimit} || !KeyFits(algorithm, password)) return {};
+  return CipherDecryptString(algorithm, ReadRecordText(), TextForm::Base64, password, secondKey, Cut::Whole);
+}
+
+bool Walk::KeyFits(Algorithm algorithm, const Secret& password) {
+  const std::string front = Slice(m_entry.Record(), std::min(kRecordFront, m_entry.recordLength));
+  return CipherKeyFits(algorithm, front, TextForm::Base64, password);
+}
+
+std::string Walk::ReadTail() {
+  return Slice(m_entry.Record(), m_entry.End() - m_entry.Record());
+}
+
+Length Walk::Passed() const {
+  return m_size - m_cursor.value;
+}
+
+std::string Walk::Slice(Position from, Length length) {
+  std::string bytes(static_cast<std::size_t>(length), '\0');
+  if (length > kWindow) {
+    const MutableBytes target(reinterpret_cast<std::uint8_t*>(bytes.data()), bytes.size());
+    if (m_carrier.ReadAt(from, target) < bytes.size()) throw Shrunk();
+    return bytes;
+  }
+  FillWindow(from, length);
+  const auto first = m_window.begin() + (from - m_windowStart);
+  std::copy(first, first + length, bytes.begin());
+  return bytes;
+}
+
+void Walk::FillWindow(Position from, Length length) {
+  const Position end = from + length;
+  if (from >= m_windowStart && end <= m_windowStart + static_cast<Length>(m_window.size())) return;
+  const Position start = std::max(Position{}, end - kWindow);
+  std::vector<std::uint8_t> window(static_cast<std::size_t>(end - start));
+  if (m_carrier.ReadAt(start, window) < window.size()) throw Shrunk();
+  m_window.swap(window);
+  m_windowStart = start;
+}
+
+std::string Walk::Name() const {
+  return m_name.empty() ? "the carrier" : Printable(m_name.native());
+}
+
+Error Walk::Shrunk() const {
+  return {ErrorNumber::DeviceIo, "cannot read " + Name() + ": it became shorter meanwhile", m_name};
+}
+
+}  // namespace tarnel

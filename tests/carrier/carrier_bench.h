@@ -1,0 +1,152 @@
+#pragma once
+
+#include <fstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/file_streams.h"
+#include "carrier/format.h"
+#include "carrier/open_hideout.h"
+#include "carrier/record.h"
+#include "carrier/stored_text.h"
+#include "crypto/cipher.h"
+#include "tests/crypto/memory_streams.h"
+#include "tests/support/scripted_dialogue.h"
+#include "tests/support/temp_folder.h"
+
+namespace tarnel::test {
+
+/// A hideout as tests name it. Each password costs one key derivation per program: use few.
+struct Under {
+  std::string password = "secret";
+  Algorithm algorithm = Algorithm::Rijndael256;
+};
+
+/// What stands in a record of the bench beside the sizes. All texts are the platform's.
+struct Hidden {
+  std::string name;
+  std::string content = "some content";
+  std::string folder = {};  ///< stored text
+  std::string title = "Title";
+  std::string mode = {};
+};
+
+/// Notes what it is shown.
+class BenchScreen : public Scripted<OpeningScreen> {
+ public:
+  void ShowReading(Length passed, Length size) override {
+    script.Note("reading " + std::to_string(passed) + " of " + std::to_string(size));
+  }
+  void HideoutLoaded(TreeNode& root, std::size_t files) override {
+    script.Note("loaded " + root.text + " " + std::to_string(files));
+  }
+  void HideoutGone() override { script.Note("gone"); }
+  void ShowTry(int number) override { script.Note("try " + std::to_string(number)); }
+};
+
+/// One carrier on disk, and a session that reads it.
+///
+///   CarrierBench bench(1000);
+///   bench.Hide({"a.txt"}, Under{"secret"}).Hide({"b.txt"}, Under{"other"});
+///   bench.FlipBit(1001, 0);
+///   EXPECT_EQ(bench.Load(Under{"secret"}), LoadResult::Loaded);
+///   EXPECT_EQ(bench.Names(), Strings{"a.txt"});
+class CarrierBench {
+ public:
+  explicit CarrierBench(std::size_t bodySize = 1000) { folder.Put("carrier.bin", Pattern(bodySize)); }
+
+  CarrierBench& Hide(const Hidden& hidden, const Under& under = {}) {
+    const std::string payload = Encrypt(hidden.content, under);
+    return HideRecord(RecordOf(hidden, payload.size()), payload, under);
+  }
+
+  /// An entry with any record text.
+  CarrierBench& HideRecord(std::string_view record, const std::string& payload, const Under& under = {}) {
+    return Append(payload + SealEntry(record, static_cast<Length>(payload.size()), under.algorithm,
+                                      Secret(under.password), secondKey));
+  }
+
+  CarrierBench& Append(const std::string& bytes) {
+    std::ofstream(carrier, std::ios::binary | std::ios::app) << bytes;
+    return *this;
+  }
+
+  /// `position` counts from 1.
+  void FlipBit(Length position, unsigned bit) {
+    const auto file = posix.OpenToChange(carrier);
+    std::uint8_t byte = 0;
+    file->ReadAt({position}, {&byte, 1});
+    byte = static_cast<std::uint8_t>(byte ^ 1U << bit);
+    file->WriteAt({position}, {&byte, 1});
+  }
+  void CutTo(Length size) { std::filesystem::resize_file(carrier, static_cast<std::uintmax_t>(size)); }
+  Length Size() const { return static_cast<Length>(std::filesystem::file_size(carrier)); }
+
+  static WipedText RecordOf(const Hidden& hidden, std::size_t payload) {
+    return BuildRecord({.name = ToStored(hidden.name, TextKind::PathComponent),
+                        .plainSize = std::to_string(hidden.content.size()),
+                        .storedSize = std::to_string(payload),
+                        .attributes = "32",
+                        .date = "11/22/26 10:00:00",
+                        .compressed = "0",
+                        .folder = hidden.folder,
+                        .title = ToStored(hidden.title, TextKind::Plain),
+                        .mode = hidden.mode},
+                       RecordWriter::Hide);
+  }
+
+  static std::string Encrypt(std::string_view content, const Under& under) {
+    MemorySource source(content);
+    MemorySink sink;
+    std::string secondKey;
+    CipherEncryptFile(under.algorithm, source, sink, Secret(under.password), secondKey);
+    return sink.text;
+  }
+
+  LoadRequest RequestFor(const Under& under) const {
+    return {.carrier = carrier, .password = Secret(under.password), .algorithm = under.algorithm};
+  }
+  LoadResult Load(const Under& under = {}, LoadRequest::Reload reload = LoadRequest::Reload::Forced,
+                  LoadRequest::Fit fit = LoadRequest::Fit::AnyEntry) {
+    LoadRequest request = RequestFor(under);
+    request.reload = reload;
+    request.fit = fit;
+    return LoadHideout(request, reading, screen);
+  }
+  LoadResult TryPassword(const std::string& password) {
+    return tarnel::TryPassword(carrier, Secret(password), reading, screen);
+  }
+
+  /// Names of the rows, in their order.
+  std::vector<std::string> Names() const {
+    std::vector<std::string> names;
+    for (const MirrorRow& row : catalogue.Rows())
+      names.push_back(ToPlatform(row.Name()));
+    return names;
+  }
+  /// The file that a row stands for; "(damaged)" if it doesn't authenticate.
+  std::string ContentOf(const MirrorRow& row) {
+    const auto file = posix.OpenToRead(row.hideout->carrier);
+    FileSource source(*file, row.hideout->carrier, row.start, row.size);
+    MemorySink sink;
+    const bool intact =
+        CipherDecryptFile(row.hideout->algorithm, source, sink, row.hideout->password, secondKey);
+    return intact ? sink.text : "(damaged)";
+  }
+
+  TempFolder folder;
+  Path carrier = folder / "carrier.bin";
+  PosixFiles posix;
+  Catalogue catalogue;
+  FileTypes types{[](const std::string& name) { return "type of " + name; }};
+  ReadingGuards guards;
+  CurrentHideout current;
+  Reading reading{posix, catalogue, types, guards, current};
+  BenchScreen screen;
+  std::string secondKey;
+};
+
+using Strings = std::vector<std::string>;
+
+}  // namespace tarnel::test
