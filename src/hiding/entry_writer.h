@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "base/files.h"
+#include "carrier/format.h"
+#include "hiding/run_hide.h"
+
+namespace tarnel {
+
+/// The progress bar of a hide. Its maximum starts as the sum of the sources and becomes the sum of the
+/// payloads; its value is the sum of the payload bytes written.
+struct HideProgress {
+  double value = 0;
+  double maximum = 0;
+};
+
+/// Appends entries behind the last byte of a carrier. An entry counts from the moment when FinishEntry
+/// returns; until then Rewind takes back all that was written of it.
+///
+/// The payload goes out in blocks of kCopyBlock. Before each full block the writer looks whether the person
+/// has cancelled, behind it it yields; the last part, which is shorter or empty, is written without a look.
+/// Several blocks are gathered for one write, so an error of the disk can come up to kGathered bytes late.
+/// Throws Stop(Cancelled), Stop(TooLarge) before a byte that would take the carrier beyond kCarrierLimit, or
+/// Error.
+class EntryWriter : public ByteSink {
+ public:
+  /// Appends from position `end` + 1 on. The file must outlive the writer's last call.
+  EntryWriter(File& carrier, Length end, HideScreen& screen, HideProgress& progress);
+
+  /// Cuts the carrier back to the end of its last whole entry, and takes the progress back with it.
+  void Rewind();
+
+  /// Takes payload.
+  void Write(Bytes bytes) override;
+
+  /// Writes the last part; gives the size of the whole payload.
+  Length FinishPayload();
+
+  /// Writes what follows the payload. Now the entry stands.
+  void FinishEntry(std::string_view tail);
+
+  /// Length of the carrier up to the end of its last whole entry.
+  Length End() const { return m_end; }
+
+ private:
+  static constexpr std::size_t kGathered = 16 * kCopyBlock;
+
+  void EndBlock();
+  void Flush();
+  void WriteThrough(Bytes bytes);
+  void Advance(std::size_t bytes);
+
+  File& m_carrier;
+  HideScreen& m_screen;
+  HideProgress& m_progress;
+  Length m_end;
+  Length m_written = 0;  ///< of the entry in the making
+  double m_valueAtEnd;   ///< progress that belongs to m_end
+  std::vector<std::uint8_t> m_gathered;
+  std::size_t m_inBlock = 0;  ///< bytes at the end of m_gathered that make no full block yet
+};
+
+}  // namespace tarnel

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "base/files.h"
+#include "base/secret.h"
+#include "carrier/format.h"
+#include "hiding/run_hide.h"
+
+namespace tarnel {
+
+/// An entry that a hide has appended.
+struct NewEntry {
+  std::size_t row = 0;  ///< of the request
+  Position start;
+  Length payload = 0;
+  bool isCompressed = false;
+};
+
+/// Opens the carrier anew and reads the entries as any reader would: walks to each of them from the end,
+/// opens its record, decrypts its payload, decompresses it, and compares what comes out with the original,
+/// byte for byte. `entries` are the newest of the carrier, oldest first. Gives the rows whose original came
+/// back identical, ascending; an entry that can't be reached, read or authenticated, and an original that
+/// can't be read, are not among them. Throws no Error. Memory doesn't grow with the files.
+std::vector<std::size_t> RowsThatReadBack(const std::vector<NewEntry>& entries,
+                                          const std::vector<HideRow>& rows, const CurrentHideout& hideout,
+                                          Files& files, Dialogue& dialogue);
+
+}  // namespace tarnel

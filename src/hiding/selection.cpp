@@ -1,0 +1,143 @@
+#include "hiding/selection.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "carrier/stored_text.h"
+
+namespace tarnel {
+
+namespace {
+
+constexpr char separator = '/';
+
+/// What the platform said, without what was tried.
+std::string Reason(const Error& error) {
+  const std::string description = error.Description();
+  const std::size_t colon = description.rfind(": ");
+  return "cannot be read: " + (colon == std::string::npos ? description : description.substr(colon + 2));
+}
+
+Path WithoutSeparatorAtEnd(const Path& folder) {
+  return folder.has_filename() || !folder.has_relative_path() ? folder : folder.parent_path();
+}
+
+}  // namespace
+
+std::string FolderText(std::string_view parent, std::string_view base) {
+  const bool isBase =
+      base == parent || (base.ends_with(separator) && base.substr(0, base.size() - 1) == parent);
+  if (isBase || parent.size() <= base.size()) return {};
+  std::string text;
+  std::string_view rest = parent.substr(base.size());
+  for (;;) {
+    const std::size_t end = rest.find(separator);
+    text += ToStored(rest.substr(0, end), TextKind::PathComponent);
+    if (end == std::string_view::npos) return text;
+    text += '\\';
+    rest.remove_prefix(end + 1);
+  }
+}
+
+Selection::Selection(Files& files, SelectionScreen& screen) : m_files(files), m_screen(screen) {}
+
+void Selection::AddFile(const Path& file, std::string_view base) {
+  try {
+    if (const std::optional<FileStat> stat = m_files.Stat(file))
+      AddIfRegular(file, *stat, base);
+    else if (m_files.Stat(file, Files::Links::DontFollow))
+      m_passed.push_back({file, "is a link that leads nowhere"});
+  } catch (const Error& error) {
+    m_passed.push_back({file, Reason(error)});
+  }
+}
+
+void Selection::AddIfRegular(const Path& file, const FileStat& stat, std::string_view base) {
+  if (stat.kind != FileKind::Regular) {
+    const bool isFolder = stat.kind == FileKind::Folder;
+    m_passed.push_back({file, isFolder ? "is a link to a folder" : "is a pipe, a socket or a device"});
+    return;
+  }
+  if (!m_paths.insert(file.native()).second) return;
+  m_collected.push_back({.source = file,
+                         .name = file.filename().native(),
+                         .folder = FolderText(file.parent_path().native(), base)});
+  m_totalBytes += static_cast<double>(stat.size);
+  m_screen.ShowAdded(file, m_collected.size());
+  m_screen.Yield();
+}
+
+void Selection::WalkFolder(const Path& folder, std::string_view base) {
+  ++m_foldersCounted;
+  std::vector<Path> waiting;  // the next one last
+  AddFilesOf(WithoutSeparatorAtEnd(folder), base, waiting);
+  while (!waiting.empty()) {
+    ++m_foldersCounted;
+    if (m_screen.CancelRequested()) return;
+    ++m_foldersCounted;
+    const Path next = std::move(waiting.back());
+    waiting.pop_back();
+    AddFilesOf(next, base, waiting);
+    m_screen.Yield();
+  }
+}
+
+void Selection::AddFilesOf(const Path& folder, std::string_view base, std::vector<Path>& waiting) {
+  std::vector<FolderEntry> entries;
+  try {
+    entries = m_files.List(folder);
+  } catch (const Error& error) {
+    m_passed.push_back({folder, Reason(error)});
+  }
+  for (const FolderEntry& entry : entries) {
+    if (m_screen.CancelRequested()) return;
+    if (entry.kind != FileKind::Folder) AddFile(folder / entry.name, base);
+  }
+  for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry)
+    if (entry->kind == FileKind::Folder) waiting.push_back(folder / entry->name);
+}
+
+void Selection::AddWholeFolder(const Path& folder) {
+  const Path whole = WithoutSeparatorAtEnd(folder);
+  std::string base = whole.parent_path().native();
+  if (!base.empty() && !base.ends_with(separator)) base += separator;
+  WalkFolder(whole, base);
+}
+
+void Selection::Remove(const std::vector<std::size_t>& rows) {
+  std::vector<HideRow> kept = Rows();
+  for (const std::size_t row : rows) {
+    m_totalBytes -= SizeIfThere(kept[row].source);
+    m_paths.erase(kept[row].source.native());
+    kept[row].source.clear();
+  }
+  std::erase_if(kept, [](const HideRow& row) { return row.source.empty(); });
+  m_foldersCounted = FoldersAmong(kept);
+  m_collected.assign(kept.rbegin(), kept.rend());
+}
+
+double Selection::SizeIfThere(const Path& file) {
+  try {
+    const std::optional<FileStat> stat = m_files.Stat(file);
+    return stat ? static_cast<double>(stat->size) : 0;
+  } catch (const Error&) {
+    return 0;
+  }
+}
+
+long Selection::FoldersAmong(const std::vector<HideRow>& rows) {
+  long count = 0;
+  std::string_view remembered;
+  for (const HideRow& row : rows) {
+    if (row.folder.empty()) continue;
+    if (row.folder != remembered) ++count;
+    remembered = row.folder;
+  }
+  return count;
+}
+
+std::vector<HideRow> Selection::Rows() const {
+  return {m_collected.rbegin(), m_collected.rend()};
+}
+
+}  // namespace tarnel

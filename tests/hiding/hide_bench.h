@@ -1,0 +1,129 @@
+#pragma once
+
+#include <sys/stat.h>
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "carrier/companions.h"
+#include "carrier/tags.h"
+#include "crypto/compression.h"
+#include "hiding/run_hide.h"
+#include "tests/carrier/carrier_bench.h"
+#include "tests/support/faulty_files.h"
+
+namespace tarnel::test {
+
+using Contents = std::multimap<std::string, std::string>;
+
+/// Notes what it is shown, progress apart from the rest.
+class NotingHideScreen : public Scripted<HideScreen> {
+ public:
+  void ShowStage(HideStage stage) override { script.Note(StageText(stage)); }
+  void ShowFile(std::size_t number, std::size_t count, const Path& source, Length size) override {
+    script.Note("file " + std::to_string(number) + "/" + std::to_string(count) + " " +
+                source.filename().native() + " " + std::to_string(size));
+  }
+  void FileDone(std::size_t number) override { script.Note("done " + std::to_string(number)); }
+  void ShowProgress(double newValue, double newMaximum) override {
+    value = newValue;
+    maximum = newMaximum;
+  }
+  void ShowReading(Length, Length) override {}
+  void HideoutLoaded(TreeNode&, std::size_t files) override {
+    script.Note("loaded " + std::to_string(files));
+  }
+  void HideoutGone() override { script.Note("gone"); }
+
+  double value = 0;
+  double maximum = 0;
+};
+
+/// A carrier, files to hide in it, and one hide.
+///
+///   HideBench bench;
+///   bench.Row("a.txt", "content").Row("b.txt", "more", "docs");
+///   EXPECT_EQ(bench.RunHide().ending, HideEnding::Done);
+///   EXPECT_EQ(bench.Found(), (Contents{{"a.txt", "content"}, {"b.txt", "more"}}));
+class HideBench : public CarrierBench {
+ public:
+  explicit HideBench(std::size_t bodySize = 1000) : CarrierBench(bodySize) {
+    current = {.CurrentCarrierPath = carrier,
+               .CurrentCarrierName = "carrier.bin",
+               .CurrentHideoutTitle = "Title",
+               .CurrentAlgorithmId = Algorithm::Rijndael256,
+               .CurrentPassword = Secret("secret"),
+               .SecondKey = {}};
+    Remember();
+  }
+
+  /// A source file "sources/NAME" and its row.
+  HideBench& Row(const std::string& name, std::string_view content, const std::string& rowFolder = {},
+                 mode_t mode = 0644) {
+    const Path source = folder.Put("sources/" + name, content, mode);
+    request.rows.push_back({.source = source, .name = source.filename().native(), .folder = rowFolder});
+    request.totalBytes += static_cast<double>(content.size());
+    return *this;
+  }
+  /// An entry that stands in the carrier before.
+  HideBench& With(const Hidden& entry, const Under& under = {}) {
+    Hide(entry, under);
+    Remember();
+    return *this;
+  }
+  Path Source(const std::string& name) const { return folder / ("sources/" + name); }
+
+  /// What is there now counts as the old state.
+  void Remember() {
+    oldBytes = ReadAll(carrier);
+    oldMode = ModeOf(carrier);
+  }
+
+  HideResult RunHide() { return RunHideOn(posix); }
+  HideResult RunHideOn(Files& files) {
+    Reading session{files, catalogue, types, guards, current};
+    return tarnel::RunHide(request, session, hideScreen);
+  }
+
+  /// Name and plain content of all entries of the hideout as a fresh reader finds them, oldest first.
+  Contents Found() {
+    CarrierBench::Load();
+    Contents contents;
+    for (auto row = catalogue.Rows().rbegin(); row != catalogue.Rows().rend(); ++row)
+      contents.emplace(ToPlatform(row->Name()), PlainContentOf(*row));
+    if (CurrentRoot() == nullptr) contents.clear();
+    return contents;
+  }
+  std::string Field(std::size_t row, std::string_view key) const {
+    return std::string(catalogue.Rows().at(row).Field(key));
+  }
+
+  static mode_t ModeOf(const Path& path) {
+    struct stat data {};
+    return ::stat(path.c_str(), &data) == 0 ? data.st_mode & 07777 : 0;
+  }
+  bool IsOld() const { return ReadAll(carrier) == oldBytes && ModeOf(carrier) == oldMode; }
+  bool BackupExists() const { return std::filesystem::exists(BackupPath(carrier)); }
+  bool BackupIsOld() const { return BackupExists() && ReadAll(BackupPath(carrier)) == oldBytes; }
+
+  HideRequest request;
+  NotingHideScreen hideScreen;
+  std::string oldBytes;
+  mode_t oldMode = 0;
+
+ private:
+  const TreeNode* CurrentRoot() const { return catalogue.FindRoot(carrier); }
+
+  std::string PlainContentOf(const MirrorRow& row) {
+    const std::string stored = ContentOf(row);
+    if (row.Field(tag::kCompressed) == "0") return stored;
+    MemorySink plain;
+    DecompressingSink decompression(plain);
+    decompression.Write(AsBytes(stored));
+    return decompression.IsIntact() ? plain.text : "(damaged)";
+  }
+};
+
+}  // namespace tarnel::test
