@@ -1,0 +1,212 @@
+#include "retrieval/carrier_rewrite.h"
+
+#include <utility>
+
+#include "base/attributes.h"
+#include "base/printable.h"
+#include "carrier/companions.h"
+#include "carrier/format.h"
+
+namespace tarnel {
+namespace {
+
+Path WhereItLies(const Path& carrier, Files& files) {
+  const std::optional<FileStat> found = files.Stat(carrier, Files::Links::DontFollow);
+  if (!found || found->kind != FileKind::SymbolicLink) return carrier;
+  std::error_code fault;
+  const Path target = std::filesystem::canonical(carrier, fault);
+  if (fault) throw ErrnoError(fault.value(), "open", carrier);
+  return target;
+}
+
+/// A carrier that may not be written can still be replaced.
+std::unique_ptr<File> LockCarrier(const Path& carrier, Files& files) {
+  const std::optional<FileStat> found = files.Stat(carrier);
+  const bool isReadOnly = found && (found->mode & 0200) == 0;
+  return OpenLocked(carrier, files, isReadOnly ? LockAccess::Read : LockAccess::Change);
+}
+
+class TemporarySink : public ByteSink {
+ public:
+  TemporarySink(File& file, Length written, const Path& path)
+      : m_sink(file, Position{written + 1}), m_room(kCarrierLimit - written), m_path(path) {}
+
+  void Write(Bytes bytes) override {
+    if (static_cast<Length>(bytes.size()) > m_room - m_sink.Written())
+      throw Error(ErrorNumber::DiskFull,
+                  "cannot write " + Printable(m_path.native()) + ": a carrier has to stay below 2 GiB",
+                  m_path);
+    m_sink.Write(bytes);
+  }
+  Length Written() const { return m_sink.Written(); }
+
+ private:
+  FileSink m_sink;
+  Length m_room;
+  const Path& m_path;
+};
+
+/// A source that owns the one it takes its bytes from.
+class OwnedStretch : public ByteSource {
+ public:
+  OwnedStretch(const FileSource& stretch, Dialogue& dialogue, BlockSource::Progress progress)
+      : m_stretch(stretch),
+        m_blocks(m_stretch, m_stretch.Left(), CancelLook::BeforeFullBlock, dialogue, std::move(progress)) {}
+
+  std::size_t Read(MutableBytes into) override { return m_blocks.Read(into); }
+
+ private:
+  FileSource m_stretch;
+  BlockSource m_blocks;
+};
+
+}  // namespace
+
+CarrierRewrite::CarrierRewrite(const Path& carrier, const std::vector<KnownEntry>& treated,
+                               RewriteManner manner, Leftover leftover, Files& files, RewriteScreen& screen)
+    : m_files(files),
+      m_screen(screen),
+      m_manner(std::move(manner)),
+      m_carrierPath(WhereItLies(carrier, files)),
+      m_temporaryPath(TemporaryCarrierPath(m_carrierPath)),
+      m_carrier(LockCarrier(m_carrierPath, files)) {
+  const FileStat stat = m_carrier->Stat();
+  m_carrierSize = m_maximum = stat.size;
+  for (const KnownEntry& entry : treated)
+    MustHold(entry);
+  RefuseOrRemoveLeftover(leftover);
+  m_temporary = files.CreateNew(m_temporaryPath, 0600);
+  m_partial.emplace(files, m_temporaryPath);
+  if (m_manner.savedAttributes == RewriteManner::SavedAttributes::ReadLast) return;
+  m_savedMode = stat.mode;
+  SetCarrierMode(ApplyReadOnly(stat.mode, attribute::Archive));
+}
+
+void CarrierRewrite::MustHold(const KnownEntry& entry) {
+  const bool isInside = entry.start.value >= 1 && entry.size >= 0 && entry.size <= m_carrierSize &&
+                        entry.start.value - 1 <= m_carrierSize - entry.size;
+  const Length tailSize = static_cast<Length>(entry.tail.size());
+  if (isInside && ReadFileSlice(*m_carrier, entry.start + entry.size, tailSize) == entry.tail) return;
+  throw Error(ErrorNumber::BadRecordNumber,
+              "cannot rewrite " + Printable(m_carrierPath.native()) +
+                  ": it has changed since its hideout was opened; open it again",
+              m_carrierPath);
+}
+
+void CarrierRewrite::RefuseOrRemoveLeftover(Leftover leftover) {
+  if (!m_files.Stat(m_temporaryPath, Files::Links::DontFollow)) return;
+  if (leftover == Leftover::Refuse)
+    throw Error(ErrorNumber::FileExists,
+                "cannot rewrite " + Printable(m_carrierPath.native()) + ": " +
+                    Printable(m_temporaryPath.native()) +
+                    " exists, from an interrupted run or as a file of your own; recover the carrier or move "
+                    "that file away first",
+                m_temporaryPath);
+  m_files.Remove(m_temporaryPath);
+}
+
+void CarrierRewrite::KeepUntil(Position end) {
+  if (end <= m_keep) return;
+  Append([&](ByteSink& sink) { Pour(*Stretch(m_keep, end - m_keep), sink); });
+  m_keep = end;
+}
+
+Outcome CarrierRewrite::TryAppend(const Part& part) {
+  const Length progress = m_progress;
+  try {
+    const Outcome outcome = Attempt(m_screen, m_manner.handler, [&] {
+      m_progress = progress;
+      m_temporary->Truncate(m_written);
+      TemporarySink sink(*m_temporary, m_written, m_temporaryPath);
+      part(sink);
+      m_written += sink.Written();
+    });
+    if (outcome == Outcome::Ignored) m_progress = progress;
+    return outcome;
+  } catch (const Stop& stop) {
+    if (stop.reason == StopReason::Cancelled) GiveAttributesBack();
+    throw;
+  }
+}
+
+void CarrierRewrite::Append(const Part& part) {
+  if (TryAppend(part) == Outcome::Ignored) throw Stop{StopReason::Aborted};
+}
+
+std::unique_ptr<ByteSource> CarrierRewrite::Stretch(Position from, Length length) {
+  return std::make_unique<OwnedStretch>(FileSource(*m_carrier, m_carrierPath, from, length), m_screen,
+                                        [this](Length n) { SetProgress(m_progress + n, m_maximum); });
+}
+
+std::unique_ptr<ByteSource> CarrierRewrite::InBlocks(ByteSource& source, Length length) {
+  return std::make_unique<BlockSource>(source, length, CancelLook::BeforeFullBlock, m_screen,
+                                       [this](Length n) { SetProgress(m_progress + n, m_maximum); });
+}
+
+void CarrierRewrite::SetProgress(Length value, Length maximum) {
+  m_progress = value;
+  m_maximum = maximum;
+  m_screen.ShowProgress(value, maximum);
+}
+
+void CarrierRewrite::SetCarrierMode(mode_t mode) {
+  if (m_carrier->Stat().mode != mode) m_carrier->SetMode(mode);
+}
+
+void CarrierRewrite::GiveAttributesBack() {
+  Attempt(m_screen, m_manner.handler, [&] {
+    constexpr int nothingSaved = 0;
+    SetCarrierMode(m_savedMode ? *m_savedMode : ApplyReadOnly(m_carrier->Stat().mode, nothingSaved));
+  });
+}
+
+bool CarrierRewrite::Replace() {
+  Must([&] { m_temporary->Sync(); });
+  Must([&] {
+    if (const std::unique_ptr<File> closing = std::move(m_temporary)) closing->Close();
+  });
+  Must([&] { LockTemporary(); });
+  if (!RenameOver()) return false;
+  try {
+    Attempt(m_screen, m_manner.handler, [&] { m_files.SyncFolder(m_carrierPath.parent_path()); });
+  } catch (const Stop&) {  // nothing can be taken back any more
+  }
+  return true;
+}
+
+void CarrierRewrite::LockTemporary() {
+  if (!m_savedMode) m_savedMode = m_carrier->Stat().mode;
+  if (!m_temporary) m_temporary = OpenLocked(m_temporaryPath, m_files);
+  m_temporary->SetMode(*m_savedMode);
+}
+
+bool CarrierRewrite::RenameOver() {
+  m_partial->Keep();
+  try {
+    m_files.Rename(m_temporaryPath, m_carrierPath);
+    return true;
+  } catch (const Error& error) {
+    m_screen.Ask(m_manner.notReplaced(m_temporaryPath, error));
+  }
+  GiveAttributesBack();
+  return false;
+}
+
+void CarrierRewrite::Must(const std::function<void()>& statement) {
+  if (Attempt(m_screen, m_manner.handler, statement) == Outcome::Ignored) throw Stop{StopReason::Aborted};
+}
+
+RewriteEnding EndingOf(const Stop& stop) {
+  return stop.reason == StopReason::Cancelled ? RewriteEnding::Cancelled : RewriteEnding::Aborted;
+}
+
+LoadResult Reload(const Secret& password, Reading& reading, RewriteScreen& screen) {
+  return LoadHideout({.carrier = reading.current.CurrentCarrierPath,
+                      .password = password,
+                      .algorithm = reading.current.CurrentAlgorithmId,
+                      .reload = LoadRequest::Reload::Forced,
+                      .fit = LoadRequest::Fit::AnyEntry},
+                     reading, screen);
+}
+
+}  // namespace tarnel

@@ -1,0 +1,142 @@
+#include "retrieval/questions.h"
+
+#include <string>
+#include <utility>
+
+#include "base/attempt.h"
+#include "base/printable.h"
+#include "carrier/stored_text.h"
+
+namespace tarnel::questions {
+namespace {
+
+constexpr const char* kTitle = "Tarnel";
+
+Question Message(const char* id, std::string text) {
+  return {.id = id,
+          .title = kTitle,
+          .text = std::move(text),
+          .buttons = Buttons::Ok,
+          .icon = Icon::Critical,
+          .preset = Answer::Ok};
+}
+
+Question YesOrNo(const char* id, const char* title, std::string text, Answer preset) {
+  return {.id = id,
+          .title = title,
+          .text = std::move(text),
+          .buttons = Buttons::YesNo,
+          .icon = Icon::Question,
+          .preset = preset};
+}
+
+Question NotReplaced(const char* id, const char* advice, const Path& temporary, const Error& cause) {
+  Question message = Message(id, "Error! Carrier file could not be created! " + std::string(advice) +
+                                     Printable(temporary.native()) + " as a carrier file.");
+  message.cause = cause;
+  return message;
+}
+
+}  // namespace
+
+Question ExtractError(const Error& error, ExtractFault fault) {
+  const char* id = fault == ExtractFault::Damaged ? "extract.damaged" : "extract.error";
+  return ErrorQuestion(error, id, kExtracting, LineBreak::LfCr, Answer::Abort);
+}
+
+Question Overwrite(const Path& target) {
+  return {.id = "extract.overwrite",
+          .title = " Extracting... Overwrite?",
+          .text = "The file: " + Printable(target.native()) +
+                  " is already existing!\r\n\r\nDo you want to overwrite?",
+          .buttons = Buttons::YesNoOverwriteAll,
+          .icon = Icon::Question,
+          .preset = Answer::No};
+}
+
+Question DeleteError(const Error& error) {
+  return ErrorQuestion(error, "delete.error", kTitle, LineBreak::CrLf, Answer::Retry);
+}
+
+Question PasswordError(const Error& error) {
+  return ErrorQuestion(error, "password.error", kTitle, LineBreak::LfCr, Answer::Retry);
+}
+
+Question UpdateError(const Error& error) {
+  return ErrorQuestion(error, "update.error", kTitle, LineBreak::CrLf, Answer::Abort);
+}
+
+Question ViewError(const Error& error) {
+  return ErrorQuestion(error, "view.error", kTitle, LineBreak::CrLf, Answer::Abort);
+}
+
+Question DeleteNotReplaced(const Path& temporary, const Error& cause) {
+  return NotReplaced("delete.not-replaced", "Please use the temp file: ", temporary, cause);
+}
+
+Question PasswordNotReplaced(const Path& temporary, const Error& cause) {
+  return NotReplaced("password.not-replaced", "Please use the temp file: ", temporary, cause);
+}
+
+Question UpdateNotReplaced(const Path& temporary, const Error& cause) {
+  return NotReplaced("update.not-replaced", "Please use: ", temporary, cause);
+}
+
+Question PasswordRefused(PasswordFault fault) {
+  switch (fault) {
+    case PasswordFault::OldDiffers:
+      return Message("password.old", "The old password is not valid!");
+    case PasswordFault::NewIsEmpty:
+      return Message("password.empty", "Please enter a new password!");
+    case PasswordFault::ConfirmationDiffers:
+      break;
+  }
+  return Message("password.confirmation", "The confirmation is not valid!");
+}
+
+Question PreviewMissing() {
+  return Message("update.missing", "The file doesn't exist!");
+}
+
+Question ConfirmUpdate(std::string_view oldSize, std::string_view newSize) {
+  return YesOrNo("update.confirm", kTitle,
+                 "The original file size is: " + std::string(oldSize) + " Bites\r\nThe new file size is: " +
+                     std::string(newSize) + " Bites\r\n\r\nDo you really want to update?",
+                 Answer::No);
+}
+
+Question ConfirmPreview(std::string_view storedName) {
+  return YesOrNo("view.preview", kTitle, "Do you want to preview " + Printable(ToPlatform(storedName)) + "?",
+                 Answer::Yes);
+}
+
+Question ReturnFromView() {
+  return YesOrNo("view.return", kTitle,
+                 "Do you want to delete the temporally extracted file and return to Tarnel?", Answer::Yes);
+}
+
+Question ReturnWithoutDeletion() {
+  return YesOrNo("view.return-without", kTitle, "Do you want to return to Tarnel without deletion?",
+                 Answer::No);
+}
+
+Question PreviewLocked() {
+  Question question =
+      Message("view.locked",
+              "Temporary extracted file could not be destroyed! If this file is opened, please close it.");
+  question.buttons = Buttons::RetryCancel;
+  question.preset = Answer::Retry;
+  return question;
+}
+
+Question PreviewStays() {
+  return Message("view.attention",
+                 "Pay attention! The temporally extracted file could not be destroyed. Please delete it "
+                 "manually!");
+}
+
+Question ReallyCancel(const char* id, const char* title) {
+  return YesOrNo(id, title, "Do you really want to cancel this procedure?", Answer::No);
+}
+
+}  // namespace tarnel::questions

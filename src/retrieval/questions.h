@@ -1,0 +1,58 @@
+#pragma once
+
+#include <string_view>
+
+#include "base/dialogue.h"
+#include "base/error.h"
+#include "base/files.h"
+#include "retrieval/run_password.h"
+
+/// All that the retrieving and rewriting operations ask. The ids are stable.
+namespace tarnel::questions {
+
+/// Titles of the forms while they work.
+inline constexpr const char* kExtracting = "Tarnel [Extracting...]";
+inline constexpr const char* kDeleting = "Tarnel [Deleting...]";
+inline constexpr const char* kViewing = "Tarnel [View/Edit...]";
+inline constexpr const char* kUpdating = "Tarnel [Updating...]";
+inline constexpr const char* kChangingPassword = "Tarnel [Password]";
+
+/// "extract.damaged" or "extract.error". On Ignore the entry is passed over.
+enum class ExtractFault { Damaged, Other };
+Question ExtractError(const Error& error, ExtractFault fault);
+
+/// "extract.overwrite": the target stands already.
+Question Overwrite(const Path& target);
+
+/// "delete.error"; "password.error", also for a damaged payload; "update.error"; "view.error".
+Question DeleteError(const Error& error);
+Question PasswordError(const Error& error);
+Question UpdateError(const Error& error);
+Question ViewError(const Error& error);
+
+/// "delete.not-replaced" and so on: the complete new carrier is at `temporary`.
+Question DeleteNotReplaced(const Path& temporary, const Error& cause);
+Question PasswordNotReplaced(const Path& temporary, const Error& cause);
+Question UpdateNotReplaced(const Path& temporary, const Error& cause);
+
+/// "password.old", "password.empty", "password.confirmation".
+Question PasswordRefused(PasswordFault fault);
+
+/// "update.missing": the previewed file has gone.
+Question PreviewMissing();
+/// "update.confirm"; sizes in bytes, as plain digits.
+Question ConfirmUpdate(std::string_view oldSize, std::string_view newSize);
+
+/// "view.preview", before anything is extracted.
+Question ConfirmPreview(std::string_view storedName);
+/// "view.return", then "view.return-without"; "view.locked": it could not be destroyed; "view.attention": and
+/// it stays.
+Question ReturnFromView();
+Question ReturnWithoutDeletion();
+Question PreviewLocked();
+Question PreviewStays();
+
+/// "extract.cancel" and its like: what a form asks before it asks its operation to stop.
+Question ReallyCancel(const char* id, const char* title);
+
+}  // namespace tarnel::questions

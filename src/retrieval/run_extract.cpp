@@ -1,0 +1,217 @@
+#include "retrieval/run_extract.h"
+
+#include <charconv>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "base/attempt.h"
+#include "base/attributes.h"
+#include "base/file_streams.h"
+#include "base/printable.h"
+#include "carrier/format.h"
+#include "carrier/stored_text.h"
+#include "carrier/tags.h"
+#include "crypto/keys.h"
+#include "retrieval/block_source.h"
+#include "retrieval/payload.h"
+#include "retrieval/pending_file.h"
+#include "retrieval/questions.h"
+#include "retrieval/work_list.h"
+
+namespace tarnel {
+namespace {
+
+mode_t ModeOf(const MirrorRow& row) {
+  const std::string_view text = row.Field(tag::kMode);
+  unsigned bits = 0;
+  const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), bits, 8);
+  const bool isMode = fault == std::errc() && end == text.data() + text.size();
+  const double word = ReadNumber(row.Field(tag::kAttributes));
+  const bool isWord = word >= 0 && word <= 0xFFFF;
+  return RestoredMode(isMode ? std::optional<mode_t>(bits & 0777) : std::nullopt,
+                      isWord ? static_cast<int>(word) : attribute::Archive);
+}
+
+Path WithoutClosingSeparator(const Path& folder) {
+  return folder.has_filename() || folder == folder.root_path() ? folder : folder.parent_path();
+}
+
+/// A symbolic link counts, so that entering it is refused instead of passing for a missing folder.
+bool HasFolder(Folder& folder, const std::string& name) {
+  const std::optional<FileStat> found = folder.Stat(name);
+  return found && (found->kind == FileKind::Folder || found->kind == FileKind::SymbolicLink);
+}
+
+class Extraction {
+ public:
+  Extraction(const ExtractRequest& request, const Catalogue& catalogue, Files& files, ExtractScreen& screen)
+      : m_request(request),
+        m_catalogue(catalogue),
+        m_files(files),
+        m_screen(screen),
+        m_overwriteAll(request.overwriteAll) {}
+
+  ExtractResult Run();
+
+ private:
+  struct Target {
+    std::unique_ptr<Folder> folder;
+    std::string name;
+    Path path;
+    bool exists = false;
+  };
+
+  const MirrorRow& Row(std::size_t index) const { return m_catalogue.Rows()[index]; }
+  void ExtractEntry(const MirrorRow& row, std::size_t number, std::size_t count);
+  Target FindTarget(const MirrorRow& row);
+  void MustBeReplaceable(const FileStat& found, const Path& path);
+  std::unique_ptr<Folder> OpenExtractTo();
+  std::unique_ptr<Folder> TargetFolder(const MirrorRow& row);
+  bool MayBeWritten(const Target& target);
+  void WriteTarget(const MirrorRow& row, Target& target);
+  void TakeOut(const MirrorRow& row, File& plain);
+
+  template <class Statement>
+  Outcome Try(const MirrorRow& row, Statement&& statement);
+  void End(const Stop& stop);
+
+  const ExtractRequest& m_request;
+  const Catalogue& m_catalogue;
+  Files& m_files;
+  ExtractScreen& m_screen;
+  bool m_overwriteAll;
+  const MirrorRow* m_damaged = nullptr;  ///< the row whose payload has just failed
+  ExtractResult m_result;
+};
+
+ExtractResult Extraction::Run() {
+  const std::vector<std::size_t> list = ExtractWorkList(m_request, m_catalogue);
+  if (list.empty()) m_result.ending = ExtractEnding::NothingChosen;
+  try {
+    if (!list.empty()) PrepareKey(Row(list.front()).hideout->password, [this] { m_screen.Yield(); });
+    for (std::size_t i = 0; i < list.size(); ++i)
+      ExtractEntry(Row(list[i]), i + 1, list.size());
+  } catch (const Stop& stop) {
+    End(stop);
+  }
+  return std::move(m_result);
+}
+
+void Extraction::ExtractEntry(const MirrorRow& row, std::size_t number, std::size_t count) {
+  if (m_screen.CancelRequested()) throw Stop{StopReason::Cancelled};
+  Target target;
+  if (Try(row, [&] { target = FindTarget(row); }) == Outcome::Ignored) return;
+  m_screen.ShowFile(number, count, row.Name(), row.size, target.path);
+  if (!MayBeWritten(target)) {
+    ++m_result.keptExisting;
+    return;
+  }
+  if (Try(row, [&] { WriteTarget(row, target); }) == Outcome::Done) ++m_result.extracted;
+}
+
+Extraction::Target Extraction::FindTarget(const MirrorRow& row) {
+  Target target;
+  target.folder = TargetFolder(row);
+  target.name = ToPlatform(row.Name());
+  const std::optional<FileStat> found = target.folder->Stat(target.name);
+  target.path = target.folder->Where() / target.name;
+  target.exists = found.has_value();
+  if (found) MustBeReplaceable(*found, target.path);
+  return target;
+}
+
+void Extraction::MustBeReplaceable(const FileStat& found, const Path& path) {
+  const auto isCarrier = [&](Files::Links links) {
+    const std::optional<FileStat> carrier = m_files.Stat(m_request.carrier, links);
+    return carrier && carrier->IsSameFile(found);
+  };
+  const char* reason = nullptr;
+  if (found.kind == FileKind::Folder) reason = "it is a folder";
+  if (isCarrier(Files::Links::Follow) || isCarrier(Files::Links::DontFollow)) reason = "it is the carrier";
+  if (reason)
+    throw Error(ErrorNumber::PathFileAccess, "cannot write " + Printable(path.native()) + ": " + reason,
+                path);
+}
+
+std::unique_ptr<Folder> Extraction::TargetFolder(const MirrorRow& row) {
+  const std::vector<std::string> parts = FolderParts(RelativeFolder(m_request, row.Folder()));
+  std::unique_ptr<Folder> folder = OpenExtractTo();
+  const bool endsInSeparator = !m_request.target.has_filename();
+  if (!m_request.useFolderNames && !endsInSeparator) return folder;
+
+  const Folder::IfMissing ifMissing =
+      m_request.useFolderNames ? Folder::IfMissing::Create : Folder::IfMissing::Fail;
+  const Path extractTo = folder->Where();
+  for (const std::string& part : parts) {
+    if (!m_request.useFolderNames && !HasFolder(*folder, part)) return m_files.OpenFolder(extractTo);
+    folder = folder->Enter(part, ifMissing);
+  }
+  return folder;
+}
+
+std::unique_ptr<Folder> Extraction::OpenExtractTo() {
+  const Path folder = WithoutClosingSeparator(m_request.target);
+  if (m_files.Stat(folder)) return m_files.OpenFolder(folder);
+  return m_files.OpenFolder(folder.parent_path())
+      ->Enter(folder.filename().native(), Folder::IfMissing::Create);
+}
+
+bool Extraction::MayBeWritten(const Target& target) {
+  if (!target.exists || m_overwriteAll) return true;
+  const Answer answer = m_screen.Ask(questions::Overwrite(target.path));
+  m_overwriteAll = answer == Answer::OverwriteAll;
+  return m_overwriteAll || answer == Answer::Yes;
+}
+
+void Extraction::WriteTarget(const MirrorRow& row, Target& target) {
+  PendingFile pending(*target.folder);
+  m_screen.ShowProgress(0, row.size);
+  m_screen.Yield();
+  TakeOut(row, pending.Opened());
+  pending.Complete(target.name, ModeOf(row));
+  m_screen.ShowProgress(row.size, row.size);
+  m_screen.Yield();
+}
+
+void Extraction::TakeOut(const MirrorRow& row, File& plain) {
+  const std::unique_ptr<File> carrier = m_files.OpenToRead(m_request.carrier);
+  MustLieInside(row.start, row.size, carrier->Size(), m_request.carrier);
+  FileSource stretch(*carrier, m_request.carrier, row.start, row.size);
+  Length passed = 0;
+  BlockSource payload(stretch, row.size, CancelLook::BehindFullBlock, m_screen,
+                      [&](Length block) { m_screen.ShowProgress(passed += block, row.size); });
+  FileSink sink(plain, Position{1});
+  const HideoutKey& key = *row.hideout;
+  if (TakeOutPayload(payload, row.Field(tag::kCompressed), key.algorithm, key.password, sink)) return;
+  m_damaged = &row;
+  throw DamagedPayload("extract", row.Name());
+}
+
+template <class Statement>
+Outcome Extraction::Try(const MirrorRow& row, Statement&& statement) {
+  const ErrorHandler handler{[this](const Error& error) {
+    return questions::ExtractError(
+        error, m_damaged ? questions::ExtractFault::Damaged : questions::ExtractFault::Other);
+  }};
+  const Outcome outcome = Attempt(m_screen, handler, [&] {
+    m_damaged = nullptr;
+    statement();
+  });
+  if (outcome == Outcome::Ignored) (m_damaged ? m_result.damaged : m_result.leftOut).emplace_back(row.Name());
+  return outcome;
+}
+
+void Extraction::End(const Stop& stop) {
+  if (m_damaged) m_result.damaged.emplace_back(m_damaged->Name());
+  m_result.ending = stop.reason == StopReason::Cancelled ? ExtractEnding::Cancelled : ExtractEnding::Aborted;
+}
+
+}  // namespace
+
+ExtractResult RunExtract(const ExtractRequest& request, const Catalogue& catalogue, Files& files,
+                         ExtractScreen& screen) {
+  return Extraction(request, catalogue, files, screen).Run();
+}
+
+}  // namespace tarnel

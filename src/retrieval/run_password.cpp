@@ -1,0 +1,143 @@
+#include "retrieval/run_password.h"
+
+#include <string>
+#include <utility>
+
+#include "carrier/record.h"
+#include "crypto/cipher.h"
+#include "crypto/keys.h"
+#include "retrieval/payload.h"
+#include "retrieval/questions.h"
+
+namespace tarnel {
+namespace {
+
+RewriteManner Manner() {
+  return {.savedAttributes = RewriteManner::SavedAttributes::ReadLast,
+          .handler = {questions::PasswordError},
+          .notReplaced = questions::PasswordNotReplaced};
+}
+
+std::optional<PasswordFault> FaultOf(const PasswordRequest& request, const Secret& current) {
+  if (request.oldPassword != current) return PasswordFault::OldDiffers;
+  if (request.newPassword.IsEmpty()) return PasswordFault::NewIsEmpty;
+  if (request.newPassword != request.confirmation) return PasswordFault::ConfirmationDiffers;
+  return std::nullopt;
+}
+
+/// The walk lists the newest entry first, so the reverse is file order.
+std::vector<const MirrorRow*> RowsInFileOrder(const Reading& reading) {
+  std::vector<const MirrorRow*> rows = reading.catalogue.RowsOf(reading.current.CurrentCarrierPath);
+  std::reverse(rows.begin(), rows.end());
+  return rows;
+}
+
+KnownEntry EntryOf(const MirrorRow& row) {
+  return {.start = row.start, .size = row.size, .tail = row.tail};
+}
+
+std::vector<KnownEntry> EntriesOf(const std::vector<const MirrorRow*>& rows) {
+  std::vector<KnownEntry> entries;
+  for (const MirrorRow* row : rows)
+    entries.push_back(EntryOf(*row));
+  return entries;
+}
+
+class PasswordChange {
+ public:
+  PasswordChange(const PasswordRequest& request, Reading& reading, RewriteScreen& screen)
+      : m_newPassword(request.newPassword),
+        m_reading(reading),
+        m_screen(screen),
+        m_carrier(reading.current.CurrentCarrierPath),
+        m_rows(RowsInFileOrder(reading)),
+        m_rewrite(m_carrier, EntriesOf(m_rows), Manner(), request.leftover, reading.files, screen) {}
+
+  PasswordResult Run();
+
+ private:
+  enum class Damage { Refused, Accepted };
+
+  void WriteAnew(const MirrorRow& row);
+  void WriteEntry(const MirrorRow& row, Damage damage, ByteSink& sink);
+  Length Reencrypt(const MirrorRow& row, Damage damage, ByteSink& sink);
+  void ReloadHideout();
+
+  const Secret m_newPassword;
+  Reading& m_reading;
+  RewriteScreen& m_screen;
+  const Path m_carrier;
+  const std::vector<const MirrorRow*> m_rows;
+  CarrierRewrite m_rewrite;
+};
+
+PasswordResult PasswordChange::Run() {
+  PasswordResult result;
+  try {
+    PrepareKey(m_reading.current.CurrentPassword, [this] { m_screen.Yield(); });
+    PrepareKey(m_newPassword, [this] { m_screen.Yield(); });
+    for (const MirrorRow* row : m_rows) {
+      m_rewrite.KeepUntil(row->start);
+      WriteAnew(*row);
+      m_rewrite.PassOver(row->End());
+      m_screen.Yield();
+    }
+    m_rewrite.KeepRest();
+    if (!m_rewrite.Replace()) {
+      result.ending = RewriteEnding::NotReplaced;
+      result.temporary = m_rewrite.TemporaryPath();
+      return result;
+    }
+  } catch (const Stop& stop) {
+    result.ending = EndingOf(stop);
+    return result;
+  }
+  result.changed = m_rows.size();
+  ReloadHideout();
+  return result;
+}
+
+void PasswordChange::WriteAnew(const MirrorRow& row) {
+  const Outcome outcome =
+      m_rewrite.TryAppend([&](ByteSink& sink) { WriteEntry(row, Damage::Refused, sink); });
+  if (outcome == Outcome::Ignored)
+    m_rewrite.Append([&](ByteSink& sink) { WriteEntry(row, Damage::Accepted, sink); });
+}
+
+void PasswordChange::WriteEntry(const MirrorRow& row, Damage damage, ByteSink& sink) {
+  const Length stored = Reencrypt(row, damage, sink);
+  RecordFields fields = ReadRecord(row.record);
+  fields.storedSize = std::to_string(stored);
+  sink.Write(AsBytes(SealEntry(BuildRecord(fields, RecordWriter::Rewrite), stored, row.hideout->algorithm,
+                               m_newPassword, m_reading.current.SecondKey)));
+}
+
+/// The decrypted bytes go into the encryption before it is known whether they are authentic.
+Length PasswordChange::Reencrypt(const MirrorRow& row, Damage damage, ByteSink& sink) {
+  CountingSink counted(sink);
+  std::string& secondKey = m_reading.current.SecondKey;
+  EncryptingSink encrypting(row.hideout->algorithm, counted, m_newPassword, secondKey);
+  const bool isIntact = CipherDecryptFile(row.hideout->algorithm, *m_rewrite.Stretch(row.start, row.size),
+                                          encrypting, row.hideout->password, secondKey);
+  if (!isIntact && damage == Damage::Refused) throw DamagedPayload("re-encrypt", row.Name());
+  encrypting.Finish();
+  return counted.Written();
+}
+
+void PasswordChange::ReloadHideout() {
+  if (Reload(m_newPassword, m_reading, m_screen) != LoadResult::NotFound) return;
+  m_reading.catalogue.RemoveCarrier(m_carrier);
+  m_screen.HideoutEmptied();
+}
+
+}  // namespace
+
+PasswordResult RunPassword(const PasswordRequest& request, Reading& reading, RewriteScreen& screen) {
+  if (const std::optional<PasswordFault> fault = FaultOf(request, reading.current.CurrentPassword)) {
+    screen.Ask(questions::PasswordRefused(*fault));
+    return {.refused = fault, .temporary = {}};
+  }
+  return PasswordChange(request, reading, screen).Run();
+}
+
+}  // namespace tarnel

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+
+#include "retrieval/carrier_rewrite.h"
+
+namespace tarnel {
+
+/// What is wrong with the input, in the order in which it is checked.
+enum class PasswordFault { OldDiffers, NewIsEmpty, ConfirmationDiffers };
+
+struct PasswordRequest {
+  Secret oldPassword;
+  Secret newPassword;  ///< may equal the old one; all the work is done then too
+  Secret confirmation;
+  Leftover leftover = Leftover::Refuse;
+};
+
+struct PasswordResult {
+  std::optional<PasswordFault> refused;  ///< set: the person was told, nothing was done
+  RewriteEnding ending = RewriteEnding::Done;
+  std::size_t changed = 0;  ///< entries under the new password
+  Path temporary;           ///< set where the complete new carrier was left beside the old one
+};
+
+/// Encrypts every entry of the current hideout anew, in the place it has, and reloads the hideout under the
+/// new password, which becomes the current one. The algorithm stays, and so do all other bytes. Plain
+/// contents never touch a disk.
+/// A payload that turns out to be damaged is asked about, as an error of the handler: Ignore takes it over as
+/// it decrypts, which makes it pass for intact afterwards; Abort leaves all as it was.
+/// Cancel is looked at before each full block. Errors before the first byte is written are thrown, as
+/// CarrierRewrite does.
+PasswordResult RunPassword(const PasswordRequest& request, Reading& reading, RewriteScreen& screen);
+
+}  // namespace tarnel

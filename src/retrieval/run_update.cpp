@@ -1,0 +1,163 @@
+#include "retrieval/run_update.h"
+
+#include <cassert>
+#include <ctime>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "base/formats.h"
+#include "base/printable.h"
+#include "carrier/record.h"
+#include "carrier/tags.h"
+#include "crypto/cipher.h"
+#include "crypto/compression.h"
+#include "crypto/keys.h"
+#include "retrieval/payload.h"
+#include "retrieval/questions.h"
+
+namespace tarnel {
+namespace {
+
+RewriteManner Manner() {
+  return {.savedAttributes = RewriteManner::SavedAttributes::ReadFirst,
+          .handler = {questions::UpdateError},
+          .notReplaced = questions::UpdateNotReplaced};
+}
+
+KnownEntry EntryOf(const PreviewParcel& parcel) {
+  return {.start = parcel.ViewStart, .size = parcel.ViewSize, .tail = parcel.ViewTail};
+}
+
+class Update {
+ public:
+  Update(const UpdateRequest& request, const PreviewParcel& parcel, Reading& reading, RewriteScreen& screen)
+      : m_request(request),
+        m_old(parcel),
+        m_new(parcel),
+        m_reading(reading),
+        m_screen(screen),
+        m_rewrite(reading.current.CurrentCarrierPath, {EntryOf(m_old)}, Manner(), request.leftover,
+                  reading.files, screen) {}
+
+  RewriteEnding Run();
+  const Path& TemporaryPath() const { return m_rewrite.TemporaryPath(); }
+  PreviewParcel Parcel() && { return std::move(m_new); }
+
+ private:
+  void CopyWhatStays();
+  void WriteEntry(ByteSink& sink);
+  Length WritePayload(File& preview, Length size, ByteSink& sink);
+  WipedText Record(Length size, Length stored) const;
+  bool IsCompressed() const { return m_old.ViewCompressed != "0"; }
+
+  const UpdateRequest& m_request;
+  const PreviewParcel m_old;
+  PreviewParcel m_new;
+  Reading& m_reading;
+  RewriteScreen& m_screen;
+  CarrierRewrite m_rewrite;
+};
+
+RewriteEnding Update::Run() {
+  try {
+    PrepareKey(m_reading.current.CurrentPassword, [this] { m_screen.Yield(); });
+    CopyWhatStays();
+    m_new.ViewStart = Position{m_rewrite.Written() + 1};
+    m_rewrite.Append([this](ByteSink& sink) { WriteEntry(sink); });
+    m_screen.Yield();
+    if (!m_rewrite.Replace()) return RewriteEnding::NotReplaced;
+  } catch (const Stop& stop) {
+    return EndingOf(stop);
+  }
+  Reload(m_reading.current.CurrentPassword, m_reading, m_screen);
+  return RewriteEnding::Done;
+}
+
+void Update::CopyWhatStays() {
+  const KnownEntry entry = EntryOf(m_old);
+  m_rewrite.SetProgress(0, m_rewrite.CarrierSize());
+  m_screen.Yield();
+  m_rewrite.KeepUntil(entry.start);
+  m_rewrite.PassOver(entry.End());
+  m_rewrite.KeepRest();
+}
+
+void Update::WriteEntry(ByteSink& sink) {
+  const std::unique_ptr<File> preview = m_reading.files.OpenToRead(m_request.previewFile);
+  const Length size = preview->Size();
+  const Length stored = WritePayload(*preview, size, sink);
+  if (preview->Size() != size)
+    throw Error(ErrorNumber::DeviceIo,
+                "cannot update from " + Printable(m_request.previewFile.native()) +
+                    ": the file changed while it was being read",
+                m_request.previewFile);
+  m_new.ViewPlainSize = std::to_string(size);
+  m_new.ViewSize = stored;
+  m_new.ViewTail = SealEntry(Record(size, stored), stored, m_reading.current.CurrentAlgorithmId,
+                             m_reading.current.CurrentPassword, m_reading.current.SecondKey);
+  sink.Write(AsBytes(m_new.ViewTail));
+}
+
+Length Update::WritePayload(File& preview, Length size, ByteSink& sink) {
+  FileSource stretch(preview, m_request.previewFile, Position{1}, size);
+  m_rewrite.SetProgress(m_rewrite.CarrierSize(), m_rewrite.CarrierSize() + size);
+  const std::unique_ptr<ByteSource> blocks = m_rewrite.InBlocks(stretch, size);
+  CountingSink counted(sink);
+  const CurrentHideout& current = m_reading.current;
+  const auto encrypt = [&](ByteSource& source) {
+    CipherEncryptFile(current.CurrentAlgorithmId, source, counted, current.CurrentPassword,
+                      m_reading.current.SecondKey);
+  };
+  if (IsCompressed()) {
+    CompressingSource compressed(*blocks, size, m_request.compressionLevel);
+    encrypt(compressed);
+  } else {
+    encrypt(*blocks);
+  }
+  return counted.Written();
+}
+
+WipedText Update::Record(Length size, Length stored) const {
+  return BuildRecord({.name = m_old.ViewFileName,
+                      .plainSize = std::to_string(size),
+                      .storedSize = std::to_string(stored),
+                      .attributes = m_old.ViewAttr,
+                      .date = DateAndTime(std::time(nullptr)),
+                      .compressed = IsCompressed() ? std::to_string(m_request.compressionLevel) : "0",
+                      .folder = m_old.ViewFolder,
+                      .title = std::string(m_reading.current.CurrentHideoutTitle),
+                      .mode = m_old.ViewMode},
+                     RecordWriter::Rewrite);
+}
+
+/// What the person says to an update, before anything is touched.
+UpdateResult::Refused Refusal(const UpdateRequest& request, const PreviewParcel& parcel, Files& files,
+                              Dialogue& dialogue) {
+  const std::optional<FileStat> found = files.Stat(request.previewFile);
+  if (!found || found->kind == FileKind::Folder) {
+    dialogue.Ask(questions::PreviewMissing());
+    return UpdateResult::Refused::FileMissing;
+  }
+  const std::string oldSize = PlainNumber(ReadNumber(parcel.ViewPlainSize));
+  const Answer answer = dialogue.Ask(questions::ConfirmUpdate(oldSize, std::to_string(found->size)));
+  return answer == Answer::Yes ? UpdateResult::Refused::No : UpdateResult::Refused::ByPerson;
+}
+
+}  // namespace
+
+UpdateResult RunUpdate(const UpdateRequest& request, PreviewParcel& parcel, Reading& reading,
+                       RewriteScreen& screen) {
+  assert(request.compressionLevel >= 1 && request.compressionLevel <= 9);
+  UpdateResult result;
+  result.refused = Refusal(request, parcel, reading.files, screen);
+  if (result.refused != UpdateResult::Refused::No) return result;
+  Update update(request, parcel, reading, screen);
+  result.ending = update.Run();
+  if (result.ending == RewriteEnding::Done) parcel = std::move(update).Parcel();
+  if (result.ending == RewriteEnding::NotReplaced) result.temporary = update.TemporaryPath();
+  return result;
+}
+
+}  // namespace tarnel

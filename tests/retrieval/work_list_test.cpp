@@ -1,0 +1,122 @@
+#include "retrieval/work_list.h"
+
+#include <gtest/gtest.h>
+
+#include "retrieval/delete_list.h"
+#include "tests/retrieval/retrieval_bench.h"
+
+namespace tarnel::test {
+
+TEST(RelativeFolder, IsWhatLiesBelowTheSelectedNode) {
+  struct Case {
+    std::string nodeItemFolder, nodePath, folder, relative;
+  };
+  const std::vector<Case> cases = {
+      {"*RootFolder*", "", "Pics\\2024", "Pics\\2024"},
+      {"*RootFolder*", "", "", ""},
+      {"Pics\\2024", "Pics", "Pics\\2024", "2024"},  // a node may carry a deeper folder than its own
+      {"Pics", "Pics", "Pics", ""},
+      {"Pics", "Pics", "Pi", ""},
+      {"Pics", "Pics", "", ""},
+      {"Pics", "Pics", "Documents\\old", "ents\\old"},  // another branch loses as many characters and one
+      {"Pics", "Pics", "Music\\old", "old"},
+      {"Pics", "Pics", "Photo\\old", "old"},
+      {"Pic", "Pic", "Docs\\x\\y", "x\\y"},  // cut before a separator: joining drops it
+      {"Pics2", "Pics2", "Pics", ""},
+  };
+  for (const Case& c : cases) {
+    ExtractRequest request;
+    request.nodeItemFolder = c.nodeItemFolder;
+    request.nodePath = c.nodePath;
+    EXPECT_EQ(RelativeFolder(request, c.folder), c.relative) << c.folder << " below " << c.nodePath;
+  }
+}
+
+TEST(FolderParts, AreThePlatformsNames) {
+  EXPECT_EQ(FolderParts(""), Strings{});
+  EXPECT_EQ(FolderParts("a\\b c\\..."), (Strings{"a", "b c", "..."}));
+  const std::string odd = "a\\b>c\n\xff";
+  EXPECT_EQ(FolderParts(ToStored(odd, TextKind::PathComponent) + "\\d"), (Strings{odd, "d"}));
+}
+
+TEST(FolderParts, RefuseWhatCouldLeadOutOfTheTarget) {
+  for (const std::string folder : {"..", ".", "\\", "\\a", "a\\", "a\\\\b", "a\\..\\b", "..\\a", "a\\.",
+                                   "/etc", "a/b", "a\\/", "../a", "a\\../.."}) {
+    try {
+      FolderParts(folder);
+      ADD_FAILURE() << folder;
+    } catch (const Error& error) {
+      EXPECT_EQ(error.Number(), ErrorNumber::BadFileName);
+      EXPECT_NE(error.Description().find(folder), std::string::npos) << error.Description();
+    }
+  }
+}
+
+class WorkList : public testing::Test {
+ protected:
+  WorkList() {
+    bench.Hide({"p", "x", "Pics"}).Hide({"q", "x", "Pics2\\a"}).Hide({"r", "x", ""}).Hide({"s", "x", "Pics"});
+    bench.Load();
+  }
+  Strings NamesOf(const std::vector<std::size_t>& rows) const {
+    Strings names;
+    for (const std::size_t row : rows)
+      names.push_back(bench.Names()[row]);
+    return names;
+  }
+  Strings Chosen(std::vector<ExtractChoice> choices) const {
+    ExtractRequest request = bench.All();
+    request.all = false;
+    request.choices = std::move(choices);
+    return NamesOf(ExtractWorkList(request, bench.catalogue));
+  }
+  static ExtractChoice Folder(std::string itemFolder) {
+    return {.kind = ExtractChoice::Kind::Folder, .itemFolder = std::move(itemFolder)};
+  }
+  ExtractChoice File(const std::string& name) const {
+    return {.row = bench.RowNamed(name), .itemFolder = {}};
+  }
+
+  RetrievalBench bench{100};
+};
+
+TEST_F(WorkList, FollowsTheRowsOrTheChoices) {
+  EXPECT_EQ(NamesOf(ExtractWorkList(bench.All(), bench.catalogue)), (Strings{"s", "r", "q", "p"}));
+  EXPECT_EQ(Chosen({File("p"), File("r")}), (Strings{"p", "r"}));
+  EXPECT_EQ(Chosen({}), Strings{});
+}
+
+TEST_F(WorkList, TakesNeighbourFoldersWhoseNameBeginsAlike) {
+  EXPECT_EQ(Chosen({Folder("Pics")}), (Strings{"s", "q", "p"}));
+  EXPECT_EQ(Chosen({Folder("Pics2")}), (Strings{"q"}));
+}
+
+TEST_F(WorkList, HasAFileTwiceThatIsChosenItselfAndByItsFolder) {
+  EXPECT_EQ(Chosen({Folder("Pics2"), File("q")}), (Strings{"q", "q"}));
+}
+
+TEST_F(WorkList, LeavesOtherCarriersOut) {
+  ExtractRequest request = bench.All();
+  request.carrier = bench.folder / "other.bin";
+  EXPECT_TRUE(ExtractWorkList(request, bench.catalogue).empty());
+}
+
+TEST_F(WorkList, OfADeletionShrinksUntilItRuns) {
+  DeleteList list({Folder("Pics"), File("r")}, bench.catalogue, bench.carrier);
+  EXPECT_EQ(NamesOf(list.MirrorRows()), (Strings{"s", "q", "p", "r"}));
+  EXPECT_EQ(list.Rows()[1].size, "0 KB");
+  EXPECT_EQ(list.Rows()[1].folder, "Pics2\\a");
+  EXPECT_EQ(list.Uncheck(1), DeleteList::Unchecked::Removed);
+  list.RemoveSelected({0, 1});
+  EXPECT_EQ(NamesOf(list.MirrorRows()), Strings{"r"});
+  list.BeginRunning();
+  list.RemoveSelected({0});
+  EXPECT_EQ(list.Uncheck(0), DeleteList::Unchecked::StaysChecked);
+}
+
+TEST_F(WorkList, OfADeletionClosesTheFormOnlyByUnchecking) {
+  DeleteList list({File("r")}, bench.catalogue, bench.carrier);
+  EXPECT_EQ(list.Uncheck(0), DeleteList::Unchecked::RemovedLast);
+}
+
+}  // namespace tarnel::test
