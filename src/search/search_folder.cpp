@@ -1,0 +1,226 @@
+#include "search/search_folder.h"
+
+#include <array>
+#include <cassert>
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <set>
+#include <utility>
+#include <vector>
+
+#include "base/attempt.h"
+#include "carrier/stored_text.h"
+#include "crypto/keys.h"
+#include "search/carrier_types.h"
+#include "search/questions.h"
+
+namespace tarnel {
+namespace {
+
+/// The order in which a file is tried when the algorithm isn't known.
+constexpr std::array kProbeOrder = {Algorithm::Blowfish,    Algorithm::Cast5,      Algorithm::Des,
+                                    Algorithm::Rijndael256, Algorithm::Serpent256, Algorithm::TripleDes,
+                                    Algorithm::Twofish};
+
+/// Hands the probe's talk on, and carries a cancel into the flag that the probe looks at.
+class ProbeTalk : public Dialogue {
+ public:
+  ProbeTalk(Dialogue& screen, ReadingGuards& guards) : m_screen(screen), m_guards(guards) {}
+
+  Answer Ask(const Question& question) override {
+    const Answer answer = m_screen.Ask(question);
+    CarryCancel();
+    return answer;
+  }
+  void Yield() override {
+    m_screen.Yield();
+    CarryCancel();
+  }
+  bool CancelRequested() const override { return m_screen.CancelRequested(); }
+
+ private:
+  void CarryCancel() {
+    if (m_screen.CancelRequested()) m_guards.SearchAbort = true;
+  }
+
+  Dialogue& m_screen;
+  ReadingGuards& m_guards;
+};
+
+class Search {
+ public:
+  Search(const SearchRequest& request, SearchResults& results, Reading& reading, SearchScreen& screen)
+      : m_request(request),
+        m_results(results),
+        m_reading(reading),
+        m_screen(screen),
+        m_talk(screen, reading.guards) {}
+
+  SearchSummary Run(const Path& folder) {
+    m_reading.guards.SearchAbort = false;
+    if (m_request.password.IsEmpty()) return Refuse();
+    try {
+      DeriveKey(m_request.password);
+      SearchOneFolder(folder);
+      while (HasNext())
+        SearchBelow(TakeNext());
+      StopIfCancelled();
+    } catch (const Stop&) {
+      m_summary.ending = SearchEnding::Cancelled;
+    }
+    return std::move(m_summary);
+  }
+
+ private:
+  struct Fit {
+    WipedText title;
+    Algorithm algorithm;
+  };
+
+  SearchSummary Refuse() {
+    m_screen.Ask(SearchWithoutPassword());
+    m_summary.ending = SearchEnding::NoPassword;
+    return std::move(m_summary);
+  }
+
+  // Takes its own copy, for the request may change while it yields.
+  void DeriveKey(Secret password) {
+    PrepareKey(password, [this] { m_screen.Yield(); });
+  }
+
+  void StopIfCancelled() const {
+    if (m_screen.CancelRequested()) throw Stop{StopReason::Cancelled};
+  }
+
+  bool HasNext() const { return !m_pending.empty() || !m_links.empty(); }
+
+  Path TakeNext() {
+    std::deque<Path>& from = m_pending.empty() ? m_links : m_pending;
+    Path next = std::move(from.front());
+    from.pop_front();
+    return next;
+  }
+
+  void SearchBelow(const Path& folder) {
+    try {
+      SearchOneFolder(folder);
+    } catch (const Error& error) {
+      PassOver(folder, error);
+    }
+    m_screen.Yield();
+  }
+
+  void SearchOneFolder(const Path& folder) {
+    StopIfCancelled();
+    if (!IsFirstVisit(folder)) return;
+    m_screen.ShowFolder(folder);
+    std::vector<Path> folders;
+    for (const FolderEntry& entry : m_reading.files.List(folder)) {
+      const Path path = folder / entry.name;
+      if (entry.kind == FileKind::Folder) folders.push_back(path);
+      if (entry.kind == FileKind::Regular) SearchFile(path, entry.name);
+      if (entry.kind == FileKind::SymbolicLink) SearchLink(path, entry.name);
+    }
+    if (m_request.subfolders) m_pending.insert(m_pending.begin(), folders.begin(), folders.end());
+  }
+
+  /// False for a folder that a link, or the way through one, has led to before.
+  bool IsFirstVisit(const Path& folder) {
+    const auto stat = m_reading.files.Stat(folder);
+    return !stat || m_visited.emplace(stat->device, stat->inode).second;
+  }
+
+  void SearchLink(const Path& path, const std::string& name) {
+    const auto kind = KindBehind(path);
+    if (kind == FileKind::Regular) SearchFile(path, name);
+    if (kind == FileKind::Folder && m_request.subfolders) m_links.push_back(path);
+  }
+
+  std::optional<FileKind> KindBehind(const Path& link) {
+    try {
+      const auto stat = m_reading.files.Stat(link);
+      return stat ? std::optional(stat->kind) : std::nullopt;
+    } catch (const Error& error) {
+      PassOver(link, error);
+      return std::nullopt;
+    }
+  }
+
+  void SearchFile(const Path& path, const std::string& name) {
+    m_screen.Yield();
+    StopIfCancelled();
+    const std::string extension = LowerExtension(name);
+    if (extension.empty() || !TypeAccepts(ChosenType(), extension)) return;
+    m_screen.Yield();
+    if (m_request.oddFiles == SearchRequest::OddFiles::PassOver && !CanBeOpened(path)) return;
+    const std::optional<Fit> fit = Probe(path);
+    if (fit && !m_results.Contains(path)) AddRow(path, name, *fit);
+  }
+
+  const CarrierType& ChosenType() const {
+    assert(m_request.type < CarrierTypes().size());
+    return CarrierTypes()[m_request.type];
+  }
+
+  bool CanBeOpened(const Path& path) {
+    try {
+      m_reading.files.OpenToRead(path);
+      return true;
+    } catch (const Error& error) {
+      PassOver(path, error);
+      return false;
+    }
+  }
+
+  std::optional<Fit> Probe(const Path& path) {
+    const SearchRequest asked = m_request;
+    DeriveKey(asked.password);
+    if (asked.algorithm) return ProbeWith(path, asked, *asked.algorithm);
+    for (const Algorithm algorithm : kProbeOrder)
+      if (std::optional<Fit> fit = ProbeWith(path, asked, algorithm)) return fit;
+    return std::nullopt;
+  }
+
+  std::optional<Fit> ProbeWith(const Path& path, const SearchRequest& asked, Algorithm algorithm) {
+    const bool wasBusy = m_reading.guards.SearchBusy;
+    ProbeResult result = ProbeCarrier({path, asked.password, algorithm, asked.depth}, m_reading, m_talk);
+    if (asked.oddFiles == SearchRequest::OddFiles::PassOver) m_reading.guards.SearchBusy = wasBusy;
+    if (!result.found) return std::nullopt;
+    return Fit{std::move(result.title), algorithm};
+  }
+
+  void AddRow(const Path& path, const std::string& name, const Fit& fit) {
+    const FileTypes::Type type = m_reading.types.Of(ToStored(name, TextKind::PathComponent));
+    m_results.Add({path, name, fit.title, type.text, type.icon, path.parent_path(), fit.algorithm});
+    ++m_summary.found;
+    m_screen.ShowFound(m_results.Rows().back());
+  }
+
+  void PassOver(const Path& path, const Error& error) {
+    m_summary.notSearched.push_back({path, error.Description()});
+  }
+
+  const SearchRequest& m_request;
+  SearchResults& m_results;
+  Reading& m_reading;
+  SearchScreen& m_screen;
+  ProbeTalk m_talk;
+  std::deque<Path> m_pending;  ///< in the order of their turn
+  std::deque<Path> m_links;    ///< to folders; their turn comes when nothing else is left
+  std::set<std::pair<std::uint64_t, std::uint64_t>> m_visited;
+  SearchSummary m_summary;
+};
+
+}  // namespace
+
+std::string SearchingText(const Path& folder) {
+  return "Searching... " + folder.native();
+}
+
+SearchSummary SearchFolder(const Path& folder, const SearchRequest& request, SearchResults& results,
+                           Reading& reading, SearchScreen& screen) {
+  return Search(request, results, reading, screen).Run(folder);
+}
+
+}  // namespace tarnel

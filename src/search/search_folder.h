@@ -1,0 +1,72 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/dialogue.h"
+#include "base/files.h"
+#include "base/secret.h"
+#include "carrier/load_hideout.h"
+#include "crypto/algorithm.h"
+#include "search/search_results.h"
+
+namespace tarnel {
+
+/// The items of the list "Algorithm:". The first stands for all of them; the others go through AlgorithmId.
+inline constexpr std::array<std::string_view, 8> kSearchAlgorithms = {
+    "All Algorithms", "BLOWFISH", "CAST5", "DES", "SERPENT-256", "RIJNDAEL-256", "TRIPLEDES", "TWOFISH"};
+
+/// What to look for. It is read anew for each file, so that a caller may change it whenever events run.
+struct SearchRequest {
+  Secret password;
+  std::size_t type = 0;                ///< index in CarrierTypes()
+  std::optional<Algorithm> algorithm;  ///< all seven, one after the other, if there is none
+  bool subfolders = false;
+  /// The check box "Deep-search" asks for the newest entry only, whatever its caption says.
+  ProbeRequest::Depth depth = ProbeRequest::Depth::WholeChain;
+  /// Files of fewer than 80 bytes, and such as can't be read. Probed, the first short one ends all finding
+  /// for the life of the guards, and so does Abort at the probe's question about an unreadable one. Passed
+  /// over, neither ends anything, and what can't be opened is named in the summary instead of asked about.
+  enum class OddFiles { Probe, PassOver } oddFiles = OddFiles::Probe;
+};
+
+/// What a search shows.
+class SearchScreen : public virtual Dialogue {
+ public:
+  /// The files of this folder are next.
+  virtual void ShowFolder(const Path& folder) = 0;
+  /// The row stands in the results now.
+  virtual void ShowFound(const SearchRow& row) = 0;
+};
+
+/// "Searching... " and the folder.
+std::string SearchingText(const Path& folder);
+
+/// A folder or file that could not be searched.
+struct NotSearched {
+  Path path;
+  std::string reason;
+};
+
+enum class SearchEnding { Done, Cancelled, NoPassword };
+
+struct SearchSummary {
+  SearchEnding ending = SearchEnding::Done;
+  std::size_t found = 0;  ///< rows added by this search
+  std::vector<NotSearched> notSearched;
+};
+
+/// Looks through the files of `folder`, and of those below it if wanted, for carriers that the password
+/// opens, and adds them to `results`. An empty password is refused with a message before any file is looked
+/// at. Files are chosen by their extension; one without is never tried. Yields before each file and inside
+/// each probe; a cancel leaves the results found so far. A symbolic link to a folder is searched after all
+/// that need none, and no folder is searched twice. A folder below that can't be listed is named in the
+/// summary; for `folder` itself the Error passes through.
+SearchSummary SearchFolder(const Path& folder, const SearchRequest& request, SearchResults& results,
+                           Reading& reading, SearchScreen& screen);
+
+}  // namespace tarnel
