@@ -1,0 +1,82 @@
+#include "cli/json_output.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "base/bytes.h"
+#include "crypto/base64.h"
+
+namespace tarnel {
+
+namespace {
+
+constexpr int kSchema = 1;
+
+bool IsUtf8(const Json& text) {
+  try {
+    text.dump();
+    return true;
+  } catch (const Json::type_error&) {
+    return false;
+  }
+}
+
+std::string Base64OneLine(std::string_view bytes) {
+  std::string text = Base64Encode(AsBytes(bytes));
+  std::erase_if(text, [](char c) { return c == '\r' || c == '\n'; });
+  return text;
+}
+
+template <class Item, class BytesOf>
+Json ArrayOf(const std::vector<Item>& items, BytesOf bytesOf) {
+  Json array = Json::array();
+  for (const Item& item : items) {
+    Json object;
+    PutBytes(object, "name", bytesOf(item));
+    array.push_back(std::move(object));
+  }
+  return array;
+}
+
+}  // namespace
+
+Json JsonObject() {
+  Json object;
+  object["schema"] = kSchema;
+  return object;
+}
+
+void PutBytes(Json& object, const std::string& key, std::string_view bytes) {
+  object[key] = bytes;
+  if (!IsUtf8(object[key])) object[key + "_b64"] = Base64OneLine(bytes);
+}
+
+Json JsonOfNames(const std::vector<std::string>& names) {
+  return ArrayOf(names, [](const std::string& name) -> std::string_view { return name; });
+}
+
+Json JsonOfNames(const std::vector<Path>& paths) {
+  return ArrayOf(paths, [](const Path& path) -> std::string_view { return path.native(); });
+}
+
+Json JsonOfFailure(const CliFailure& failure) {
+  Json error;
+  error["code"] = static_cast<int>(failure.Code());
+  error["message"] = failure.what();
+  if (failure.Number()) error["number"] = static_cast<int>(*failure.Number());
+  Json object = JsonObject();
+  object["error"] = std::move(error);
+  return object;
+}
+
+Json JsonOfMessage(const char* kind, std::string_view text) {
+  Json object = JsonObject();
+  object[kind]["message"] = text;
+  return object;
+}
+
+std::string JsonLine(const Json& object) {
+  return object.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+}  // namespace tarnel

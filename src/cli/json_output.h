@@ -1,0 +1,32 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/files.h"
+#include "cli/exit_codes.h"
+
+namespace tarnel {
+
+using Json = nlohmann::ordered_json;
+
+/// An object that begins with "schema": 1.
+Json JsonObject();
+
+/// `object`[`key`] = `bytes`. Bytes that are no UTF-8 show as U+FFFD there, and stand whole, as Base64, in
+/// `key`"_b64".
+void PutBytes(Json& object, const std::string& key, std::string_view bytes);
+
+/// A list of names or paths: an array of objects with the one key `name`.
+Json JsonOfNames(const std::vector<std::string>& names);
+Json JsonOfNames(const std::vector<Path>& paths);
+
+Json JsonOfFailure(const CliFailure& failure);
+Json JsonOfMessage(const char* kind, std::string_view text);
+
+/// The object on one line, with its line end.
+std::string JsonLine(const Json& object);
+
+}  // namespace tarnel

@@ -1,0 +1,44 @@
+#include "base/printable.h"
+#include "cli/json_output.h"
+#include "cli/rewrite_verbs.h"
+#include "cli/screens.h"
+#include "cli/verbs.h"
+#include "retrieval/run_password.h"
+
+namespace tarnel {
+
+namespace {
+
+void Report(const PasswdOptions& options, const PasswordResult& result, Surroundings& around) {
+  if (around.options.json) {
+    Json object = JsonObject();
+    PutBytes(object, "carrier", options.carrier);
+    object["changed"] = result.changed;
+    around.terminal.Write(JsonLine(object));
+    return;
+  }
+  around.messages.Note(std::to_string(result.changed) + (result.changed == 1 ? " entry" : " entries") +
+                       " in " + Printable(options.carrier) + " now open with the new password");
+}
+
+}  // namespace
+
+ExitCode RunVerb(const PasswdOptions& options, Surroundings& around) {
+  Workbench bench(options.carrier, around);
+  const Leftover leftover = PrepareRewrite(bench, around);
+  bench.Open();
+  const Secret fresh =
+      ObtainNewPassword(options.newPassword, around.options.noInput, around.terminal, around.messages);
+  const PasswordRequest request{.oldPassword = bench.Current().CurrentPassword,
+                                .newPassword = fresh,
+                                .confirmation = fresh,
+                                .leftover = leftover};
+  RewriteOnTerminal screen(around.talk, "Changing the password");
+  const PasswordResult result = RunPassword(request, bench.GetReading(), screen);
+  if (result.refused) throw CliFailure(ExitCode::Failed, "the password was not changed");
+  CheckRewrite(result.ending, result.temporary, around);
+  Report(options, result, around);
+  return ExitCode::Done;
+}
+
+}  // namespace tarnel

@@ -1,0 +1,65 @@
+#include "base/printable.h"
+#include "carrier/stored_text.h"
+#include "cli/json_output.h"
+#include "cli/screens.h"
+#include "cli/verbs.h"
+#include "search/search_folder.h"
+
+namespace tarnel {
+
+namespace {
+
+SearchRequest RequestFor(const SearchOptions& options, Secret password) {
+  SearchRequest request;
+  request.password = std::move(password);
+  request.type = options.type;
+  request.algorithm = options.algorithm;
+  request.subfolders = options.recursive;
+  if (options.newestOnly) request.depth = ProbeRequest::Depth::NewestEntry;
+  request.oddFiles = SearchRequest::OddFiles::PassOver;
+  return request;
+}
+
+std::string LineOf(const SearchRow& row) {
+  return Printable(row.carrier.native()) + "  " + Printable(ToPlatform(row.title)) + "\n";
+}
+
+std::string JsonOf(const SearchRow& row) {
+  Json object = JsonObject();
+  PutBytes(object, "carrier", row.carrier.native());
+  PutBytes(object, "title", ToPlatform(row.title));
+  object["algorithm"] = AlgorithmName(row.algorithm);
+  return JsonLine(object);
+}
+
+ExitCode Report(const SearchSummary& summary, Surroundings& around) {
+  for (const NotSearched& place : summary.notSearched) {
+    around.messages.Warn("not searched: " + Printable(place.path.native()) + ": " + place.reason);
+  }
+  if (summary.ending == SearchEnding::Cancelled) throw CliFailure(ExitCode::Cancelled, "cancelled");
+  if (!summary.notSearched.empty()) return ExitCode::PartlyDone;
+  if (summary.found == 0) throw CliFailure(ExitCode::NoHideout, "no carrier there opens with this password");
+  return ExitCode::Done;
+}
+
+}  // namespace
+
+ExitCode RunVerb(const SearchOptions& options, Surroundings& around) {
+  const Path folder = FullPath(options.folder);
+  GivenPassword password = ObtainPassword(around.options, around.variables, around.terminal, around.messages);
+  SearchOnTerminal screen(around.talk, [&around](const SearchRow& row) {
+    around.terminal.Write(around.options.json ? JsonOf(row) : LineOf(row));
+  });
+  Catalogue catalogue;
+  FileTypes types([](const std::string&) { return std::string(); });
+  ReadingGuards guards;
+  CurrentHideout current;
+  Reading reading{around.files, catalogue, types, guards, current};
+  SearchResults results;
+  const SearchRequest request = RequestFor(options, std::move(password.secret));
+  const SearchSummary summary = SearchFolder(folder, request, results, reading, screen);
+  around.talk.Progress().Clear();
+  return Report(summary, around);
+}
+
+}  // namespace tarnel
