@@ -1,0 +1,58 @@
+#include "app/questions.h"
+
+#include <string>
+
+namespace tarnel {
+
+namespace {
+
+constexpr const char* kTitle = "Tarnel";
+
+Question Message(const char* id, const char* text, Icon icon) {
+  return {.id = id, .title = kTitle, .text = text, .icon = icon};
+}
+
+}  // namespace
+
+Question AlreadyRunningMessage() {
+  return Message("main.already-running", "Tarnel is already running! Please close Tarnel and try again.",
+                 Icon::Information);
+}
+
+Question LaterMessage(const Command& command) {
+  return Message("main.later", command.later, Icon::Information);
+}
+
+Question OverwriteCopyQuestion() {
+  return {.id = "main.save-as",
+          .title = kTitle,
+          .text = "File exists already. Overwrite?",
+          .buttons = Buttons::YesNo,
+          .icon = Icon::Question,
+          .preset = Answer::Yes};
+}
+
+Question FaultMessage(const Error& error) {
+  return {.id = "main.fault",
+          .title = kTitle,
+          .text = "Error: " + std::to_string(static_cast<int>(error.Number())) + "\r\n" + error.Description(),
+          .icon = Icon::Critical,
+          .cause = error};
+}
+
+Question LockMessage(LockInput input) {
+  if (input == LockInput::Empty) return Message("lock.empty", "Please enter a password!", Icon::Critical);
+  return Message("lock.wrong", "Invalid password! Please, try again.", Icon::Critical);
+}
+
+Question ProtectionPasswordMessage() {
+  return Message("config.no-password",
+                 "Please enter a password for protection or disable the password protection!",
+                 Icon::Critical);
+}
+
+Error NewCarrierFault() {
+  return {ErrorNumber::ObjectNotSet, "cannot create a new carrier file: no form is set for it"};
+}
+
+}  // namespace tarnel
