@@ -1,0 +1,164 @@
+#include "app/forms/main_commands.h"
+
+#include <QUrl>
+
+#include "app/forms/lock_forms.h"
+#include "app/questions.h"
+#include "base/copy_file.h"
+#include "base/partial_file.h"
+#include "base/temp_names.h"
+#include "carrier/forms/carrier_pass.h"
+#include "formkit/guarded.h"
+#include "retrieval/forms/frm_carrier_file.h"
+#include "retrieval/forms/frm_properties.h"
+
+namespace tarnel {
+
+namespace {
+
+constexpr FileFilter kTnlFilter = {"Tarnel file (*.tnl)", "*.tnl"};
+
+/// True from here to the end of the scope.
+class Requested {
+ public:
+  explicit Requested(bool& flag) : m_flag(flag) { m_flag = true; }
+  Requested(const Requested&) = delete;
+  Requested& operator=(const Requested&) = delete;
+  ~Requested() { m_flag = false; }
+
+ private:
+  bool& m_flag;
+};
+
+}  // namespace
+
+MainCommands::MainCommands(Session& session, CommandedWindow& window, const WindowPorts& ports,
+                           QWidget& parent)
+    : m_session(session), m_window(window), m_ports(ports), m_parent(parent) {}
+
+void MainCommands::Run(CommandId id, CommandSource source) {
+  Guarded(m_ports.dialogue, [&] {
+    const Command& command = CommandOf(id);
+    if (PassGates(command.gate, source)) RunFlow(command);
+  });
+}
+
+void MainCommands::RunIfEnabled(CommandId id) {
+  if (m_session.RefreshNow().IsEnabled(id)) Run(id, CommandSource::Toolbar);
+}
+
+bool MainCommands::PassGate() {
+  if (!m_session.lock.ProgramLocked()) return true;
+  FrmUnlock form(m_session.lock, m_ports.dialogue, &m_parent);
+  form.exec();
+  return form.PasswordAccepted();
+}
+
+bool MainCommands::PassGates(Gate gate, CommandSource source) {
+  if (gate == Gate::None) return true;
+  if (gate == Gate::TwiceFromMenu && source == CommandSource::Menu && !PassGate()) return false;
+  return PassGate();
+}
+
+void MainCommands::RunFlow(const Command& command) {
+  switch (command.id) {
+    case CommandId::New:
+    case CommandId::Comments:
+      return NewCarrier();
+    case CommandId::Open:
+      return ChooseCarrier();
+    case CommandId::Close:
+      return m_session.CloseCarrier();
+    case CommandId::CarrierProperties:
+      return ShowProperties();
+    case CommandId::SaveAs:
+      return SaveAs();
+    case CommandId::Quit:
+      return m_ports.endProcess();
+    case CommandId::Hide:
+      return Hide(command);
+    case CommandId::SelectAll:
+      return m_window.SelectAllRows();
+    case CommandId::InvertSelection:
+      return m_window.ClearRowSelection();
+    case CommandId::Configuration:
+      return Configure();
+    case CommandId::Lock:
+      return LockOrUnlock();
+    case CommandId::ShowStatus:
+      return m_window.ShowStatusBar(!m_window.IsStatusBarShown());
+    case CommandId::Folders:
+      return m_window.ShowFolders(!m_window.IsFoldersShown());
+    case CommandId::Contents:
+      return m_ports.openOutside(DocumentationUrl(QStringLiteral("README.md")));
+    case CommandId::Info:
+      Info(m_ports.openOutside, &m_parent).exec();
+      return;
+    default:
+      if (command.later != nullptr) m_ports.dialogue.Ask(LaterMessage(command));
+  }
+}
+
+/// Ends in a fault once a file is chosen. New carriers are made on the road of "Open".
+void MainCommands::NewCarrier() {
+  const auto chosen =
+      m_ports.fileDialogs.OpenFile(&m_parent, QObject::tr("Select carrier file..."), {}, CarrierFilters());
+  if (!chosen) return;
+  m_session.CarrierDialogPath = *chosen;
+  throw NewCarrierFault();
+}
+
+void MainCommands::ChooseCarrier() {
+  FrmCarrierFile(
+      m_session, m_ports.dialogue, m_ports.fileDialogs, [this](const Path& carrier) { OpenCarrier(carrier); },
+      &m_parent)
+      .exec();
+}
+
+void MainCommands::OpenCarrier(const Path& carrier) {
+  CarrierPass(carrier, m_session, m_ports.dialogue, &m_parent).exec();
+}
+
+void MainCommands::Hide(const Command& command) {
+  const Requested hiding(m_session.HideOpenRequested);
+  if (m_session.catalogue.Roots().empty()) Run(CommandId::Open, CommandSource::Toolbar);
+  if (m_session.catalogue.Roots().empty()) return;
+  m_ports.dialogue.Ask(LaterMessage(command));
+}
+
+void MainCommands::ShowProperties() {
+  FrmProperties(m_session, &m_parent).exec();
+}
+
+/// Copies only over a file that exists already.
+void MainCommands::SaveAs() {
+  const auto chosen = m_ports.fileDialogs.SaveFile(&m_parent, kTnlFilter, QStringLiteral("tnl"));
+  if (!chosen || !m_session.files.Stat(*chosen)) return;
+  if (m_ports.dialogue.Ask(OverwriteCopyQuestion()) != Answer::Yes) return;
+  const Path fresh = chosen->parent_path() / RandomName(".copy-");
+  CopyFile(m_session.files, m_session.current.CurrentCarrierPath, fresh, Durability::WrittenThrough);
+  PartialFile partial(m_session.files, fresh);
+  m_session.files.Rename(fresh, *chosen);
+  partial.Keep();
+}
+
+void MainCommands::Configure() {
+  Config(m_session, m_window, m_ports.dialogue, m_ports.fileDialogs, &m_parent).exec();
+  m_session.ReloadSettings();
+  if (m_session.SelectedNode() != nullptr) m_session.DirView_NodeClick(*m_session.SelectedNode());
+}
+
+void MainCommands::LockOrUnlock() {
+  ProgramLock& lock = m_session.lock;
+  if (lock.ProgramLocked()) {
+    lock.StartUnlocking();
+    if (!PassGate()) return;
+    lock.Unlock();
+  } else {
+    lock.StartLocking();
+    FrmLock(lock, m_ports.dialogue, &m_parent).exec();
+  }
+  m_window.LockChanged();
+}
+
+}  // namespace tarnel

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QWidget>
+#include <functional>
+
+#include "app/forms/command_actions.h"
+#include "app/forms/config_form.h"
+#include "app/forms/info_box.h"
+#include "app/session.h"
+
+namespace tarnel {
+
+/// What the main window needs from outside, so that tests answer, choose and watch.
+struct WindowPorts {
+  Dialogue& dialogue;
+  FileDialogs& fileDialogs;
+  OutsideOpener openOutside;
+  /// Ends the process at once, saving nothing.
+  std::function<void()> endProcess;
+};
+
+/// What commands do to the main window itself.
+class CommandedWindow : public ConfigurableWindow {
+ public:
+  virtual bool IsStatusBarShown() const = 0;
+  virtual bool IsFoldersShown() const = 0;
+  virtual void SelectAllRows() = 0;
+  virtual void ClearRowSelection() = 0;
+  virtual void LockChanged() = 0;
+};
+
+/// The road of every command: the gate, then its flow. Forms are shown modally over `parent`.
+class MainCommands {
+ public:
+  MainCommands(Session& session, CommandedWindow& window, const WindowPorts& ports, QWidget& parent);
+
+  /// Runs a command of the table. What goes wrong is shown, and the program goes on.
+  void Run(CommandId id, CommandSource source);
+
+  /// Runs it if it is enabled now.
+  void RunIfEnabled(CommandId id);
+
+  /// Asks a locked program's user for the password; true lets one command pass.
+  bool PassGate();
+
+  /// Goes on to the password of a carrier. No gate applies.
+  void OpenCarrier(const Path& carrier);
+
+ private:
+  bool PassGates(Gate gate, CommandSource source);
+  void RunFlow(const Command& command);
+  void NewCarrier();
+  void ChooseCarrier();
+  void Hide(const Command& command);
+  void ShowProperties();
+  void SaveAs();
+  void Configure();
+  void LockOrUnlock();
+
+  Session& m_session;
+  CommandedWindow& m_window;
+  WindowPorts m_ports;
+  QWidget& m_parent;
+};
+
+}  // namespace tarnel

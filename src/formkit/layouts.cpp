@@ -1,0 +1,32 @@
+#include "formkit/layouts.h"
+
+#include <QSizePolicy>
+
+namespace tarnel {
+
+void AddRow(QFormLayout& form, const QString& label, QWidget* control) {
+  form.addRow(label, control);
+  QString name = label;
+  control->setAccessibleName(name.remove(QLatin1Char('&')).remove(QLatin1Char(':')));
+}
+
+QLabel* Explanation(const QString& text) {
+  auto* const label = new QLabel(text);
+  label->setWordWrap(true);
+  label->setTextFormat(Qt::PlainText);
+  return label;
+}
+
+QLabel* Hint(const QString& text) {
+  QLabel* const label = Explanation(text);
+  label->setForegroundRole(QPalette::PlaceholderText);
+  return label;
+}
+
+void KeepPlaceWhenHidden(QWidget& widget) {
+  QSizePolicy policy = widget.sizePolicy();
+  policy.setRetainSizeWhenHidden(true);
+  widget.setSizePolicy(policy);
+}
+
+}  // namespace tarnel

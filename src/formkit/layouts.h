@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QFormLayout>
+#include <QLabel>
+#include <QWidget>
+
+namespace tarnel {
+
+/// Gives a control its name, by which tests and style sheets find it.
+template <class Widget>
+Widget* Named(Widget* widget, const char* name) {
+  widget->setObjectName(QLatin1String(name));
+  return widget;
+}
+
+/// A row whose label names the control for screen readers and takes its access key.
+void AddRow(QFormLayout& form, const QString& label, QWidget* control);
+
+/// A paragraph that wraps.
+QLabel* Explanation(const QString& text);
+
+/// A remark beside a control, less strong than a paragraph.
+QLabel* Hint(const QString& text);
+
+/// The window doesn't jump when the widget appears.
+void KeepPlaceWhenHidden(QWidget& widget);
+
+}  // namespace tarnel

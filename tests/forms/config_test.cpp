@@ -1,0 +1,108 @@
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QRadioButton>
+#include <QSlider>
+#include <QTabBar>
+
+#include "app/forms/config_form.h"
+#include "app/forms/config_password_page.h"
+#include "tests/forms/forms_bench.h"
+
+namespace tarnel::test {
+namespace {
+
+class ConfigTest : public testing::Test, public FormsBench, public ConfigurableWindow {
+ protected:
+  void ShowStatusBar(bool isShown) override { statusBar = isShown; }
+  void ShowFolders(bool isShown) override { folders = isShown; }
+
+  bool IsChecked(const char* control) { return Find<QAbstractButton>(form, control).isChecked(); }
+
+  Config form{*session, *this, dialogue, files, nullptr};
+  std::optional<bool> statusBar;
+  std::optional<bool> folders;
+};
+
+TEST_F(ConfigTest, HasAControlForEverySettingThatShowsThePreset) {
+  for (const ConfigFlag& flag : ConfigFlags()) {
+    EXPECT_EQ(IsChecked(flag.control), flag.setting.preset == "1") << flag.control;
+  }
+  for (const ConfigGroup& group : ConfigGroups()) {
+    EXPECT_TRUE(IsChecked(group.options[0].control)) << group.key;
+  }
+  EXPECT_EQ(Find<QSlider>(form, "CompressLevel").value(), 6);
+}
+
+TEST_F(ConfigTest, OkWritesAndCancelDoesNot) {
+  Find<QAbstractButton>(form, "Chk_View_Gridlines").setChecked(true);
+  Find<QAbstractButton>(form, "Chk_StatusBar").setChecked(false);
+  Find<QAbstractButton>(form, "Opt_Mouse_View").setChecked(true);
+  Find<QAbstractButton>(form, "opt_viewfolder").setChecked(true);
+  Press(form, "Cmd_Cancel");
+  EXPECT_FALSE(settings->Find("options", "Grid lines"));
+  Press(form, "Cmd_Ok");
+  const SettingsFile stored(posix, temp / "home/settings.ini");
+  EXPECT_EQ(stored.Get("options", "Grid lines", ""), "1");
+  EXPECT_EQ(stored.Get("options", "StatusBar", ""), "0");
+  EXPECT_EQ(stored.Get("options", "Mouse_Event", ""), "View");
+  EXPECT_EQ(stored.Get("options", "PreviewTemp", ""), "0");
+  EXPECT_EQ(statusBar, false);
+}
+
+TEST_F(ConfigTest, SpecifiedFolderAsksForOneAndFallsBackWhereNoneIsChosen) {
+  Press(form, "Opt_Hide_Spec");
+  EXPECT_EQ(files.asked, 1);
+  EXPECT_TRUE(IsChecked("Opt_Hide_Sys"));
+  files.answers = {Path("/chosen"), Path("/other")};
+  Press(form, "Opt_Hide_Spec");
+  auto& text = Find<QLineEdit>(form, "txt_hidefolder");
+  EXPECT_EQ(text.text(), QStringLiteral("/chosen"));
+  EXPECT_TRUE(IsChecked("Opt_Hide_Spec"));
+  Press(form, "Opt_Hide_Last");
+  Press(form, "Opt_Hide_Spec");
+  EXPECT_EQ(files.asked, 2) << "the box is filled";
+  QTest::mouseDClick(&text, Qt::LeftButton);
+  EXPECT_EQ(text.text(), QStringLiteral("/other"));
+  Press(form, "opt_viewfolder");
+  EXPECT_TRUE(IsChecked("Opt_viewtempfolder")) << "nothing chosen";
+}
+
+TEST_F(ConfigTest, DefaultsAreBackAtOnceAndStayAfterCancel) {
+  settings->Set("options", "Size", "0");
+  settings->Set("form", "Width", "9000");
+  settings->Set("option", "Tabs", "1");
+  settings->Save();
+  Press(form, "Command1");
+  Press(form, "Cmd_Cancel");
+  const SettingsFile stored(posix, temp / "home/settings.ini");
+  EXPECT_FALSE(stored.Find("options", "Size") || stored.Find("form", "Width"));
+  EXPECT_EQ(stored.Get("option", "Tabs", ""), "1");
+  EXPECT_EQ(folders, true);
+}
+
+TEST_F(ConfigTest, PasswordPageStaysHiddenAndKeepsItsOwnRules) {
+  auto& page = Find<ConfigPasswordPage>(form, "Frame_4");
+  form.show();
+  auto& tabs = Find<QTabBar>(form, "TabStrip");
+  for (int tab = 0; tab < tabs.count(); ++tab) {
+    tabs.setCurrentIndex(tab);
+    EXPECT_FALSE(page.isVisible());
+  }
+  auto& require = Find<QCheckBox>(form, "Chk_pro_require");
+  require.setChecked(true);
+  EXPECT_TRUE(IsChecked("chk_pro_hidefiles") && IsChecked("Chk_Pro_CarrierProperties"));
+  EXPECT_FALSE(IsChecked("chk_pro_showconfig"));
+  EXPECT_TRUE(Find(form, "chk_pro_showconfig").isEnabledTo(&page));
+  dialogue.script.Expect("config.no-password", Answer::Ok);
+  tabs.setCurrentIndex(0);
+  EXPECT_EQ(tabs.currentIndex(), 2) << "the tab change is cancelled";
+  require.setChecked(false);
+  EXPECT_FALSE(IsChecked("chk_pro_hidefiles"));
+  EXPECT_FALSE(Find(form, "txt_pro_password").isEnabledTo(&page));
+  tabs.setCurrentIndex(0);
+  EXPECT_EQ(tabs.currentIndex(), 0);
+}
+
+}  // namespace
+}  // namespace tarnel::test

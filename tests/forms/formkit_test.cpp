@@ -1,0 +1,152 @@
+#include <gtest/gtest.h>
+
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPushButton>
+#include <QUrl>
+
+#include "base/attempt.h"
+#include "carrier/questions.h"
+#include "formkit/dialogue_in_windows.h"
+#include "formkit/dropped_path.h"
+#include "formkit/fit_path_text.h"
+#include "formkit/guarded.h"
+#include "tests/forms/forms_bench.h"
+
+namespace tarnel::test {
+namespace {
+
+QString Fitted(const char* text, int characters) {
+  const auto widthOf = [](const QString& tried) { return static_cast<int>(tried.size()) * 100; };
+  return FitPathText(QString::fromUtf8(text), characters * 100 + 400, QStringLiteral("..."), widthOf);
+}
+
+TEST(FitPathText, LeavesOutTheMiddleAndKeepsHeadAndTailAsLongAsTheyFit) {
+  struct Case {
+    const char* text;
+    int characters;
+    const char* fitted;
+  };
+  const Case cases[] = {
+      {"C:\\aa\\bb\\cc\\dd.txt", 18, "C:\\aa\\bb\\cc\\dd.txt"},
+      {"C:\\aa\\bb\\cc\\dd.txt", 19, "C:\\aa\\bb\\cc\\dd.txt"},
+      {"C:\\aa\\bbbbb\\cc\\dd.txt", 19, "C:\\aa\\...\\cc\\dd.txt"},
+      {"C:\\aa\\bbbbb\\cc\\dd.txt", 18, "C:\\aa\\...\\dd.txt"},
+      {"C:\\aaaaaaaa\\bb\\dd.txt", 18, "C:\\...\\bb\\dd.txt"},
+      {"C:\\aaaaaaaa\\bb\\dd.txt", 15, "C:\\...\\dd.txt"},
+      {"C:\\aaaaaaaa\\bb\\dd.txt", 10, "...\\dd.txt"},
+      {"C:\\aaaaaaaa\\bb\\dd.txt", 1, "...\\dd.txt"},
+      {"/home/somebody/pictures/", 20, "/home/.../pictures"},
+      {"http://host/page?query", 17, "http://.../page"},
+      {"nothing to cut here", 3, "nothing to cut here"},
+  };
+  for (const Case& each : cases) {
+    EXPECT_EQ(Fitted(each.text, each.characters).toStdString(), each.fitted)
+        << each.text << " in " << each.characters;
+  }
+  EXPECT_EQ(FitPathText(QStringLiteral("a"), 199, QStringLiteral("..."), [](const QString&) { return 0; }),
+            QString());
+}
+
+TEST(DroppedPath, IsTheFirstFileByteForByte) {
+  struct Case {
+    const char* list;
+    const char* path;
+  };
+  const Case cases[] = {
+      {"file:///tmp/a%20b%FF%0A.png\r\nfile:///tmp/second\r\n", "/tmp/a b\xFF\n.png"},
+      {"# note\r\nfile://localhost/x", "/x"},
+      {"https://host/x\r\nfile:///y", ""},
+      {"file://", ""},
+      {"", ""},
+  };
+  for (const Case& each : cases) {
+    QMimeData data;
+    data.setData(QStringLiteral("text/uri-list"), each.list);
+    EXPECT_EQ(FirstDroppedPath(data), each.path) << each.list;
+  }
+}
+
+TEST(DialogueInWindows, ShowsTextsButtonsPresetAndTheSafeWayOut) {
+  struct Case {
+    Question question;
+    const char* text;
+    std::vector<Answer> buttons;
+    Answer preset;
+    Answer escape;
+    QMessageBox::Icon icon;
+  };
+  const Error error(ErrorNumber::DiskFull, "cannot write a.png: no space");
+  const Case cases[] = {
+      {NoPasswordMessage(),
+       "Please enter the password!",
+       {Answer::Ok},
+       Answer::Ok,
+       Answer::Ok,
+       QMessageBox::Critical},
+      {ReloadQuestion(),
+       "This carrier file is opened already! Do you want to reload it?",
+       {Answer::Yes, Answer::No},
+       Answer::No,
+       Answer::No,
+       QMessageBox::Question},
+      {ErrorQuestion(error, "x.error", "Tarnel [Hiding...]", LineBreak::LfCr, Answer::Retry),
+       "Error: 61\ncannot write a.png: no space",
+       {Answer::Abort, Answer::Retry, Answer::Ignore},
+       Answer::Retry,
+       Answer::Abort,
+       QMessageBox::Critical},
+  };
+  for (const Case& each : cases) {
+    QMessageBox box;
+    FillBox(box, each.question);
+    EXPECT_EQ(box.text().toStdString(), each.text);
+    EXPECT_EQ(box.icon(), each.icon);
+    EXPECT_EQ(box.buttons().size(), static_cast<qsizetype>(each.buttons.size()));
+    for (const Answer answer : each.buttons) {
+      QAbstractButton* found = nullptr;
+      for (QAbstractButton* const button : box.buttons()) {
+        if (button->property("answer").toInt() == static_cast<int>(answer)) found = button;
+      }
+      ASSERT_NE(found, nullptr);
+      EXPECT_EQ(box.defaultButton() == found, answer == each.preset);
+      EXPECT_EQ(box.escapeButton() == found, answer == each.escape);
+    }
+  }
+}
+
+TEST(Guarded, ShowsWhatAnErrorSaysAndGoesOn) {
+  Scripted<> person;
+  person.script.Expect("main.fault", Answer::Ok).Expect("main.fault", Answer::Ok);
+  Guarded(person, [] { throw Error(ErrorNumber::FileNotFound, "cannot open x"); });
+  Guarded(person, [] { throw std::runtime_error("other"); });
+  Guarded(person, [] { throw 1; });
+  EXPECT_EQ(person.script.Asked()[0].text, "Error: 53\r\ncannot open x");
+  EXPECT_EQ(person.script.Asked()[1].text, "Error: 57\r\nother");
+}
+
+TEST(TracelessFileDialogs, LeaveTheHomeFolderAsItWas) {
+  TempFolder home;
+  home.Put("pictures/carrier.png", "x");
+  qputenv("HOME", home.Where().c_str());
+  qputenv("XDG_CONFIG_HOME", (home / "config").c_str());
+  qputenv("XDG_DATA_HOME", (home / "data").c_str());
+  const auto before = home.Names();
+  TracelessFileDialogs dialogs;
+  QTimer accept;
+  QObject::connect(&accept, &QTimer::timeout, [] {
+    if (auto* const dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget())) {
+      dialog->selectFile(QStringLiteral("carrier.png"));
+      QMetaObject::invokeMethod(dialog, "accept");
+    }
+  });
+  accept.start(20);
+  const auto chosen = dialogs.OpenFile(nullptr, QStringLiteral("Open"), home / "pictures", CarrierFilters());
+  ASSERT_TRUE(chosen);
+  EXPECT_EQ(*chosen, home / "pictures/carrier.png");
+  EXPECT_EQ(home.Names(), before);
+}
+
+}  // namespace
+}  // namespace tarnel::test

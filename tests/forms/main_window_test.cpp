@@ -1,0 +1,371 @@
+#include "app/forms/main_window.h"
+
+#include <gtest/gtest.h>
+
+#include <QAbstractItemView>
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QHeaderView>
+#include <QLabel>
+#include <QMenu>
+#include <QMimeData>
+#include <QSplitter>
+#include <QTreeView>
+
+#include "app/forms/status_panels.h"
+#include "tests/carrier/carrier_bench.h"
+#include "tests/forms/forms_bench.h"
+
+namespace tarnel::test {
+namespace {
+
+class MainWindowTest : public testing::Test, public FormsBench {
+ protected:
+  MainWindowTest() {
+    carrier.Hide({.name = "small.txt", .content = "1"}).Hide({.name = "big.png", .content = Pattern(5000)});
+    carrier.Hide({.name = "deep.txt", .folder = "docs"});
+    settings->Set("option", "Tabs", "1");
+  }
+
+  QTreeView& List() { return Find<QTreeView>(*window, "FileList"); }
+  QTreeView& Tree() { return Find<QTreeView>(*window, "DirView"); }
+  std::string PanelText(const char* name) { return Find<StatusPanel>(*window, name).Text().toStdString(); }
+  bool IsEnabled(const char* item) { return Item(item).isEnabled(); }
+  std::string Names() {
+    std::string names;
+    for (int row = 0; row < List().model()->rowCount(); ++row) {
+      names += List().model()->index(row, 0).data().toString().toStdString() + " ";
+    }
+    return names;
+  }
+
+  /// Answers CarrierPass with the carrier's password.
+  void ExpectPassword() {
+    modal.On("CarrierPass", [](QWidget& form) {
+      Type(form, "txt_Pass", "secret");
+      Press(form, "Cmd_Ok");
+    });
+  }
+  void OpenCarrier() {
+    ExpectPassword();
+    window->StartWith(carrier.carrier);
+    window->show();
+    Tick();
+  }
+  void Lock() {
+    modal.On("FrmLock", [](QWidget& form) {
+      Type(form, "Text1", "key");
+      Press(form, "Command2");
+    });
+    Trigger("menu_lock");
+  }
+  void ExpectUnlock(const char* password, const char* label = "Please enter the password to continue...") {
+    modal.On("FrmUnlock", [=](QWidget& form) {
+      EXPECT_EQ(Find<QLabel>(form, "Label3").text().toStdString(), label);
+      Type(form, "Text1", password);
+      Press(form, *password == '\0' ? "Cmd_Cancel" : "Command2");
+    });
+  }
+  void Click(QTreeView& view, const QModelIndex& index) {
+    QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, view.visualRect(index).center());
+  }
+  void DoubleClick(QTreeView& view, const QModelIndex& index) {
+    const QPoint at = view.visualRect(index).center();
+    QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, at);
+    QTest::mouseDClick(view.viewport(), Qt::LeftButton, {}, at);
+  }
+
+  CarrierBench carrier;
+};
+
+TEST_F(MainWindowTest, StartsEmptyWithWhatCanBeUsed) {
+  window->show();
+  EXPECT_EQ(window->windowTitle(), QStringLiteral(" Tarnel 7.0"));
+  EXPECT_TRUE(IsEnabled("Menu_Open_Carrier") && IsEnabled("Open"));
+  EXPECT_FALSE(IsEnabled("manu_close") || IsEnabled("Menu_Extract") || IsEnabled("Extract"));
+  EXPECT_FALSE(Find<StatusPanel>(*window, "Info").HasPicture());
+  EXPECT_EQ(PanelText("Lock"), "Unlocked ");
+  EXPECT_FALSE(Item("Menu_New_Carrier").isVisible());
+  EXPECT_TRUE(Item("New").isVisible());
+}
+
+TEST_F(MainWindowTest, OpensACarrierThroughTheWholeRoadAndClosesIt) {
+  files.answers = {carrier.carrier};
+  modal.On("FrmCarrierFile", [](QWidget& form) {
+    Press(form, "BrowseCmd");
+    QTimer::singleShot(0, &form, [&form] { Press(form, "Command2"); });
+  });
+  ExpectPassword();
+  Trigger("Open");
+  window->show();
+  Tick();
+  EXPECT_EQ(Names(), "docs big.png small.txt ");
+  EXPECT_EQ(PanelText("Files"), "3 File(s) ");
+  EXPECT_EQ(PanelText("Algorithm"), " RIJNDAEL-256");
+  EXPECT_TRUE(IsEnabled("manu_close") && IsEnabled("Menu_Extract") && IsEnabled("Extract"));
+  EXPECT_TRUE(Find<StatusPanel>(*window, "Info").HasPicture());
+  Trigger("manu_close");
+  Tick();
+  EXPECT_EQ(Names() + PanelText("Files") + PanelText("Algorithm"), "");
+  EXPECT_FALSE(IsEnabled("manu_close") || Find<StatusPanel>(*window, "Info").HasPicture());
+  EXPECT_EQ(Tree().model()->rowCount(), 0);
+}
+
+TEST_F(MainWindowTest, WalksThroughFoldersByTreeAndByDoubleClick) {
+  OpenCarrier();
+  DoubleClick(List(), List().model()->index(0, 0));
+  EXPECT_EQ(Names(), "deep.txt ");
+  EXPECT_EQ(Tree().currentIndex().data().toString(), QStringLiteral("docs"));
+  Click(Tree(), Tree().model()->index(0, 0));
+  EXPECT_EQ(Names(), "docs big.png small.txt ");
+  Tree().setFocus();
+  QTest::keyClick(&Tree(), Qt::Key_Down);
+  EXPECT_EQ(Names(), "deep.txt ");
+}
+
+TEST_F(MainWindowTest, EnablesViewForASelectedFileOnly) {
+  OpenCarrier();
+  Click(List(), List().model()->index(0, 0));
+  Tick();
+  EXPECT_FALSE(IsEnabled("View")) << "a folder";
+  Click(List(), List().model()->index(1, 0));
+  Tick();
+  EXPECT_TRUE(IsEnabled("View") && IsEnabled("Menu_Preview"));
+  Trigger("Menu_SelectAll");
+  EXPECT_EQ(List().selectionModel()->selectedIndexes().size(), 3) << "one cell of each row";
+  Trigger("Mnu_InvertSelection");
+  Tick();
+  EXPECT_TRUE(List().selectionModel()->selectedIndexes().isEmpty());
+  EXPECT_FALSE(IsEnabled("View"));
+}
+
+TEST_F(MainWindowTest, DoubleClickOnAFileDoesWhatTheSettingSays) {
+  struct Case {
+    const char* event;
+    const char* says;
+  };
+  const Case cases[] = {{"None", nullptr},
+                        {"Extract", "Extracting hidden files comes with a later version of Tarnel."},
+                        {"Delete", "Deleting hidden files comes with a later version of Tarnel."},
+                        {"View", "Viewing hidden files comes with a later version of Tarnel."}};
+  OpenCarrier();
+  for (const Case& each : cases) {
+    settings->Set("options", "Mouse_Event", each.event);
+    session->ReloadSettings();
+    if (each.says != nullptr) dialogue.script.Expect("main.later", Answer::Ok);
+    DoubleClick(List(), List().model()->index(1, 0));
+    const auto& asked = dialogue.script.Asked();
+    EXPECT_EQ(asked.empty() ? "" : asked.back().text, each.says == nullptr ? "" : each.says) << each.event;
+  }
+  dialogue.script.Expect("main.later", Answer::Ok).Expect("main.later", Answer::Ok);
+  QTest::keyClick(&List(), Qt::Key_Return);
+  QTest::keyClick(&List(), Qt::Key_Delete);
+  EXPECT_EQ(dialogue.script.Asked().back().text, cases[2].says);
+}
+
+TEST_F(MainWindowTest, SortsByAClickOnAHeader) {
+  OpenCarrier();
+  const auto clickHeader = [this](int section) {
+    QHeaderView& header = *List().header();
+    QTest::mouseClick(header.viewport(), Qt::LeftButton, {},
+                      {header.sectionViewportPosition(section) + 10, header.height() / 2});
+  };
+  clickHeader(1);
+  EXPECT_EQ(Names(), "small.txt big.png docs ");
+  clickHeader(1);
+  EXPECT_EQ(Names(), "big.png small.txt docs ");
+}
+
+TEST_F(MainWindowTest, GatesEveryGatedCommandWhileLocked) {
+  OpenCarrier();
+  Lock();
+  EXPECT_EQ(PanelText("Lock"), "Locked ");
+  EXPECT_EQ(Item("menu_lock").text(), QStringLiteral("Unlock..."));
+  for (const Command& command : Commands()) {
+    if (command.gate == Gate::None || command.id == CommandId::Search) continue;
+    ExpectUnlock("");
+    Item(command.item).setEnabled(true);
+    Trigger(command.item);
+  }
+  EXPECT_EQ(ended, 0);
+  EXPECT_EQ(session->catalogue.Roots().size(), 1U);
+  dialogue.script.Expect("main.later", Answer::Ok);
+  ExpectUnlock("key");
+  Trigger("Search");
+  dialogue.script.Expect("main.later", Answer::Ok);
+  ExpectUnlock("key");
+  ExpectUnlock("key");
+  Trigger("Menu_Find_Carrier");
+  ExpectUnlock("");
+  QCloseEvent close;
+  QApplication::sendEvent(window.get(), &close);
+  EXPECT_FALSE(close.isAccepted());
+}
+
+TEST_F(MainWindowTest, UnlocksOnlyThroughTheLock) {
+  window->show();
+  Lock();
+  dialogue.script.Expect("lock.wrong", Answer::Ok);
+  modal.On("FrmUnlock", [](QWidget& form) {
+    Type(form, "Text1", "KEY");
+    Press(form, "Command2");
+    EXPECT_TRUE(form.isVisible());
+    Press(form, "Cmd_Cancel");
+  });
+  QTest::mouseDClick(&Find(*window, "Lock"), Qt::LeftButton);
+  EXPECT_EQ(PanelText("Lock"), "Locked ");
+  ExpectUnlock("key", "Please enter the password to unlock Tarnel.");
+  modal.On("FrmCarrierFile", [](QWidget& form) { Press(form, "Command1"); });
+  Trigger("Open");
+  EXPECT_TRUE(session->lock.ProgramLocked()) << "the gate leaves the lock on";
+  ExpectUnlock("key", "Please enter the password to unlock Tarnel.");
+  Trigger("menu_lock");
+  EXPECT_EQ(PanelText("Lock"), "Unlocked ");
+  EXPECT_EQ(Item("menu_lock").text(), QStringLiteral("Lock..."));
+}
+
+TEST_F(MainWindowTest, FindsWindowAndColumnsAsTheyWereLeft) {
+  window->show();
+  window->resize(777, 555);
+  Find<QSplitter>(*window, "Sizer").setSizes({222, 550});
+  List().header()->resizeSection(1, 133);
+  const int pane = Find(*window, "DirFrame").width();
+  window->close();
+  EXPECT_EQ(settings->Get("form", "Width", ""), "11655");
+  EXPECT_EQ(settings->Get("form", "Size", ""), "1995");
+  MakeWindow();
+  window->show();
+  EXPECT_EQ(window->size(), QSize(777, 555));
+  EXPECT_EQ(Find(*window, "DirFrame").width(), pane);
+  EXPECT_EQ(List().header()->sectionSize(1), 133);
+}
+
+TEST_F(MainWindowTest, SavesNothingOnQuitNorWithTheSettingOff) {
+  window->show();
+  Trigger("Menu_Quit");
+  EXPECT_EQ(ended, 1);
+  EXPECT_FALSE(settings->Find("form", "Width"));
+  settings->Set("options", "SaveSettingsExit", "0");
+  session->ReloadSettings();
+  window->close();
+  EXPECT_FALSE(settings->Find("form", "Width"));
+}
+
+TEST_F(MainWindowTest, TogglesThePaneAndTheStatusBar) {
+  window->show();
+  Trigger("Folders");
+  EXPECT_FALSE(Find(*window, "DirFrame").isVisible());
+  EXPECT_FALSE(Item("Folders").isChecked() || Item("Menu_Folders").isChecked());
+  EXPECT_EQ(session->ActiveListHwnd, Attention::FileList);
+  Trigger("Menu_Folders");
+  EXPECT_TRUE(Find(*window, "DirFrame").isVisible() && Item("Folders").isChecked());
+  Trigger("mnu_ShowStatus");
+  EXPECT_FALSE(Find(*window, "StatusBar").isVisible() || Item("mnu_ShowStatus").isChecked());
+  EXPECT_FALSE(settings->Find("options", "StatusBar")) << "the setting belongs to Config";
+  settings->Set("options", "StatusBar", "0");
+  settings->Save();
+  MakeWindow();
+  window->show();
+  EXPECT_FALSE(Find(*window, "StatusBar").isVisible() || Item("mnu_ShowStatus").isChecked());
+}
+
+TEST_F(MainWindowTest, ConfigurationChangesColumnsOfTheShownFolder) {
+  OpenCarrier();
+  modal.On("Config", [](QWidget& form) {
+    Press(form, "Chk_Clmn_Type");
+    Press(form, "Chk_Clmn_Subfolder");
+    Press(form, "Chk_View_Fullrow");
+    Press(form, "Cmd_Ok");
+  });
+  Click(Tree(), Tree().model()->index(0, 0, Tree().model()->index(0, 0)));
+  Trigger("Configuration");
+  QAbstractItemModel& model = *List().model();
+  std::string captions;
+  for (int i = 0; i < model.columnCount(); ++i) {
+    captions += model.headerData(i, Qt::Horizontal).toString().toStdString() + " ";
+  }
+  EXPECT_EQ(captions, "File Size Date Subfolder ");
+  EXPECT_EQ(model.index(0, 3).data().toString(), QStringLiteral("docs"));
+  Trigger("Menu_SelectAll");
+  EXPECT_EQ(List().selectionModel()->selectedIndexes().size(), 4) << "full rows";
+}
+
+TEST_F(MainWindowTest, OpensTheFirstDroppedFileWhereverItFalls) {
+  window->show();
+  QMimeData data;
+  data.setUrls({QUrl::fromLocalFile(QString::fromStdString(carrier.carrier.native())),
+                QUrl::fromLocalFile(QStringLiteral("/second"))});
+  for (const char* place : {"DirView", "FileList", "StatusBar", "Main"}) {
+    int asked = 0;
+    modal.On("CarrierPass", [&asked](QWidget& form) {
+      ++asked;
+      Press(form, "Cmd_Cancel");
+    });
+    QWidget& target = std::string(place) == "Main" ? *window : Find(*window, place);
+    QDragEnterEvent enter(QPoint(1, 1), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&target, &enter);
+    QDropEvent drop(QPointF(1, 1), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&target, &drop);
+    EXPECT_EQ(asked, 1) << place;
+  }
+  window->StartWith(temp.Where());
+  window->StartWith(temp / "missing");
+}
+
+TEST_F(MainWindowTest, NewEndsInAFaultThatIsShownAndTheProgramGoesOn) {
+  window->show();
+  Trigger("New");
+  files.answers = {carrier.carrier};
+  dialogue.script.Expect("main.fault", Answer::Ok);
+  Trigger("New");
+  EXPECT_EQ(dialogue.script.Asked().back().text.substr(0, 9), "Error: 91");
+  EXPECT_TRUE(IsEnabled("New"));
+}
+
+TEST_F(MainWindowTest, HideOpensACarrierFirstAndStopsWhereNoneIsOpened) {
+  window->show();
+  modal.On("FrmCarrierFile", [this](QWidget& form) {
+    EXPECT_TRUE(session->HideOpenRequested);
+    Press(form, "Command1");
+  });
+  Trigger("Hide");
+  EXPECT_FALSE(session->HideOpenRequested);
+  EXPECT_TRUE(dialogue.script.Asked().empty());
+}
+
+TEST_F(MainWindowTest, SavesACopyOnlyOverAFileThatExists) {
+  OpenCarrier();
+  const Path copy = temp / "copy.tnl";
+  files.answers = {copy, copy, copy};
+  Trigger("Manu_Saveas");
+  EXPECT_FALSE(std::filesystem::exists(copy));
+  WriteAll(copy, "old");
+  dialogue.script.Expect("main.save-as", Answer::No).Expect("main.save-as", Answer::Yes);
+  Trigger("Manu_Saveas");
+  EXPECT_EQ(ReadAll(copy), "old");
+  Trigger("Manu_Saveas");
+  EXPECT_EQ(ReadAll(copy), ReadAll(carrier.carrier));
+}
+
+TEST_F(MainWindowTest, ShowsPropertiesByTheInfoPanelAndHelpOutside) {
+  OpenCarrier();
+  modal.On("FrmProperties", [](QWidget& form) { Press(form, "Command1"); });
+  QTest::mouseDClick(&Find(*window, "Info"), Qt::LeftButton);
+  modal.On("Info", [](QWidget& form) { Press(form, "Command1"); });
+  Trigger("Menu_Info");
+  Trigger("Menu_Contents");
+  EXPECT_TRUE(opened.isLocalFile());
+}
+
+TEST_F(MainWindowTest, GivesEveryControlANameForScreenReaders) {
+  window->show();
+  for (QWidget* const widget : window->findChildren<QWidget*>()) {
+    if (widget->focusPolicy() == Qt::NoFocus || !widget->isVisible() || widget->objectName().isEmpty())
+      continue;
+    if (widget->objectName().startsWith(QLatin1String("qt_"))) continue;
+    EXPECT_FALSE(widget->accessibleName().isEmpty()) << widget->objectName().toStdString();
+  }
+}
+
+}  // namespace
+}  // namespace tarnel::test
