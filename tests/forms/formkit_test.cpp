@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QFileDialog>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
@@ -136,10 +137,12 @@ TEST(TracelessFileDialogs, LeaveTheHomeFolderAsItWas) {
   TracelessFileDialogs dialogs;
   QTimer accept;
   QObject::connect(&accept, &QTimer::timeout, [] {
-    if (auto* const dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget())) {
-      dialog->selectFile(QStringLiteral("carrier.png"));
-      QMetaObject::invokeMethod(dialog, "accept");
-    }
+    auto* const dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+    if (!dialog) return;
+    // Typed whole, as the dialog may not have listed its folder yet.
+    dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))
+        ->setText(dialog->directory().filePath(QStringLiteral("carrier.png")));
+    QMetaObject::invokeMethod(dialog, "accept");
   });
   accept.start(20);
   const auto chosen = dialogs.OpenFile(nullptr, QStringLiteral("Open"), home / "pictures", CarrierFilters());
