@@ -18,6 +18,13 @@ namespace tarnel::test {
 
 using Contents = std::multimap<std::string, std::string>;
 
+/// The k-th call of this name on this path fails.
+inline Fault FailingCall(const std::string& name, const Path& path, std::size_t k = 1) {
+  return {.at = k, .writes = Writes::FirstHalf, .counts = [=](const Operation& operation) {
+            return operation.name == name && operation.path == path;
+          }};
+}
+
 /// Notes what it is shown, progress apart from the rest.
 class NotingHideScreen : public Scripted<HideScreen> {
  public:
@@ -44,60 +51,53 @@ class NotingHideScreen : public Scripted<HideScreen> {
 /// A carrier, files to hide in it, and one hide.
 ///
 ///   HideBench bench;
-///   bench.Row("a.txt", "content").Row("b.txt", "more", "docs");
+///   bench.With({"old"}).Row("a.txt", "content").Row("b.txt", "more", "docs").Mode(0444);
 ///   EXPECT_EQ(bench.RunHide().ending, HideEnding::Done);
-///   EXPECT_EQ(bench.Found(), (Contents{{"a.txt", "content"}, {"b.txt", "more"}}));
+///   EXPECT_EQ(bench.Found().size(), 3U);
 class HideBench : public CarrierBench {
  public:
   explicit HideBench(std::size_t bodySize = 1000) : CarrierBench(bodySize) {
-    current = {.CurrentCarrierPath = carrier,
-               .CurrentCarrierName = "carrier.bin",
-               .CurrentHideoutTitle = "Title",
-               .CurrentAlgorithmId = Algorithm::Rijndael256,
-               .CurrentPassword = Secret("secret"),
-               .SecondKey = {}};
-    Remember();
+    current.CurrentCarrierPath = carrier;
+    current.CurrentHideoutTitle = "Title";
+    current.CurrentAlgorithmId = Algorithm::Rijndael256;
+    current.CurrentPassword = Secret("secret");
+    Mode(0644);
   }
 
   /// A source file "sources/NAME" and its row.
   HideBench& Row(const std::string& name, std::string_view content, const std::string& rowFolder = {},
                  mode_t mode = 0644) {
-    const Path source = folder.Put("sources/" + name, content, mode);
+    return RowOf(folder.Put("sources/" + name, content, mode), rowFolder);
+  }
+  HideBench& RowOf(const Path& source, const std::string& rowFolder = {}) {
     request.rows.push_back({.source = source, .name = source.filename().native(), .folder = rowFolder});
-    request.totalBytes += static_cast<double>(content.size());
+    request.totalBytes += static_cast<double>(std::filesystem::file_size(source));
     return *this;
   }
   /// An entry that stands in the carrier before.
   HideBench& With(const Hidden& entry, const Under& under = {}) {
     Hide(entry, under);
-    Remember();
+    oldBytes = ReadAll(carrier);
+    return *this;
+  }
+  HideBench& Mode(mode_t mode) {
+    ::chmod(carrier.c_str(), mode);
+    oldBytes = ReadAll(carrier);
+    oldMode = mode;
     return *this;
   }
   Path Source(const std::string& name) const { return folder / ("sources/" + name); }
 
-  /// What is there now counts as the old state.
-  void Remember() {
-    oldBytes = ReadAll(carrier);
-    oldMode = ModeOf(carrier);
-  }
-
-  HideResult RunHide() { return RunHideOn(posix); }
-  HideResult RunHideOn(Files& files) {
-    Reading session{files, catalogue, types, guards, current};
-    return tarnel::RunHide(request, session, hideScreen);
-  }
+  HideResult RunHide() { return tarnel::RunHide(request, session, hideScreen); }
 
   /// Name and plain content of all entries of the hideout as a fresh reader finds them, oldest first.
   Contents Found() {
+    catalogue.RemoveCarrier(carrier);
     CarrierBench::Load();
     Contents contents;
     for (auto row = catalogue.Rows().rbegin(); row != catalogue.Rows().rend(); ++row)
       contents.emplace(ToPlatform(row->Name()), PlainContentOf(*row));
-    if (CurrentRoot() == nullptr) contents.clear();
     return contents;
-  }
-  std::string Field(std::size_t row, std::string_view key) const {
-    return std::string(catalogue.Rows().at(row).Field(key));
   }
 
   static mode_t ModeOf(const Path& path) {
@@ -108,14 +108,15 @@ class HideBench : public CarrierBench {
   bool BackupExists() const { return std::filesystem::exists(BackupPath(carrier)); }
   bool BackupIsOld() const { return BackupExists() && ReadAll(BackupPath(carrier)) == oldBytes; }
 
+  FaultyFiles files{posix};
+  Reading session{files, catalogue, types, guards, current};
   HideRequest request;
   NotingHideScreen hideScreen;
+  Script& script = hideScreen.script;
   std::string oldBytes;
   mode_t oldMode = 0;
 
  private:
-  const TreeNode* CurrentRoot() const { return catalogue.FindRoot(carrier); }
-
   std::string PlainContentOf(const MirrorRow& row) {
     const std::string stored = ContentOf(row);
     if (row.Field(tag::kCompressed) == "0") return stored;
