@@ -1,7 +1,6 @@
 #include "crypto/rijndael_256.h"
 
 #include <botan/block_cipher.h>
-#include <botan/exceptn.h>
 #include <botan/hex.h>
 #include <gtest/gtest.h>
 #include <mcrypt.h>
@@ -26,30 +25,16 @@ Buffer RandomBytes(std::size_t length) {
   return bytes;
 }
 
-/// The independent implementation of libmcrypt.
-class Oracle {
- public:
-  explicit Oracle(Buffer key) {
-    std::string algorithm = "rijndael-256";
-    std::string mode = "ecb";
-    m_module = mcrypt_module_open(algorithm.data(), nullptr, mode.data(), nullptr);
-    mcrypt_generic_init(m_module, key.data(), static_cast<int>(key.size()), nullptr);
-  }
-  ~Oracle() {
-    mcrypt_generic_deinit(m_module);
-    mcrypt_module_close(m_module);
-  }
-  Oracle(const Oracle&) = delete;
-  Oracle& operator=(const Oracle&) = delete;
-
-  Buffer Encrypt(Buffer blocks) {
-    mcrypt_generic(m_module, blocks.data(), static_cast<int>(blocks.size()));
-    return blocks;
-  }
-
- private:
-  MCRYPT m_module;
-};
+/// What the independent implementation of libmcrypt makes of the blocks.
+Buffer OracleEncrypts(Buffer key, Buffer blocks) {
+  std::string algorithm = "rijndael-256", mode = "ecb";
+  const MCRYPT module = mcrypt_module_open(algorithm.data(), nullptr, mode.data(), nullptr);
+  mcrypt_generic_init(module, key.data(), static_cast<int>(key.size()), nullptr);
+  mcrypt_generic(module, blocks.data(), static_cast<int>(blocks.size()));
+  mcrypt_generic_deinit(module);
+  mcrypt_module_close(module);
+  return blocks;
+}
 
 // The digits of pi under the digits of e, from the vectors that Brian Gladman published for all block sizes.
 TEST(Rijndael256, EncryptsThePublishedVector) {
@@ -70,7 +55,7 @@ TEST(Rijndael256, AgreesWithTheOracleForEveryNumberOfBlocks) {
   for (std::size_t blocks = 0; blocks < 40; ++blocks) {
     const Buffer key = RandomBytes(32);
     const Buffer plain = RandomBytes(blocks * kRijndaelBlock);
-    const Buffer expected = Oracle(key).Encrypt(plain);
+    const Buffer expected = OracleEncrypts(key, plain);
     for (const RijndaelPath path : kPaths) {
       const auto cipher = MakeRijndael256(path);
       cipher->set_key(key);
@@ -81,16 +66,6 @@ TEST(Rijndael256, AgreesWithTheOracleForEveryNumberOfBlocks) {
       EXPECT_EQ(elsewhere, plain) << cipher->provider();
     }
   }
-}
-
-TEST(Rijndael256, ACopyHasNoKeyAndSaysSo) {
-  const auto cipher = MakeRijndael256(RijndaelPath::Fastest);
-  cipher->set_key(RandomBytes(32));
-  const std::unique_ptr<Botan::BlockCipher> copy(cipher->clone());
-  Buffer block(kRijndaelBlock);
-  EXPECT_THROW(copy->encrypt(block), Botan::Exception);
-  cipher->clear();
-  EXPECT_THROW(cipher->encrypt(block), Botan::Exception);
 }
 
 TEST(Rijndael256, CountsInTheLastEightBytesOfItsBlock) {
@@ -106,7 +81,7 @@ TEST(Rijndael256, CountsInTheLastEightBytesOfItsBlock) {
     counters.push_back(static_cast<std::uint8_t>(i));
   }
   const WipedBytes keys = DeriveKeys(masterKey, {}, "tarnel string 80", 32);
-  const Buffer expected = Oracle(Buffer(keys.begin(), keys.end())).Encrypt(counters);
+  const Buffer expected = OracleEncrypts(Buffer(keys.begin(), keys.end()), counters);
   const std::string sealed = StringCipher(suite, masterKey).Seal(iv, std::string(counters.size(), '\0'));
   EXPECT_EQ(sealed.substr(StringCipher::kFrontBytes, expected.size()), AsText(expected));
 }
