@@ -14,22 +14,13 @@
 namespace tarnel::test {
 
 TEST(GetTag, GivesTheFirstValueOrNothing) {
-  const struct {
-    std::string_view tags, key, value;
-  } cases[] = {
-      {"", "?Fls=<", ""},
-      {"?Fls=<12>", "?Fls=<", "12"},
-      {"?FlsEn=<123>", "?Fls=<", ""},
-      {"?FlsEn=<123>?Fls=<4>", "?Fls=<", "4"},
-      {"?Fls=<1>?Fls=<2>", "?Fls=<", "1"},
-      {"?Fldnm=<>", "?Fldnm=<", ""},
-      {"?Fldnm=<open", "?Fldnm=<", ""},
-      {"?fldnm=<a>", "?Fldnm=<", ""},
-      {">?Fnm=<a>b>", "?Fnm=<", "a"},
-      {"?Fnm=<?Fls=<7>", "?Fls=<", "7"},
-  };
-  for (const auto& c : cases)
-    EXPECT_EQ(GetTag(c.tags, c.key), c.value) << c.tags;
+  const std::map<std::string_view, Strings> cases = {
+      {"", {"", "?FlsEn=<123>", "?fls=<a>", "?Fls=<>", "?Fls=<open"}},
+      {"4", {"?Fls=<4>", "?FlsEn=<123>?Fls=<4>", "?Fls=<4>?Fls=<2>", ">?Fls=<4>b>", "?Fnm=<?Fls=<4>"}}};
+  for (const auto& [value, texts] : cases) {
+    for (const std::string& tags : texts)
+      EXPECT_EQ(GetTag(tags, "?Fls=<"), value) << tags;
+  }
 }
 
 TEST(ReadNumber, ReadsAsFarAsANumberGoes) {
@@ -54,51 +45,35 @@ TEST(ReadNumber, ReadsAsFarAsANumberGoes) {
 TEST(CutAtNull, TrimsBlanksAndEndsBeforeTheFirstZeroByte) {
   using namespace std::string_view_literals;
   EXPECT_EQ(CutAtNull("  a b \0 c "sv), "a b ");
-  EXPECT_EQ(CutAtNull("\0abc"sv), "");
-  EXPECT_EQ(CutAtNull("   "), "");
   EXPECT_EQ(CutAtNull("\ta"), "\ta");
 }
 
-TEST(LengthField, KeepsEveryNumberInFortyCharacters) {
+TEST(LengthField, KeepsEveryNumberInFortyCharactersThatDifferEachTime) {
   for (std::int64_t number = 0; number <= 9'999'999'999; number = number * 3 + 1) {
-    for (int again = 0; again < 20; ++again) {
-      const std::string field = PackLengthField(number);
-      ASSERT_EQ(field.size(), 40u);
-      ASSERT_EQ(UnpackLengthField(field), static_cast<double>(number));
-    }
+    const std::string field = PackLengthField(number);
+    ASSERT_EQ(field.size(), 40u);
+    ASSERT_EQ(UnpackLengthField(field), static_cast<double>(number));
+    ASSERT_NE(field, PackLengthField(number));
   }
   EXPECT_EQ(UnpackLengthField(PackLengthField(9'999'999'999)), 9'999'999'999.0);
-}
-
-TEST(LengthField, DiffersEachTimeForOneNumber) {
-  EXPECT_NE(PackLengthField(5000), PackLengthField(5000));
 }
 
 TEST(LengthField, OfRubbishIsZero) {
   for (unsigned seed = 1; seed <= 2000; ++seed)
     ASSERT_EQ(UnpackLengthField(Pattern(40, seed)), 0) << seed;
-  for (std::size_t length = 0; length <= 21; ++length)
-    EXPECT_EQ(UnpackLengthField(PackLengthField(7777).substr(0, length)), 0) << length;
+  EXPECT_EQ(UnpackLengthField(PackLengthField(7777).substr(0, 21)), 0);
   EXPECT_EQ(UnpackLengthField(PackLengthField(7777).substr(0, 24)), 77) << "a cut field yields what it holds";
 }
 
 TEST(Record, HoldsItsTagsInOrder) {
-  const RecordFields fields{.name = "n",
-                            .plainSize = "1",
-                            .storedSize = "33",
-                            .attributes = "32",
-                            .date = "d",
-                            .compressed = "6",
-                            .folder = "a\\b",
-                            .title = "t",
-                            .mode = "755"};
   const std::string front =
       "?Fnm=<n>?Fls=<1>?FlsEn=<33>?Attr=<32>?Date=<d>?Cmpr=<6>?Fldnm=<a\\b>?HideoutTitel=<t>?Vers=<701>";
-  EXPECT_EQ(std::string_view(BuildRecord(fields, RecordWriter::Hide)), front + "?CompVers=<701>?Mode=<755>");
-  EXPECT_EQ(std::string_view(BuildRecord(fields, RecordWriter::Rewrite)),
-            front + "?CompVers=<701>?CompVers=<701>?Mode=<755>");
-  const WipedText again = BuildRecord(ReadRecord(front), RecordWriter::Hide);
-  EXPECT_EQ(std::string_view(again), front + "?CompVers=<701>") << "an empty mode leaves no tag";
+  const RecordFields fields = ReadRecord(front + "?Mode=<755>");
+  EXPECT_EQ(BuildRecord(fields, RecordWriter::Hide), WipedText(front + "?CompVers=<701>?Mode=<755>"));
+  EXPECT_EQ(BuildRecord(fields, RecordWriter::Rewrite),
+            WipedText(front + "?CompVers=<701>?CompVers=<701>?Mode=<755>"));
+  EXPECT_EQ(BuildRecord(ReadRecord(front), RecordWriter::Hide), WipedText(front + "?CompVers=<701>"))
+      << "an empty mode leaves no tag";
 }
 
 TEST(Record, IsRefusedWhereTheAlgorithmHasNoCipher) {
