@@ -35,9 +35,7 @@ struct Hidden {
 /// Notes what it is shown.
 class BenchScreen : public Scripted<OpeningScreen> {
  public:
-  void ShowReading(Length passed, Length size) override {
-    script.Note("reading " + std::to_string(passed) + " of " + std::to_string(size));
-  }
+  void ShowReading(Length, Length) override {}
   void HideoutLoaded(TreeNode& root, std::size_t files) override {
     script.Note("loaded " + root.text + " " + std::to_string(files));
   }

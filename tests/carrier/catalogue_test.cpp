@@ -90,7 +90,7 @@ TEST(MirrorRow, HoldsItsColumns) {
   EXPECT_EQ(other.SubItem(6), "Yes") << "only a plain zero is none";
 }
 
-TEST(FileTypes, NumbersKeysInTheOrderOfTheirComingAndCutsTextsBetweenCharacters) {
+TEST(FileTypes, NumbersKeysInTheOrderOfTheirComing) {
   FileTypes types([](const std::string& name) { return name.ends_with(".none") ? "" : "type of " + name; });
   std::string icons;
   for (const char* name : {"a.txt", "b.TXT", "Setup.EXE", "install.exe", "other.exe", "Makefile", "x.none",
@@ -99,13 +99,6 @@ TEST(FileTypes, NumbersKeysInTheOrderOfTheirComingAndCutsTextsBetweenCharacters)
   EXPECT_EQ(icons, "4455622782");
   EXPECT_EQ(types.Of("b.TXT").text, "type of a.txt");
   EXPECT_EQ(types.Keys(), (Strings{"txt", "setup", "exe", "gz", "bashrc"}));
-  for (const std::size_t front : {0u, 1u, 2u}) {
-    std::string text(front, 'x');
-    for (int i = 0; i < 100; ++i)
-      text += "\xE4\xB8\xAD";
-    const std::string cut = FileTypes([&](const std::string&) { return text; }).Of("a.b").text;
-    EXPECT_TRUE(cut.size() > kTypeTextLimit - 3 && cut.size() <= kTypeTextLimit && cut.size() % 3 == front);
-  }
 }
 
 }  // namespace tarnel::test

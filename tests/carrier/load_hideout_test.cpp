@@ -18,20 +18,21 @@ using Fit = LoadRequest::Fit;
 const Under mine{"secret"}, theirs{"other"};
 
 /// mine and theirs in turn, three files each; the newest is one of theirs.
-void Interleave(CarrierBench& bench) {
-  for (const char* number : {"1", "2", "3"}) {
-    bench.Hide({.name = std::string("mine") + number, .title = std::string("Title ") + number}, mine);
-    bench.Hide({std::string("theirs") + number}, theirs);
+struct Interleaved : CarrierBench {
+  Interleaved() {
+    for (const std::string number : {"1", "2", "3"}) {
+      Hide({.name = "mine" + number, .title = "Title " + number}, mine);
+      Hide({"theirs" + number}, theirs);
+    }
   }
-}
+};
 
 const Strings mineNewestFirst{"mine3", "mine2", "mine1"}, theirsNewestFirst{"theirs3", "theirs2", "theirs1"};
 
 }  // namespace
 
 TEST(LoadHideout, ListsTheEntriesOfOneKeyNewestFirst) {
-  CarrierBench bench(1000);
-  Interleave(bench);
+  Interleaved bench;
   ASSERT_EQ(bench.Load(mine), LoadResult::Loaded);
   EXPECT_EQ(bench.Names(), mineNewestFirst);
   EXPECT_EQ(bench.screen.script.Transcript().back(), "loaded Title 3 3")
@@ -61,19 +62,6 @@ TEST(LoadHideout, ReadsTheExampleOfTheFormatPageForEver) {
   EXPECT_EQ(bench.ContentOf(bench.catalogue.Rows()[0]), "hello");
 }
 
-TEST(LoadHideout, YieldsBeforeEachEntryAndShowsProgressFromTheFirstFileOn) {
-  CarrierBench bench(1000);
-  bench.Hide({"a"}, mine);
-  const Length first = bench.Size();
-  bench.Hide({"b"}, theirs);
-  bench.Load(theirs);
-  const auto reading = [&](Length trailer) {
-    return "reading " + std::to_string(bench.Size() - trailer) + " of " + std::to_string(bench.Size());
-  };
-  EXPECT_EQ(bench.screen.script.Transcript(),
-            (Strings{"yield", "yield", reading(first - 79), "yield", reading(921), "loaded Title 1"}));
-}
-
 TEST(LoadHideout, ReplacesAnOpenHideoutByTheseRules) {
   const struct {
     Under open, wanted;
@@ -91,8 +79,7 @@ TEST(LoadHideout, ReplacesAnOpenHideoutByTheseRules) {
       {mine, {"wrong"}, Reload::Forced, {}, LoadResult::NotFound, mineNewestFirst},
   };
   for (const auto& c : cases) {
-    CarrierBench bench(1000);
-    Interleave(bench);
+    Interleaved bench;
     ASSERT_EQ(bench.Load(c.open), LoadResult::Loaded);
     const TreeNode* const before = bench.catalogue.FindRoot(bench.carrier);
     if (c.answer) bench.screen.script.Expect("load.reload", *c.answer);
@@ -106,8 +93,7 @@ TEST(LoadHideout, ReplacesAnOpenHideoutByTheseRules) {
 }
 
 TEST(LoadHideout, StopsAtANewestEntryThatDoesNotFitWhereOnlyThatCounts) {
-  CarrierBench bench(1000);
-  Interleave(bench);
+  Interleaved bench;
   EXPECT_EQ(bench.Load(mine, Reload::Forced, Fit::NewestEntry), LoadResult::NotFound);
   EXPECT_EQ(bench.Load(theirs, Reload::Forced, Fit::NewestEntry), LoadResult::Loaded);
   EXPECT_EQ(bench.Names(), theirsNewestFirst) << "behind the first fit, entries of others are passed over";
@@ -132,8 +118,7 @@ TEST(LoadHideout, ShutsTheGateAtAnotherFormatVersion) {
 
 TEST(LoadHideout, AbortedAtAnyYieldClosesWhatItHadBegunToRead) {
   for (std::size_t n = 1; n <= 7; ++n) {
-    CarrierBench bench(1000);
-    Interleave(bench);
+    Interleaved bench;
     bench.Load(theirs);
     const std::size_t already = bench.screen.script.Yields();
     bench.screen.script.onYield = [&](std::size_t yield) {
@@ -156,8 +141,7 @@ TEST(LoadHideout, IsTurnedAwayWhileAnotherReads) {
 }
 
 TEST(LoadHideout, AnswersErrorsAtEveryFileOperation) {
-  CarrierBench bench(1000);
-  Interleave(bench);
+  Interleaved bench;
   bench.Hide({"very long", std::string(6000, 'x'), std::string(6000, 'f')}, mine);
   const auto loadFrom = [&](FaultyFiles& files) {
     bench.catalogue.RemoveCarrier(bench.carrier);
@@ -238,12 +222,6 @@ TEST(OpenLocked, TakesTheFileThatTheNameMeansInTheEnd) {
       std::filesystem::rename(next, bench.carrier);
   };
   EXPECT_EQ(ReadFileSlice(*OpenLocked(bench.carrier, files), {1}, 100), "new bytes");
-}
-
-TEST(Companions, AreSeenEvenAsDanglingLinks) {
-  CarrierBench bench(10);
-  std::filesystem::create_symlink("nowhere", bench.folder / "carrier.bin.bak");
-  EXPECT_EQ(LeftoversBeside(bench.carrier, bench.posix), std::vector{bench.folder / "carrier.bin.bak"});
 }
 
 }  // namespace tarnel::test

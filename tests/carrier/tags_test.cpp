@@ -42,12 +42,6 @@ TEST(ReadNumber, ReadsAsFarAsANumberGoes) {
   }
 }
 
-TEST(CutAtNull, TrimsBlanksAndEndsBeforeTheFirstZeroByte) {
-  using namespace std::string_view_literals;
-  EXPECT_EQ(CutAtNull("  a b \0 c "sv), "a b ");
-  EXPECT_EQ(CutAtNull("\ta"), "\ta");
-}
-
 TEST(LengthField, KeepsEveryNumberInFortyCharactersThatDifferEachTime) {
   for (std::int64_t number = 0; number <= 9'999'999'999; number = number * 3 + 1) {
     const std::string field = PackLengthField(number);

@@ -94,12 +94,4 @@ TEST(Walk, ReportsACarrierThatBecomesShorter) {
   EXPECT_THROW(walk.Next(), Error);
 }
 
-TEST(ReadFileSlice, GivesWhatIsThereAndTakesNoHostileNumber) {
-  CarrierBench bench(100);
-  const auto file = bench.posix.OpenToRead(bench.carrier);
-  EXPECT_EQ(ReadFileSlice(*file, {91}, INT64_MAX), Pattern(100).substr(90));
-  EXPECT_EQ(ReadFileSlice(*file, {5000}, 5), "");
-  EXPECT_THROW(ReadFileSlice(*file, {0}, 5), Error);
-}
-
 }  // namespace tarnel::test
