@@ -1,7 +1,6 @@
 #include "retrieval/preview.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include "carrier/tags.h"
 #include "retrieval/run_update.h"
@@ -29,7 +28,6 @@ class Preview : public testing::Test {
     return RunUpdate({.previewFile = view.PreviewFile, .compressionLevel = level}, parcel, bench.faulty,
                      bench.rewriteScreen);
   }
-  ViewReturn Return() { return ReturnFromView(view.PreviewFile, view.PreviewFolder, screen, bench.files); }
   Script& script() { return bench.rewriteScreen.script; }
 
   TempFolder temp;
@@ -53,23 +51,18 @@ TEST_F(Preview, OpensAPrivateCopyFolderFirst) {
   EXPECT_EQ(bench.posix.Stat(view.PreviewFile)->mode, 0600u);
 }
 
-TEST_F(Preview, LeavesNothingPlainBehindACancelledView) {
-  bench.Hide({"a", Pattern(40000)}).Load();
-  screen.script.CancelAtYield(1);
-  View("a");
-  EXPECT_EQ(view.ending, ViewEnding::Cancelled);
-  EXPECT_TRUE(opened.empty());
-  EXPECT_EQ(temp.Names().size(), 1u) << "the empty folder stays";
-}
-
-TEST_F(Preview, LeavesNothingBehindWhenTheEntryIsDamaged) {
+TEST_F(Preview, LeavesNothingPlainBehindADamagedEntryOrACancel) {
   bench.Hide({"a", Pattern(40000)}).Load();
   bench.FlipBit(20000, 1);
   screen.script.Expect("view.error", Answer::Retry).Expect("view.error", Answer::Abort);
   View("a");
   EXPECT_EQ(view.ending, ViewEnding::Aborted);
-  EXPECT_TRUE(opened.empty());
   EXPECT_EQ(temp.Names(), Strings{});
+  screen.script.CancelAtYield(0);
+  View("a");
+  EXPECT_EQ(view.ending, ViewEnding::Cancelled);
+  EXPECT_EQ(temp.Names().size(), 1u) << "the empty folder stays";
+  EXPECT_TRUE(opened.empty());
 }
 
 TEST_F(Preview, MovesAnUpdatedEntryToTheEndAndFindsItAgain) {
@@ -77,8 +70,7 @@ TEST_F(Preview, MovesAnUpdatedEntryToTheEndAndFindsItAgain) {
   bench.Hide({"b", "bb"}).Load();
   View("a");
   script().Always("update.confirm", Answer::Yes);
-  for (const std::string& content :
-       Strings{std::string("edited"), std::string(), Pattern(50000), Pattern(50000)}) {
+  for (const std::string& content : Strings{"edited", "", Pattern(50000), Pattern(50000)}) {
     WriteAll(view.PreviewFile, content);
     const std::string sizeBefore = parcel.ViewPlainSize;
     EXPECT_EQ(Update().ending, RewriteEnding::Done);
@@ -124,47 +116,67 @@ TEST_F(Preview, UpdatesNothingWithoutTheFileOrTheConsent) {
   EXPECT_EQ(bench.folder.Names(), Strings{"carrier.bin"});
 }
 
-TEST_F(Preview, GivesTheReadOnlyFlagBackWhenAnUpdateIsCancelledButNotAfterAbort) {
-  for (const bool cancel : {true, false}) {
-    RetrievalBench one(40000);
-    one.Hide({"a", "old"}).Load();
-    ASSERT_EQ(::chmod(one.carrier.c_str(), 0444), 0);
-    PreviewParcel mine = ParcelOf(one.catalogue.Rows()[0]);
-    const std::string tail = mine.ViewTail;
-    one.rewriteScreen.script.Expect("update.confirm", Answer::Yes);
-    if (cancel) {
-      one.rewriteScreen.script.CancelAtYield(2);
-    } else {
-      one.files.Fail({.counts = [](const Operation& o) { return o.name == "File.WriteAt"; }});
-      one.rewriteScreen.script.Expect("update.error", Answer::Abort);
-    }
-    const UpdateResult result =
-        RunUpdate({.previewFile = one.folder.Put("new", "edited")}, mine, one.faulty, one.rewriteScreen);
-    EXPECT_EQ(result.ending, cancel ? RewriteEnding::Cancelled : RewriteEnding::Aborted);
-    EXPECT_EQ(one.posix.Stat(one.carrier)->mode, cancel ? 0444u : 0644u);
-    EXPECT_EQ(mine.ViewTail, tail);
-    EXPECT_FALSE(std::filesystem::exists(one.temporary));
-  }
-}
-
-TEST_F(Preview, ReturnsByDestroyingTheFileWhicheverYesItHears) {
-  for (const bool first : {true, false}) {
-    bench.Hide({"a", "old"}).Load();
+TEST_F(Preview, IsLeftByDestroyingFileAndFolder) {
+  using Talk = std::vector<std::pair<std::string, Answer>>;
+  const struct {
+    const char* failing;
+    ErrorNumber number;
+    Talk talk;
+    ViewReturn ends;
+    bool fileStays, folderStays;
+  } cases[] = {
+      {"", {}, {{"view.return", Answer::Yes}}, ViewReturn::Leave, false, false},
+      {"",
+       {},
+       {{"view.return", Answer::No}, {"view.return-without", Answer::Yes}},
+       ViewReturn::Leave,
+       false,
+       false},
+      {"",
+       {},
+       {{"view.return", Answer::No}, {"view.return-without", Answer::No}},
+       ViewReturn::Stay,
+       true,
+       true},
+      {"Files.Remove",
+       ErrorNumber::DeviceIo,
+       {{"view.return", Answer::Yes},
+        {"destroy.error", Answer::Abort},
+        {"view.locked", Answer::Retry},
+        {"view.return", Answer::Yes}},
+       ViewReturn::Leave,
+       false,
+       false},
+      {"Folder.RemoveFolder",
+       ErrorNumber::PermissionDenied,
+       {{"view.return", Answer::Yes}, {"view.attention", Answer::Ok}},
+       ViewReturn::Leave,
+       false,
+       true},
+      {"Folder.RemoveFolder",
+       ErrorNumber::PathFileAccess,
+       {{"view.return", Answer::Yes}, {"view.locked", Answer::Cancel}, {"view.attention", Answer::Ok}},
+       ViewReturn::Leave,
+       false,
+       true},
+      {"Folder.RemoveFolder",
+       ErrorNumber::DeviceIo,
+       {{"view.return", Answer::Yes}, {"view.error", Answer::Abort}, {"view.attention", Answer::Ok}},
+       ViewReturn::Leave,
+       false,
+       true},
+  };
+  bench.Hide({"a", "old"}).Load();
+  for (const auto& c : cases) {
     View("a");
     WriteAll(view.PreviewFolder / "a~", "the application's own copy");
-    screen.script.Expect("view.return", first ? Answer::Yes : Answer::No);
-    if (!first) screen.script.Expect("view.return-without", Answer::Yes);
-    EXPECT_EQ(Return(), ViewReturn::Leave);
-    EXPECT_EQ(temp.Names(), Strings{});
+    bench.files.Fail({.number = c.number, .counts = [&](const Operation& o) { return o.name == c.failing; }});
+    for (const auto& [id, answer] : c.talk)
+      screen.script.Expect(id, answer);
+    EXPECT_EQ(ReturnFromView(view.PreviewFile, view.PreviewFolder, screen, bench.files), c.ends);
+    EXPECT_EQ(std::filesystem::exists(view.PreviewFile), c.fileStays) << c.failing;
+    EXPECT_EQ(std::filesystem::exists(view.PreviewFolder), c.folderStays) << c.failing;
   }
-}
-
-TEST_F(Preview, StaysWhenBothAnswersAreNo) {
-  bench.Hide({"a", "old"}).Load();
-  View("a");
-  screen.script.Expect("view.return", Answer::No).Expect("view.return-without", Answer::No);
-  EXPECT_EQ(Return(), ViewReturn::Stay);
-  EXPECT_EQ(ReadAll(view.PreviewFile), "old");
 }
 
 TEST_F(Preview, LeavesTheFolderBehindWhenTheFileHasGone) {
@@ -172,44 +184,8 @@ TEST_F(Preview, LeavesTheFolderBehindWhenTheFileHasGone) {
   View("a");
   std::filesystem::remove(view.PreviewFile);
   screen.script.Expect("view.return", Answer::Yes);
-  EXPECT_EQ(Return(), ViewReturn::Leave);
+  EXPECT_EQ(ReturnFromView(view.PreviewFile, view.PreviewFolder, screen, bench.files), ViewReturn::Leave);
   EXPECT_TRUE(std::filesystem::exists(view.PreviewFolder));
-}
-
-TEST_F(Preview, TellsWhenSomethingCantBeDestroyed) {
-  bench.Hide({"a", "old"}).Load();
-  View("a");
-  bench.files.Fail({.counts = [](const Operation& o) { return o.name == "Files.Remove"; }});
-  screen.script.Expect("view.return", Answer::Yes)
-      .Expect("destroy.error", Answer::Abort)
-      .Expect("view.locked", Answer::Retry)
-      .Expect("view.return", Answer::Yes);
-  EXPECT_EQ(Return(), ViewReturn::Leave);
-  EXPECT_EQ(temp.Names(), Strings{});
-}
-
-TEST_F(Preview, HasItsOwnWordsForAFolderThatCantGo) {
-  struct Case {
-    ErrorNumber number;
-    Strings asked;
-  };
-  for (const Case& c :
-       std::vector<Case>{{ErrorNumber::PermissionDenied, {"view.return", "view.attention"}},
-                         {ErrorNumber::PathFileAccess, {"view.return", "view.locked", "view.attention"}},
-                         {ErrorNumber::DeviceIo, {"view.return", "view.error", "view.attention"}}}) {
-    bench.Hide({"a", "old"}).Load();
-    View("a");
-    bench.files.Fail(
-        {.number = c.number, .counts = [](const Operation& o) { return o.name == "Folder.RemoveFolder"; }});
-    ViewScript person;
-    person.script.Always("view.return", Answer::Yes).Always("view.locked", Answer::Cancel);
-    person.script.Always("view.error", Answer::Abort).Always("view.attention", Answer::Ok);
-    EXPECT_EQ(ReturnFromView(view.PreviewFile, view.PreviewFolder, person, bench.files), ViewReturn::Leave);
-    Strings asked;
-    for (const Question& question : person.script.Asked())
-      asked.push_back(question.id);
-    EXPECT_EQ(asked, c.asked);
-  }
 }
 
 }  // namespace tarnel::test

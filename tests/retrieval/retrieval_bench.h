@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "carrier/companions.h"
 #include "crypto/compression.h"
 #include "retrieval/run_delete.h"
 #include "retrieval/run_extract.h"

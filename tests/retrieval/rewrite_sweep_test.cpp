@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <functional>
+#include <set>
 
 #include "retrieval/run_update.h"
 #include "tests/retrieval/retrieval_bench.h"
@@ -10,12 +12,14 @@
 namespace tarnel::test {
 namespace {
 
-/// One of the three rewriters on a carrier of two interleaved hideouts.
+/// One of the three rewriters on a write-protected carrier of two interleaved hideouts.
 struct Rewriter {
   const char* name;
   std::function<RewriteEnding(RetrievalBench&)> run;
   Under underAfter;
   Strings contentsAfter;
+  mode_t modeAfterAbort;
+  std::set<mode_t> modesAfterCancel;  ///< inside a copy and between copies
 };
 
 const std::string kBig = Pattern(33000, 7);
@@ -26,9 +30,12 @@ void PrintTo(const Rewriter& rewriter, std::ostream* stream) {
 
 RewriteEnding UpdateB(RetrievalBench& bench) {
   PreviewParcel parcel = ParcelOf(bench.catalogue.Rows()[bench.RowNamed("b")]);
-  return RunUpdate({.previewFile = bench.folder.Put("edited", kBig)}, parcel, bench.faulty,
-                   bench.rewriteScreen)
-      .ending;
+  const std::string tail = parcel.ViewTail;
+  const RewriteEnding ending =
+      RunUpdate({.previewFile = bench.folder.Put("edited", kBig)}, parcel, bench.faulty, bench.rewriteScreen)
+          .ending;
+  EXPECT_EQ(parcel.ViewTail == tail, ending != RewriteEnding::Done);
+  return ending;
 }
 
 class Rewrite : public testing::TestWithParam<Rewriter> {
@@ -49,7 +56,7 @@ class Rewrite : public testing::TestWithParam<Rewriter> {
           .Hide({"y", "hers"}, kOther);
       before = ReadAll(bench->carrier);
     }
-    WriteAll(bench->carrier, before);
+    WriteAll(bench->carrier, before, 0444);
     bench->Load();
     bench->rewriteScreen.script.Always("update.confirm", Answer::Yes).Always("load.error", Answer::Abort);
     for (const std::string name : {"delete", "update", "password"})
@@ -111,16 +118,16 @@ TEST_P(Rewrite, LeavesTheOldCarrierWhereverItIsCancelled) {
   const auto quiet = Bench();
   ASSERT_EQ(Run(*quiet), RewriteEnding::Done);
   const std::size_t yields = quiet->rewriteScreen.script.Yields();
-  std::size_t cancelled = 0;
+  std::set<mode_t> modes;
   for (std::size_t n = 0; n <= yields; ++n) {
     const auto bench = Bench();
     bench->rewriteScreen.script.CancelAtYield(n);
     const RewriteEnding ending = Run(*bench);
     ExpectOldOrNew(*bench, ending);
-    if (ending == RewriteEnding::Cancelled) ++cancelled;
+    if (ending == RewriteEnding::Cancelled) modes.insert(bench->posix.Stat(bench->carrier)->mode);
     EXPECT_FALSE(std::filesystem::exists(bench->temporary));
   }
-  EXPECT_GE(cancelled, 2u);
+  EXPECT_EQ(modes, GetParam().modesAfterCancel);
 }
 
 TEST_P(Rewrite, LeavesTheOldCarrierOnAFullDisk) {
@@ -131,27 +138,84 @@ TEST_P(Rewrite, LeavesTheOldCarrierOnAFullDisk) {
     bench->rewriteScreen.script.Always(std::string(GetParam().name) + ".error", Answer::Abort);
     const RewriteEnding ending = Run(*bench);
     ExpectOldOrNew(*bench, ending);
+    EXPECT_EQ(bench->posix.Stat(bench->carrier)->mode,
+              ending == RewriteEnding::Done ? 0444 : GetParam().modeAfterAbort);
     EXPECT_FALSE(std::filesystem::exists(bench->temporary));
   }
 }
 
-TEST_P(Rewrite, NeverLeavesTheCarrierWithoutAFile) {
+TEST_P(Rewrite, WritesTheNewCarrierThroughAndLocksItBeforeItTakesThePlaceOfTheOldOne) {
   const auto bench = Bench();
   bench->files.before = [&](const Operation& operation) {
     EXPECT_TRUE(std::filesystem::exists(bench->carrier)) << operation.name;
   };
   EXPECT_EQ(Run(*bench), RewriteEnding::Done);
+  std::string last;
+  for (const Operation& operation : bench->files.Record())
+    for (const std::string name :
+         {"File.WriteAt", "File.Sync", "File.Lock", "Files.Rename", "Files.SyncFolder"})
+      if (operation.name == name) last += " " + name;
+  EXPECT_TRUE(last.ends_with(" File.WriteAt File.Sync File.Lock Files.Rename Files.SyncFolder")) << last;
+}
+
+TEST_P(Rewrite, KeepsTheModeOfACarrierAndALinkToIt) {
+  for (const mode_t mode : {0400u, 0444u, 0600u, 0755u}) {
+    const auto bench = Bench();
+    const Path real = bench->folder / "real.bin";
+    std::filesystem::rename(bench->carrier, real);
+    std::filesystem::create_symlink(real, bench->carrier);
+    ::chmod(real.c_str(), mode);
+    bench->folder.Put("edited", kBig);
+    const OrdinaryUser user(bench->folder);
+    EXPECT_EQ(Run(*bench), RewriteEnding::Done);
+    ExpectOldOrNew(*bench, RewriteEnding::Done);
+    EXPECT_TRUE(std::filesystem::is_symlink(bench->carrier));
+    EXPECT_EQ(bench->posix.Stat(real, Files::Links::DontFollow)->mode, mode);
+  }
+}
+
+TEST_P(Rewrite, RefusesACarrierThatChangedSinceItWasReadOrIsLocked) {
+  const auto bench = Bench();
+  const std::string longer = std::string(before).insert(50, "x");
+  for (const std::string& bytes : {before, longer, std::string(), Pattern(50)}) {
+    WriteAll(bench->carrier, bytes);
+    const auto held = bytes == before ? OpenLocked(bench->carrier, bench->posix) : nullptr;
+    EXPECT_THROW(GetParam().run(*bench), Error);
+    EXPECT_EQ(ReadAll(bench->carrier), bytes);
+    EXPECT_FALSE(std::filesystem::exists(bench->temporary));
+  }
+}
+
+TEST_P(Rewrite, RefusesWhereAFileOfTheUserLies) {
+  const auto bench = Bench();
+  WriteAll(bench->temporary, "precious");
+  try {
+    GetParam().run(*bench);
+    ADD_FAILURE() << "replaced the user's file";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.Number(), ErrorNumber::FileExists);
+    EXPECT_EQ(error.Path(), bench->temporary);
+  }
+  EXPECT_EQ(ReadAll(bench->temporary), "precious");
+  EXPECT_EQ(ReadAll(bench->carrier), before);
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Each, Rewrite,
-    testing::Values(
-        Rewriter{"delete", [](RetrievalBench& bench) { return bench.Delete({"a"}).ending; }, {}, {"b=two"}},
-        Rewriter{"update", UpdateB, {}, {"a=" + Pattern(16000), "b=" + kBig}},
-        Rewriter{"password",
-                 [](RetrievalBench& bench) { return bench.ChangePassword("secret", "new").ending; },
-                 {"new"},
-                 {"a=" + Pattern(16000), "b=two"}}),
+    testing::Values(Rewriter{"delete",
+                             [](RetrievalBench& bench) { return bench.Delete({"a"}).ending; },
+                             {},
+                             {"b=two"},
+                             0444,
+                             {0444, 0644}},
+                    Rewriter{"update", UpdateB, {}, {"a=" + Pattern(16000), "b=" + kBig}, 0644, {0444}},
+                    Rewriter{
+                        "password",
+                        [](RetrievalBench& bench) { return bench.ChangePassword("secret", "new").ending; },
+                        {"new"},
+                        {"a=" + Pattern(16000), "b=two"},
+                        0444,
+                        {0644}}),
     [](const auto& instance) { return std::string(instance.param.name); });
 
 }  // namespace
