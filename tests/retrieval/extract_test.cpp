@@ -41,21 +41,6 @@ class Extract : public testing::Test {
 
 }  // namespace
 
-TEST_F(Extract, BringsBackBytesNamesFoldersAndCompressedFiles) {
-  const std::string odd = "l\xc3\xa4ngs > \xff\n|?";
-  bench.Hide({"empty", ""}).Hide({"exact", Pattern(30000), "a\\b"}).Hide({odd, Pattern(70001)});
-  bench.Compressed({"text", SampleText(200000), "a"}).Hide({"foreign", "no"}, kOther);
-  bench.Load();
-  const ExtractResult result = bench.Extract(bench.All());
-  EXPECT_EQ(result.ending, ExtractEnding::Done);
-  EXPECT_EQ(result.extracted, 4u);
-  EXPECT_EQ(Out(), (Strings{"a", "a/b", "a/b/exact", "a/text", "empty", odd}));
-  EXPECT_EQ(Content("empty"), "");
-  EXPECT_EQ(Content("a/b/exact"), Pattern(30000));
-  EXPECT_EQ(Content(odd), Pattern(70001));
-  EXPECT_EQ(Content("a/text"), SampleText(200000));
-}
-
 TEST_F(Extract, ShowsEachFileAndYieldsBehindEachFullBlock) {
   bench.Hide({"b", Pattern(30000 - 32)}).Hide({"a", Pattern(15000)});
   bench.Load();
@@ -215,18 +200,6 @@ TEST_F(Extract, NeverGivesWrongBytesWhateverBitIsFlipped) {
       ASSERT_EQ(Out().size(), 1u);
       std::filesystem::remove(bench.target / Out()[0]);
     }
-}
-
-TEST_F(Extract, NeverGivesWrongBytesWhereverTheCarrierIsCut) {
-  bench.Hide({"a", Pattern(100)}).Load();
-  const std::string whole = ReadAll(bench.carrier);
-  const std::size_t payloadEnd = 100 + 132;
-  script().Always("extract.error", Answer::Ignore);
-  for (std::size_t length = 0; length < payloadEnd; ++length) {
-    WriteAll(bench.carrier, whole.substr(0, length));
-    ASSERT_EQ(bench.Extract(bench.All()).leftOut, Strings{"a"});
-  }
-  EXPECT_TRUE(Out().empty());
 }
 
 TEST_F(Extract, SaysWhatIsDamagedAndGoesOnOrEnds) {

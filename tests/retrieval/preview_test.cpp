@@ -117,75 +117,45 @@ TEST_F(Preview, UpdatesNothingWithoutTheFileOrTheConsent) {
 }
 
 TEST_F(Preview, IsLeftByDestroyingFileAndFolder) {
-  using Talk = std::vector<std::pair<std::string, Answer>>;
+  const Answer yes = Answer::Yes;
+  const Answer no = Answer::No;
   const struct {
     const char* failing;
     ErrorNumber number;
-    Talk talk;
-    ViewReturn ends;
-    bool fileStays, folderStays;
-  } cases[] = {
-      {"", {}, {{"view.return", Answer::Yes}}, ViewReturn::Leave, false, false},
-      {"",
-       {},
-       {{"view.return", Answer::No}, {"view.return-without", Answer::Yes}},
-       ViewReturn::Leave,
-       false,
-       false},
-      {"",
-       {},
-       {{"view.return", Answer::No}, {"view.return-without", Answer::No}},
-       ViewReturn::Stay,
-       true,
-       true},
-      {"Files.Remove",
-       ErrorNumber::DeviceIo,
-       {{"view.return", Answer::Yes},
-        {"destroy.error", Answer::Abort},
-        {"view.locked", Answer::Retry},
-        {"view.return", Answer::Yes}},
-       ViewReturn::Leave,
-       false,
-       false},
-      {"Folder.RemoveFolder",
-       ErrorNumber::PermissionDenied,
-       {{"view.return", Answer::Yes}, {"view.attention", Answer::Ok}},
-       ViewReturn::Leave,
-       false,
-       true},
-      {"Folder.RemoveFolder",
-       ErrorNumber::PathFileAccess,
-       {{"view.return", Answer::Yes}, {"view.locked", Answer::Cancel}, {"view.attention", Answer::Ok}},
-       ViewReturn::Leave,
-       false,
-       true},
-      {"Folder.RemoveFolder",
-       ErrorNumber::DeviceIo,
-       {{"view.return", Answer::Yes}, {"view.error", Answer::Abort}, {"view.attention", Answer::Ok}},
-       ViewReturn::Leave,
-       false,
-       true},
-  };
+    Answer first, second, locked;
+    std::string asked;
+    std::size_t left;  ///< of the folder, the file and another one
+  } cases[] = {{"", {}, yes, no, {}, "return", 0},
+               {"", {}, no, yes, {}, "return return-without", 0},
+               {"", {}, no, no, {}, "return return-without", 3},
+               {"Files.Remove", {}, yes, no, Answer::Retry, "return locked return", 0},
+               {"Folder.RemoveFolder", ErrorNumber::PermissionDenied, yes, no, {}, "return attention", 1},
+               {"Folder.RemoveFolder", ErrorNumber::PathFileAccess, yes, no, Answer::Cancel,
+                "return locked attention", 1},
+               {"Folder.RemoveFolder", ErrorNumber::DeviceIo, yes, no, {}, "return error attention", 1}};
   bench.Hide({"a", "old"}).Load();
   for (const auto& c : cases) {
     View("a");
     WriteAll(view.PreviewFolder / "a~", "the application's own copy");
     bench.files.Fail({.number = c.number, .counts = [&](const Operation& o) { return o.name == c.failing; }});
-    for (const auto& [id, answer] : c.talk)
-      screen.script.Expect(id, answer);
-    EXPECT_EQ(ReturnFromView(view.PreviewFile, view.PreviewFolder, screen, bench.files), c.ends);
-    EXPECT_EQ(std::filesystem::exists(view.PreviewFile), c.fileStays) << c.failing;
-    EXPECT_EQ(std::filesystem::exists(view.PreviewFolder), c.folderStays) << c.failing;
+    ViewScript person;
+    person.script.Always("view.return", c.first).Always("view.return-without", c.second);
+    person.script.Always("view.locked", c.locked).Always("view.error", Answer::Abort);
+    person.script.Always("view.attention", Answer::Ok).Always("destroy.error", Answer::Abort);
+    const ViewReturn ending = ReturnFromView(view.PreviewFile, view.PreviewFolder, person, bench.files);
+    EXPECT_EQ(ending == ViewReturn::Stay, c.left == 3);
+    std::string asked;
+    for (const Question& question : person.script.Asked())
+      if (question.id.starts_with("view.")) asked += (asked.empty() ? "" : " ") + question.id.substr(5);
+    EXPECT_EQ(asked, c.asked);
+    EXPECT_EQ(temp.Names().size(), c.left) << c.asked;
+    std::filesystem::remove_all(view.PreviewFolder);
   }
-}
-
-TEST_F(Preview, LeavesTheFolderBehindWhenTheFileHasGone) {
-  bench.Hide({"a", "old"}).Load();
   View("a");
   std::filesystem::remove(view.PreviewFile);
-  screen.script.Expect("view.return", Answer::Yes);
+  screen.script.Expect("view.return", yes);
   EXPECT_EQ(ReturnFromView(view.PreviewFile, view.PreviewFolder, screen, bench.files), ViewReturn::Leave);
-  EXPECT_TRUE(std::filesystem::exists(view.PreviewFolder));
+  EXPECT_TRUE(std::filesystem::exists(view.PreviewFolder)) << "it is left with whatever lies in it";
 }
 
 }  // namespace tarnel::test

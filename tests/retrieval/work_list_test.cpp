@@ -35,50 +35,43 @@ TEST(FolderParts, AreThePlatformsNames) {
 
 class WorkList : public testing::Test {
  protected:
+  using Rows = std::vector<std::size_t>;
+
   WorkList() {
     bench.Hide({"p", "x", "Pics"}).Hide({"q", "x", "Pics2\\a"}).Hide({"r", "x", ""}).Hide({"s", "x", "Pics"});
-    bench.Load();
+    bench.Load();  // the newest is row 0
   }
-  Strings NamesOf(const std::vector<std::size_t>& rows) const {
-    Strings names;
-    for (const std::size_t row : rows)
-      names.push_back(bench.Names()[row]);
-    return names;
-  }
-  Strings Chosen(std::vector<ExtractChoice> choices) const {
+  Rows Chosen(std::vector<ExtractChoice> choices) const {
     ExtractRequest request = bench.All();
     request.all = false;
     request.choices = std::move(choices);
-    return NamesOf(ExtractWorkList(request, bench.catalogue));
+    return ExtractWorkList(request, bench.catalogue);
   }
   static ExtractChoice Folder(std::string itemFolder) {
     return {.kind = ExtractChoice::Kind::Folder, .itemFolder = std::move(itemFolder)};
   }
-  ExtractChoice File(const std::string& name) const {
-    return {.row = bench.RowNamed(name), .itemFolder = {}};
-  }
+  static ExtractChoice File(std::size_t row) { return {.row = row, .itemFolder = {}}; }
 
   RetrievalBench bench{100};
 };
 
 TEST_F(WorkList, FollowsTheRowsOrTheChoices) {
-  EXPECT_EQ(NamesOf(ExtractWorkList(bench.All(), bench.catalogue)), (Strings{"s", "r", "q", "p"}));
-  EXPECT_EQ(Chosen({File("p"), File("r")}), (Strings{"p", "r"}));
-  EXPECT_EQ(Chosen({}), Strings{});
-  EXPECT_EQ(Chosen({Folder("Pics")}), (Strings{"s", "q", "p"})) << "neighbours whose name begins alike too";
-  EXPECT_EQ(Chosen({Folder("Pics2"), File("q")}), (Strings{"q", "q"}));
+  EXPECT_EQ(ExtractWorkList(bench.All(), bench.catalogue), (Rows{0, 1, 2, 3}));
+  EXPECT_EQ(Chosen({File(3), File(1)}), (Rows{3, 1}));
+  EXPECT_EQ(Chosen({Folder("Pics")}), (Rows{0, 2, 3})) << "neighbours whose name begins alike too";
+  EXPECT_EQ(Chosen({Folder("Pics2"), File(2)}), (Rows{2, 2}));
   bench.carrier = bench.folder / "other.bin";
-  EXPECT_EQ(NamesOf(ExtractWorkList(bench.All(), bench.catalogue)), Strings{});
+  EXPECT_EQ(ExtractWorkList(bench.All(), bench.catalogue), Rows{});
 }
 
 TEST_F(WorkList, OfADeletionShrinksUntilItRunsAndClosesTheFormOnlyByUnchecking) {
-  DeleteList list({Folder("Pics"), File("r")}, bench.catalogue, bench.carrier);
-  EXPECT_EQ(NamesOf(list.MirrorRows()), (Strings{"s", "q", "p", "r"}));
+  DeleteList list({Folder("Pics"), File(1)}, bench.catalogue, bench.carrier);
+  EXPECT_EQ(list.MirrorRows(), (Rows{0, 2, 3, 1}));
   EXPECT_EQ(list.Rows()[1].size, "0 KB");
   EXPECT_EQ(list.Rows()[1].folder, "Pics2\\a");
   EXPECT_EQ(list.Uncheck(1), DeleteList::Unchecked::Removed);
   list.RemoveSelected({0, 1});
-  EXPECT_EQ(NamesOf(list.MirrorRows()), Strings{"r"});
+  EXPECT_EQ(list.MirrorRows(), Rows{1});
   DeleteList running = list;
   EXPECT_EQ(list.Uncheck(0), DeleteList::Unchecked::RemovedLast);
   running.BeginRunning();
