@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "carrier/tags.h"
 #include "tests/carrier/carrier_bench.h"
 
 namespace tarnel::test {

@@ -224,4 +224,10 @@ TEST(OpenLocked, TakesTheFileThatTheNameMeansInTheEnd) {
   EXPECT_EQ(ReadFileSlice(*OpenLocked(bench.carrier, files), {1}, 100), "new bytes");
 }
 
+TEST(Companions, AreSeenEvenAsDanglingLinks) {
+  CarrierBench bench(10);
+  std::filesystem::create_symlink("nowhere", bench.folder / "carrier.bin.bak");
+  EXPECT_EQ(LeftoversBeside(bench.carrier, bench.posix), std::vector{bench.folder / "carrier.bin.bak"});
+}
+
 }  // namespace tarnel::test

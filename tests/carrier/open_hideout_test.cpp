@@ -4,7 +4,6 @@
 
 #include <algorithm>
 
-#include "carrier/tags.h"
 #include "tests/carrier/carrier_bench.h"
 
 namespace tarnel::test {
@@ -59,21 +58,6 @@ TEST(TryPassword, EndsAsASuccessWhereTheOpenHideoutIsKept) {
   bench.Hide({"a"}).Load();
   bench.screen.script.Expect("load.reload", Answer::No);
   EXPECT_EQ(bench.TryPassword("secret"), LoadResult::KeptOpen);
-}
-
-TEST(CreateHideout, ReplacesTheNodeAndNotTheEntries) {
-  CarrierBench bench(1000);
-  bench.Hide({"a"}).Load();
-  const std::string before = ReadAll(bench.carrier);
-  TreeNode& root = CreateHideout(bench.carrier, Secret("pa>ss"), " \xC3\x84 \xD0\x96", Algorithm::TripleDes,
-                                 "TripleDES", bench.reading);
-  EXPECT_EQ(bench.Names(), Strings{});
-  EXPECT_EQ(bench.catalogue.Roots().size(), 1u);
-  EXPECT_EQ(std::string_view(root.Tag()),
-            "?CarrierFile=<" + bench.carrier.native() +
-                ">?CarrierTitel=<carrier.bin>?Passwort=<pa\2010+\235ss>?Algorithm=<TripleDES>"
-                "?HideoutTitel=< \304 \201GM\235>");
-  EXPECT_EQ(ReadAll(bench.carrier), before);
 }
 
 TEST(NewHideout, IsRefusedWhereItsCarrierIsMissingOrItsTextsWouldBreakTags) {
