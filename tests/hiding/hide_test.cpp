@@ -1,17 +1,19 @@
 #include <gtest/gtest.h>
 
-#include "hiding/questions.h"
+#include "base/attempt.h"
+#include "hiding/entry_writer.h"
 #include "tests/hiding/hide_bench.h"
 
 namespace tarnel::test {
 
 TEST(Hide, BringsEveryByteBackWhateverSizeNameCompressionAndOldBackup) {
   const std::size_t block = kCopyBlock;
-  for (const bool compress : {false, true}) {
+  for (const int level : {0, 6}) {  // level 0 would read as "not compressed"
     HideBench bench;
     bench.With({"x", "foreign"}, Under{"other"}).With({"a", "own"});
     bench.Row("one/a", "first").Row("two/a", "second");
-    bench.request.compress = compress;
+    bench.request.compress = true;
+    bench.request.compressionLevel = level;
     Contents contents{{"a", "own"}, {"a", "first"}, {"a", "second"}};
     for (const std::size_t size : {std::size_t{0}, std::size_t{1}, block - 33, block - 32, block - 31, block,
                                    2 * block - 32, 16 * block - 32, 33 * block + 1}) {
@@ -47,31 +49,26 @@ TEST(Hide, ShowsItsStagesInTheirOrder) {
 }
 
 TEST(Hide, WritesARecordOfTheFileAsItStands) {
-  const struct {
-    mode_t mode;
-    int level;
-    bool saveFolders;
-    const char* record;
-  } cases[] = {{0644, 6, true, "?Attr=<32>?Cmpr=<6>?Fldnm=<docs\\old>?Mode=<>"},
-               {0444, 9, true, "?Attr=<33>?Cmpr=<9>?Fldnm=<docs\\old>?Mode=<>"},
-               {0755, 0, false, "?Attr=<32>?Cmpr=<0>?Fldnm=<>?Mode=<755>"},  // level 0: not compressed
-               {0400, 1, false, "?Attr=<33>?Cmpr=<1>?Fldnm=<>?Mode=<400>"}};
-  for (const auto& c : cases) {
+  for (const bool saveFolders : {false, true}) {
     HideBench bench;
-    bench.Row("a.txt", "content", "docs\\old", c.mode);
+    for (const mode_t mode : {0644U, 0444U, 0755U, 0400U})
+      bench.Row("a" + std::to_string(mode), "content", "docs\\old", mode);
     bench.request.compress = true;
-    bench.request.compressionLevel = c.level;
-    bench.request.saveFolders = c.saveFolders;
+    bench.request.compressionLevel = 9;
+    bench.request.saveFolders = saveFolders;
     bench.RunHide();
-    EXPECT_EQ(bench.Found(), (Contents{{"a.txt", "content"}}));
-    const MirrorRow& row = bench.catalogue.Rows().at(0);
-    std::string record;
-    for (const auto key : {tag::kAttributes, tag::kCompressed, tag::kFolder, tag::kMode})
-      record += std::string(key) + std::string(row.Field(key)) + ">";
-    EXPECT_EQ(record, c.record);
-    EXPECT_EQ(row.Field(tag::kPlainSize), "7");
-    EXPECT_EQ(row.Field(tag::kStoredSize), std::to_string(row.size));
-    EXPECT_EQ(row.Field(tag::kTitle), "Title");
+    EXPECT_EQ(bench.Found().size(), 4U);
+    Strings records;
+    for (const MirrorRow& row : bench.catalogue.Rows()) {
+      records.emplace_back(row.Field(tag::kAttributes));
+      records.back() += " " + std::string(row.Field(tag::kMode));
+      EXPECT_EQ(row.Folder(), saveFolders ? "docs\\old" : "");
+      EXPECT_EQ(row.Field(tag::kCompressed), "9");
+      EXPECT_EQ(row.Field(tag::kPlainSize), "7");
+      EXPECT_EQ(row.Field(tag::kStoredSize), std::to_string(row.size));
+      EXPECT_EQ(row.Field(tag::kTitle), "Title");
+    }
+    EXPECT_EQ(records, (Strings{"33 400", "32 755", "33 ", "32 "}));
   }
 }
 
@@ -135,17 +132,18 @@ TEST(Hide, GoesOnWhenTheUserHasMadeRoomAndNamesTheBytesThatItNeeds) {
 TEST(Hide, CancelAtEveryYieldLeavesTheOldCarrierOrACompleteOne) {
   for (std::size_t n = 0;; ++n) {
     HideBench bench;
-    bench.With({"old"}).Row("a.txt", Pattern(2 * kCopyBlock)).Row("b.txt", "short").Mode(0440);
+    bench.With({"old"}).Row("a.txt", Pattern(20 * kCopyBlock)).Row("b.txt", "short").Mode(0440);
     bench.request.originals = Originals::Destroy;
     bench.script.CancelAtYield(n);
     const HideResult result = bench.RunHide();
     EXPECT_FALSE(bench.BackupExists());
     if (result.ending == HideEnding::Done) {
       EXPECT_EQ(bench.Found().size(), 3U);
-      EXPECT_GE(n, 7U);
+      EXPECT_GE(n, 25U);
       break;
     }
     EXPECT_EQ(result.ending, HideEnding::Cancelled);
+    EXPECT_LE(bench.script.Yields(), n + 5) << "a cancel is seen at the next block";
     EXPECT_EQ(result.hidden, 0U);
     EXPECT_TRUE(bench.IsOld()) << "cancelled at yield " << n;
     EXPECT_TRUE(std::filesystem::exists(bench.Source("a.txt")));
@@ -228,6 +226,75 @@ TEST(Hide, WritesAgainAfterAFailedSyncOrKeepsBackupAndOriginals) {
     EXPECT_EQ(std::count(sync, calls.end(), "File.WriteAt"), retry ? 2 : 0);
     EXPECT_EQ(bench.Found(), (Contents{{"a.txt", Pattern(300000)}}));
   }
+}
+
+TEST(EntryWriter, EndsExactlyAtTheLimitAndNeverBehindIt) {
+  const Length end = kCarrierLimit - 2 * static_cast<Length>(kCopyBlock) - 4;
+  for (const std::size_t excess : {std::size_t{0}, std::size_t{1}}) {
+    HideBench bench;
+    bench.CutTo(end);  // sparse
+    HideProgress progress;
+    const auto carrier = bench.files.OpenToChange(bench.carrier);
+    EntryWriter writer(*carrier, end, bench.hideScreen, progress);
+    writer.Write(AsBytes(Pattern(2 * kCopyBlock)));
+    writer.FinishPayload();
+    const auto finish = [&] { writer.FinishEntry(std::string(4 + excess, 't')); };
+    if (excess == 0)
+      EXPECT_NO_THROW(finish());
+    else
+      EXPECT_THROW(finish(), Stop);
+    EXPECT_EQ(bench.Size(), kCarrierLimit - (excess ? 4 : 0));
+  }
+}
+
+TEST(HideRefusal, ComesForWhatBelongsToTheCarrierBeforeAnythingChanges) {
+  for (const std::string name : {"carrier.bin", "sources/../carrier.bin", "link", "second name",
+                                 "carrier.bin.bak", "link to backup", "carrier.bin.tmp"}) {
+    HideBench bench;
+    bench.Row("a.txt", "content").Mode(0444);
+    std::filesystem::create_symlink(bench.carrier, bench.folder / "link");
+    std::filesystem::create_hard_link(bench.carrier, bench.folder / "second name");
+    const Path backup = bench.folder.Put("carrier.bin.bak", "old backup");
+    std::filesystem::create_symlink(backup, bench.folder / "link to backup");
+    bench.folder.Put("carrier.bin.tmp", "left over");
+    bench.RowOf(bench.folder / name);
+    const Strings namesBefore = bench.folder.Names();
+    try {
+      bench.RunHide();
+      ADD_FAILURE() << "hid " << name;
+    } catch (const Error& error) {
+      EXPECT_EQ(error.Number(), ErrorNumber::PathFileAccess) << error.Description();
+    }
+    EXPECT_TRUE(bench.IsOld());
+    EXPECT_EQ(ReadAll(backup), "old backup");
+    EXPECT_EQ(bench.folder.Names(), namesBefore);
+  }
+}
+
+TEST(HideRefusal, ComesForALockedCarrierAndForAnAlgorithmWithoutCipher) {
+  for (const bool isLocked : {false, true}) {
+    HideBench bench;
+    bench.Row("a.txt", "content").Mode(0444);
+    const auto held = isLocked ? OpenLocked(bench.carrier, bench.posix) : nullptr;
+    if (!isLocked) bench.current.CurrentAlgorithmId = Algorithm::Rc4;
+    EXPECT_THROW(bench.RunHide(), Error);
+    EXPECT_TRUE(bench.IsOld());
+    EXPECT_FALSE(bench.BackupExists());
+  }
+}
+
+TEST(HideRefusal, WithoutABackupNothingIsHiddenEvenIfThatIsIgnored) {
+  HideBench bench;
+  bench.Row("a.txt", "content").Mode(0444);
+  bench.files.LimitSpace(500);
+  bench.request.originals = Originals::Destroy;
+  bench.script.Expect("hide.error", Answer::Ignore);
+  const HideResult result = bench.RunHide();
+  EXPECT_EQ(result.leftOut, std::vector<Path>{bench.Source("a.txt")});
+  EXPECT_EQ(result.backup, Path());
+  EXPECT_TRUE(bench.IsOld());
+  EXPECT_FALSE(bench.BackupExists());
+  EXPECT_EQ(ReadAll(bench.Source("a.txt")), "content");
 }
 
 }  // namespace tarnel::test

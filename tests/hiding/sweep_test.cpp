@@ -9,14 +9,14 @@ namespace tarnel::test {
 
 namespace {
 
-const std::string contentOfA = Pattern(kCopyBlock + 100);
 const std::string contentOfB = SampleText(40);
 
 /// Two files into a write-protected carrier that holds one already; the originals are to be destroyed.
 struct SweepBench : HideBench {
-  explicit SweepBench(HideEnding ending) {
+  explicit SweepBench(HideEnding ending)
+      : contentOfA(Pattern(ending == HideEnding::Done ? kCopyBlock + 100 : 17 * kCopyBlock)) {
     With({"old"}).Row("a.txt", contentOfA).Row("b.txt", contentOfB).Mode(0440);
-    request.compress = true;
+    request.compress = ending == HideEnding::Done;
     request.originals = Originals::Destroy;
     if (ending != HideEnding::Cancelled) return;
     script.onYield = [this](std::size_t) {
@@ -56,6 +56,8 @@ struct SweepBench : HideBench {
     EXPECT_TRUE(isWhole || (result->ending == HideEnding::Aborted && !result->backup.empty()));
     EXPECT_TRUE(result->ending != HideEnding::Cancelled || ReadAll(carrier) == oldBytes);
   }
+
+  const std::string contentOfA;  ///< takes two writes where the hide is cancelled
 };
 
 class HideSweep : public testing::TestWithParam<std::tuple<HideEnding, Answer, Times>> {};
