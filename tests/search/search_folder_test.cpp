@@ -13,8 +13,8 @@ namespace {
 
 using OddFiles = SearchRequest::OddFiles;
 
-class SearchTest : public testing::Test, protected CarrierBench {
- protected:
+class SearchTest : public testing::Test, public CarrierBench {
+ public:
   struct Screen : Scripted<SearchScreen> {
     void ShowFolder(const Path& at) override { script.Note(SearchingText(at.filename())); }
     void ShowFound(const SearchRow& row) override { script.Note("found " + row.name); }
@@ -58,10 +58,11 @@ TEST_F(SearchTest, TriesAllAlgorithmsOrJustTheChosenOne) {
     Carrier(std::string(offered.name) + ".png", {"secret", offered.algorithm});
   EXPECT_EQ(Run().found, 7u);
   for (std::size_t i = 1; i < kSearchAlgorithms.size(); ++i) {
-    const std::string name(kSearchAlgorithms[i]);
+    std::string name(kSearchAlgorithms[i]);
     request.algorithm = AlgorithmId(name);
     ASSERT_EQ(Found().size(), 1u) << name;
-    EXPECT_EQ(AlgorithmId(results.Rows()[0].carrier.stem().native()), *request.algorithm);
+    std::string stem = results.Rows()[0].carrier.stem();
+    EXPECT_EQ(AlgorithmId(stem), *request.algorithm);
     EXPECT_EQ(results.Rows()[0].algorithm, *request.algorithm);
   }
 }
@@ -89,17 +90,11 @@ TEST_F(SearchTest, AnEmptyPasswordIsRefusedBeforeAnyFileIsLookedAt) {
 }
 
 TEST_F(SearchTest, OnlyFilesOfTheChosenTypeAreOpened) {
-  Carrier("a.png").Carrier("b.mp").Carrier("c.snd").Carrier("noextension").Carrier("d.txt").Carrier("e.");
-  const struct {
-    std::size_t type;
-    Strings found;
-  } cases[] = {{0, {"a.png"}}, {7, {"a.png"}}, {12, {"b.mp"}}, {13, {}}, {16, {"c.snd"}}, {19, {}}};
-  for (const auto& c : cases) {
-    request.type = c.type;
-    EXPECT_EQ(Found(), c.found) << c.type;
-  }
+  Carrier("a.png").Carrier("b.jpg").Carrier("png").Carrier("d.txt").Carrier("e.");
+  request.type = 7;
+  EXPECT_EQ(Found(), Strings{"a.png"});
   for (const Operation& operation : files.Record())
-    EXPECT_FALSE(operation.path.filename() == "noextension" || operation.path.extension() == ".txt");
+    EXPECT_TRUE(operation.path == folder.Where() || operation.path == folder / "a.png") << operation.path;
 }
 
 TEST_F(SearchTest, ANewestEntryOfAnotherHideoutHidesOursUnlessTheWholeChainIsWalked) {
