@@ -24,10 +24,6 @@ struct Rewriter {
 
 const std::string kBig = Pattern(33000, 7);
 
-void PrintTo(const Rewriter& rewriter, std::ostream* stream) {
-  *stream << rewriter.name;
-}
-
 RewriteEnding UpdateB(RetrievalBench& bench) {
   PreviewParcel parcel = ParcelOf(bench.catalogue.Rows()[bench.RowNamed("b")]);
   const std::string tail = parcel.ViewTail;
