@@ -112,12 +112,16 @@ TEST_F(PosixFilesTest, ReadsAndWritesAtPositionsFromOne) {
   EXPECT_EQ(ReadAll(folder / "f"), "ab");
 }
 
-TEST_F(PosixFilesTest, TakesNoPathForTheCurrentFolder) {
+TEST_F(PosixFilesTest, TakesNoPathForTheCurrentFolderAndListsByteForByteInOrder) {
   const Path old = std::filesystem::current_path();
   std::filesystem::current_path(folder.Where());
-  folder.Put("bare", "x");
+  for (const char* name : {"a\n", "b\xff", "bare", "c"})
+    folder.Put(name, "x");
   EXPECT_NO_THROW(posix.SyncFolder(""));
-  EXPECT_EQ(posix.List("").size(), 1U);
+  std::string listed;
+  for (const FolderEntry& entry : posix.List(""))
+    listed += entry.name + "|";
+  EXPECT_EQ(listed, "a\n|bare|b\xff|c|");
   EXPECT_GT(posix.FreeSpace(""), 0);
   EXPECT_TRUE(posix.OpenFolder("")->Stat("bare"));
   std::filesystem::current_path(old);
