@@ -1,9 +1,5 @@
 #include "base/copy_file.h"
 
-#include <cstdint>
-#include <string>
-#include <vector>
-
 #include "base/partial_file.h"
 #include "base/printable.h"
 
@@ -11,16 +7,14 @@ namespace tarnel {
 
 namespace {
 
-constexpr std::size_t blockSize = std::size_t{256} * 1024;
+constexpr Length blockSize = Length{1024} * 1024;
 
 Length CopyBlocks(File& source, File& target, const CopyHook& hook) {
-  std::vector<std::uint8_t> block(blockSize);
   Length copied = 0;
   for (;;) {
-    const std::size_t got = source.ReadAt(Position{} + copied, block);
+    const Length got = target.CopyAt(Position{} + copied, source, Position{} + copied, blockSize);
     if (got == 0) return copied;
-    target.WriteAt(Position{} + copied, Bytes(block).first(got));
-    copied += static_cast<Length>(got);
+    copied += got;
     if (hook) hook(copied);
   }
 }

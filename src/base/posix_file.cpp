@@ -20,6 +20,7 @@ class PosixFile : public File {
 
   std::size_t ReadAt(Position from, MutableBytes into) override;
   void WriteAt(Position to, Bytes bytes) override;
+  Length CopyAt(Position to, File& source, Position from, Length length) override;
   FileStat Stat() override;
   void Truncate(Length length) override;
   void SetMode(mode_t mode) override;
@@ -76,6 +77,23 @@ void PosixFile::WriteAt(Position to, Bytes bytes) {
     if (put == 0) throw ErrnoError(EIO, "write", m_path);
     done += static_cast<std::size_t>(put);
   }
+}
+
+Length PosixFile::CopyAt(Position to, File& source, Position from, Length length) {
+  auto* const other = dynamic_cast<PosixFile*>(&source);
+  if (other == nullptr) return File::CopyAt(to, source, from, length);
+  off_t read = other->Offset(from, "read");
+  off_t written = Offset(to, "write");
+  Length done = 0;
+  while (done < length) {
+    const auto wanted = static_cast<std::size_t>(length - done);
+    const ssize_t got = Uninterrupted(
+        [&] { return ::copy_file_range(other->Number(), &read, Number(), &written, wanted, 0); });
+    // Some file systems can't, and some say that the source ends: reading and writing finds out what holds.
+    if (got <= 0) return done + File::CopyAt(to + done, source, from + done, length - done);
+    done += got;
+  }
+  return done;
 }
 
 FileStat PosixFile::Stat() {

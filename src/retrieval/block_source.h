@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <utility>
 
 #include "base/bytes.h"
 #include "base/dialogue.h"
@@ -13,25 +14,28 @@ namespace tarnel {
 /// block, is never tested.
 enum class CancelLook { BeforeFullBlock, BehindFullBlock };
 
-/// Hands on `length` bytes of another source and stays in touch with the person meanwhile: one yield behind
-/// each full block of kCopyBlock bytes, and a look for a cancel, which throws Stop(Cancelled). Blocks count
-/// from the first byte, however large the pieces are in which the reader takes them.
-class BlockSource : public ByteSource {
+/// Stays in touch with the person while `length` bytes are copied: one yield behind each full block of
+/// kCopyBlock bytes, and a look for a cancel, which throws Stop(Cancelled). Blocks count from the first byte,
+/// however large the pieces are in which the copy is made.
+class BlockCount {
  public:
-  /// Called once for each block and once for the last part, with its length, before it is read.
+  /// Called once for each block and once for the last part, with its length, as it begins.
   using Progress = std::function<void(Length)>;
 
-  BlockSource(ByteSource& inner, Length length, CancelLook look, Dialogue& dialogue, Progress progress);
+  BlockCount(Length length, CancelLook look, Dialogue& dialogue, Progress progress);
 
-  /// A source that ends before `length` bytes ends this one too.
-  std::size_t Read(MutableBytes into) override;
+  /// How many of the next `most` bytes can be copied before a block ends; begins one where it has to.
+  std::size_t Next(std::size_t most);
+  /// So many were copied, not more than Next said.
+  void Passed(std::size_t bytes);
+  /// Passes `bytes` in one go.
+  void PassAll(std::size_t bytes);
 
  private:
   void BeginBlock();
   void EndBlock();
   bool IsFullBlock() const;
 
-  ByteSource& m_inner;
   Length m_left;
   CancelLook m_look;
   Dialogue& m_dialogue;
@@ -40,7 +44,18 @@ class BlockSource : public ByteSource {
   Length m_blockLeft = 0;  ///< bytes of it still to come
 };
 
-/// Puts all that `source` still has into `sink`.
-void Pour(ByteSource& source, ByteSink& sink);
+/// Hands on the bytes of another source and counts their blocks.
+class BlockSource : public ByteSource {
+ public:
+  BlockSource(ByteSource& inner, BlockCount count) : m_inner(inner), m_count(std::move(count)) {}
+
+  /// A source that ends before the count does ends this one too.
+  std::size_t Read(MutableBytes into) override;
+
+ private:
+  ByteSource& m_inner;
+  BlockCount m_count;
+  bool m_hasEnded = false;
+};
 
 }  // namespace tarnel

@@ -1,5 +1,6 @@
 #include "retrieval/carrier_rewrite.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/attributes.h"
@@ -26,32 +27,11 @@ std::unique_ptr<File> LockCarrier(const Path& carrier, Files& files) {
   return OpenLocked(carrier, files, isReadOnly ? LockAccess::Read : LockAccess::Change);
 }
 
-class TemporarySink : public ByteSink {
- public:
-  TemporarySink(File& file, Length written, const Path& path)
-      : m_sink(file, Position{written + 1}), m_room(kCarrierLimit - written), m_path(path) {}
-
-  void Write(Bytes bytes) override {
-    if (static_cast<Length>(bytes.size()) > m_room - m_sink.Written())
-      throw Error(ErrorNumber::DiskFull,
-                  "cannot write " + Printable(m_path.native()) + ": a carrier has to stay below 2 GiB",
-                  m_path);
-    m_sink.Write(bytes);
-  }
-  Length Written() const { return m_sink.Written(); }
-
- private:
-  FileSink m_sink;
-  Length m_room;
-  const Path& m_path;
-};
-
 /// A source that owns the one it takes its bytes from.
 class OwnedStretch : public ByteSource {
  public:
-  OwnedStretch(const FileSource& stretch, Dialogue& dialogue, BlockSource::Progress progress)
-      : m_stretch(stretch),
-        m_blocks(m_stretch, m_stretch.Left(), CancelLook::BeforeFullBlock, dialogue, std::move(progress)) {}
+  OwnedStretch(const FileSource& stretch, BlockCount count)
+      : m_stretch(stretch), m_blocks(m_stretch, std::move(count)) {}
 
   std::size_t Read(MutableBytes into) override { return m_blocks.Read(into); }
 
@@ -61,6 +41,33 @@ class OwnedStretch : public ByteSource {
 };
 
 }  // namespace
+
+class CarrierRewrite::TemporarySink : public ByteSink {
+ public:
+  TemporarySink(File& file, Length written, const Path& path)
+      : m_sink(file, Position{written + 1}), m_room(kCarrierLimit - written), m_path(path) {}
+
+  void Write(Bytes bytes) override {
+    MustFit(static_cast<Length>(bytes.size()));
+    m_sink.Write(bytes);
+  }
+  void CopyFrom(File& carrier, const Path& path, Position from, Length length) {
+    MustFit(length);
+    m_sink.CopyFrom(carrier, path, from, length);
+  }
+  Length Written() const { return m_sink.Written(); }
+
+ private:
+  void MustFit(Length length) const {
+    if (length <= m_room - m_sink.Written()) return;
+    throw Error(ErrorNumber::DiskFull,
+                "cannot write " + Printable(m_path.native()) + ": a carrier has to stay below 2 GiB", m_path);
+  }
+
+  FileSink m_sink;
+  Length m_room;
+  const Path& m_path;
+};
 
 CarrierRewrite::CarrierRewrite(const Path& carrier, const std::vector<KnownEntry>& treated,
                                RewriteManner manner, Leftover leftover, Files& files, RewriteScreen& screen)
@@ -107,11 +114,27 @@ void CarrierRewrite::RefuseOrRemoveLeftover(Leftover leftover) {
 
 void CarrierRewrite::KeepUntil(Position end) {
   if (end <= m_keep) return;
-  Append([&](ByteSink& sink) { Pour(*Stretch(m_keep, end - m_keep), sink); });
+  const auto copy = [&](TemporarySink& sink) { CopyStretch(m_keep, end - m_keep, sink); };
+  if (TryWrite(copy) == Outcome::Ignored) throw Stop{StopReason::Aborted};
   m_keep = end;
 }
 
+void CarrierRewrite::CopyStretch(Position from, Length length, TemporarySink& sink) {
+  constexpr Length most = Length{1024} * 1024;
+  BlockCount count = CountBlocks(length);
+  for (Length done = 0; done < length;) {
+    const Length piece = std::min(most, length - done);
+    count.PassAll(static_cast<std::size_t>(piece));
+    sink.CopyFrom(*m_carrier, m_carrierPath, from + done, piece);
+    done += piece;
+  }
+}
+
 Outcome CarrierRewrite::TryAppend(const Part& part) {
+  return TryWrite(part);
+}
+
+Outcome CarrierRewrite::TryWrite(const std::function<void(TemporarySink&)>& part) {
   const Length progress = m_progress;
   try {
     const Outcome outcome = Attempt(m_screen, m_manner.handler, [&] {
@@ -134,13 +157,17 @@ void CarrierRewrite::Append(const Part& part) {
 }
 
 std::unique_ptr<ByteSource> CarrierRewrite::Stretch(Position from, Length length) {
-  return std::make_unique<OwnedStretch>(FileSource(*m_carrier, m_carrierPath, from, length), m_screen,
-                                        [this](Length n) { SetProgress(m_progress + n, m_maximum); });
+  return std::make_unique<OwnedStretch>(FileSource(*m_carrier, m_carrierPath, from, length),
+                                        CountBlocks(length));
 }
 
 std::unique_ptr<ByteSource> CarrierRewrite::InBlocks(ByteSource& source, Length length) {
-  return std::make_unique<BlockSource>(source, length, CancelLook::BeforeFullBlock, m_screen,
-                                       [this](Length n) { SetProgress(m_progress + n, m_maximum); });
+  return std::make_unique<BlockSource>(source, CountBlocks(length));
+}
+
+BlockCount CarrierRewrite::CountBlocks(Length length) {
+  return {length, CancelLook::BeforeFullBlock, m_screen,
+          [this](Length n) { SetProgress(m_progress + n, m_maximum); }};
 }
 
 void CarrierRewrite::SetProgress(Length value, Length maximum) {

@@ -99,6 +99,11 @@ class CarrierRewrite {
   bool Replace();
 
  private:
+  class TemporarySink;
+
+  Outcome TryWrite(const std::function<void(TemporarySink&)>& part);
+  void CopyStretch(Position from, Length length, TemporarySink& sink);
+  BlockCount CountBlocks(Length length);
   void MustHold(const KnownEntry& entry);
   void RefuseOrRemoveLeftover(Leftover leftover);
   void GiveAttributesBack();

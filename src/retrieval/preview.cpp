@@ -81,8 +81,9 @@ void Viewing::TakeOut(File& plain) {
   MustLieInside(m_parcel.ViewStart, m_parcel.ViewSize, carrier->Size(), current.CurrentCarrierPath);
   FileSource stretch(*carrier, current.CurrentCarrierPath, m_parcel.ViewStart, m_parcel.ViewSize);
   Length passed = 0;
-  BlockSource payload(stretch, m_parcel.ViewSize, CancelLook::BehindFullBlock, m_screen,
-                      [&](Length n) { m_screen.ShowProgress(passed += n, m_parcel.ViewSize); });
+  BlockSource payload(stretch,
+                      BlockCount(m_parcel.ViewSize, CancelLook::BehindFullBlock, m_screen,
+                                 [&](Length n) { m_screen.ShowProgress(passed += n, m_parcel.ViewSize); }));
   FileSink sink(plain, Position{1});
   if (!TakeOutPayload(payload, m_parcel.ViewCompressed, current.CurrentAlgorithmId, current.CurrentPassword,
                       sink))

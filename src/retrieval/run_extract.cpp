@@ -179,8 +179,9 @@ void Extraction::TakeOut(const MirrorRow& row, File& plain) {
   MustLieInside(row.start, row.size, carrier->Size(), m_request.carrier);
   FileSource stretch(*carrier, m_request.carrier, row.start, row.size);
   Length passed = 0;
-  BlockSource payload(stretch, row.size, CancelLook::BehindFullBlock, m_screen,
-                      [&](Length block) { m_screen.ShowProgress(passed += block, row.size); });
+  BlockSource payload(stretch, BlockCount(row.size, CancelLook::BehindFullBlock, m_screen, [&](Length block) {
+                        m_screen.ShowProgress(passed += block, row.size);
+                      }));
   FileSink sink(plain, Position{1});
   const HideoutKey& key = *row.hideout;
   if (TakeOutPayload(payload, row.Field(tag::kCompressed), key.algorithm, key.password, sink)) return;

@@ -98,8 +98,9 @@ std::string Verification::FaultOfPayload(const EntryPlace& place, std::string_vi
   FileSource stretch(*m_carrier, m_path, place.start, place.payload);
   const Length size = m_carrier->Size();
   Length passed = m_passed;
-  BlockSource payload(stretch, place.payload, CancelLook::BehindFullBlock, m_screen,
-                      [&](Length block) { m_screen.ShowProgress(passed += block, size); });
+  BlockSource payload(stretch,
+                      BlockCount(place.payload, CancelLook::BehindFullBlock, m_screen,
+                                 [&](Length block) { m_screen.ShowProgress(passed += block, size); }));
   NullSink nowhere;
   if (!TakeOutPayload(payload, GetTag(record, tag::kCompressed), m_key.algorithm, m_key.password, nowhere))
     return "its contents are damaged or were altered";

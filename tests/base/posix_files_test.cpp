@@ -112,6 +112,24 @@ TEST_F(PosixFilesTest, ReadsAndWritesAtPositionsFromOne) {
   EXPECT_EQ(ReadAll(folder / "f"), "ab");
 }
 
+TEST_F(PosixFilesTest, CopyAtPutsWhatReadingAndWritingWould) {
+  FaultyFiles notThePlatforms(posix);
+  std::string bytes(700'000, '\0');
+  for (std::size_t i = 0; i < bytes.size(); ++i)
+    bytes[i] = static_cast<char>(i % 251);
+  folder.Put("source", bytes);
+  for (Files* const files : std::initializer_list<Files*>{&posix, &notThePlatforms}) {
+    folder.Put("target", "ten bytes.");
+    const auto source = files->OpenToRead(folder / "source");
+    const auto target = posix.OpenToChange(folder / "target");
+    EXPECT_EQ(target->CopyAt({4}, *source, {2}, 600'000), 600'000);
+    EXPECT_EQ(ReadAll(folder / "target"), "ten" + bytes.substr(1, 600'000));
+    EXPECT_EQ(target->CopyAt({1}, *source, {699'998}, 10), 3);
+    EXPECT_EQ(ReadAll(folder / "target"), bytes.substr(699'997) + bytes.substr(1, 600'000));
+    EXPECT_EQ(NumberOf([&] { target->CopyAt({1}, *source, {0}, 1); }), ErrorNumber::BadRecordNumber);
+  }
+}
+
 TEST_F(PosixFilesTest, TakesNoPathForTheCurrentFolderAndListsByteForByteInOrder) {
   const Path old = std::filesystem::current_path();
   std::filesystem::current_path(folder.Where());

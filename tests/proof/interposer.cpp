@@ -132,6 +132,15 @@ ssize_t write(int file, const void* bytes, size_t length) {
   return Changing(call, [&] { ::syscall(SYS_write, file, bytes, length / 2); });
 }
 
+ssize_t copy_file_range(int source, off64_t* from, int target, off64_t* to, size_t length, unsigned flags) {
+  if (IsInterrupted()) return -1;
+  length = Shortened(length);
+  const auto copy = [&](size_t bytes) {
+    return ::syscall(SYS_copy_file_range, source, from, target, to, bytes, flags);
+  };
+  return Changing([&] { return copy(length); }, [&] { copy(length / 2); });
+}
+
 ssize_t pread(int file, void* bytes, size_t length, off_t offset) {
   if (IsInterrupted()) return -1;
   return ::syscall(SYS_pread64, file, bytes, Shortened(length), offset);
