@@ -10,7 +10,10 @@ namespace tarnel {
 
 QIcon OwnIcon(const char* name) {
   [[maybe_unused]] static const int loaded = LoadPictures();
-  return QIcon(QStringLiteral(":/icons/%1.svg").arg(QLatin1String(name)));
+  const QString picture = QStringLiteral(":/icons/%1.svg").arg(QLatin1String(name));
+  QIcon icon(picture);
+  icon.addFile(picture, {}, QIcon::Selected);  // else the style tints it until it fades into the selection
+  return icon;
 }
 
 }  // namespace tarnel

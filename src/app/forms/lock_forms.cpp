@@ -55,6 +55,7 @@ void LockForm::PressOk() {
   }
   m_dialogue.Ask(LockMessage(input));
   m_password->setFocus();
+  m_password->selectAll();
 }
 
 FrmLock::FrmLock(ProgramLock& lock, Dialogue& dialogue, QWidget* parent)

@@ -12,6 +12,7 @@
 #include "crypto/keys.h"
 #include "formkit/dialogue_in_windows.h"
 #include "formkit/guarded.h"
+#include "formkit/icons.h"
 
 namespace {
 
@@ -22,12 +23,13 @@ void EndProcess() {
   std::_Exit(EXIT_SUCCESS);
 }
 
-/// The whole command line is one path, blanks included.
+/// The whole command line is one path, blanks included. A hideout is known by its carrier's path, so that a
+/// relative one would be another carrier than the same file chosen in a dialog.
 tarnel::Path CommandLinePath(int argc, char** argv) {
   std::string line;
   for (int i = 1; i < argc; ++i)
     line += (i > 1 ? " " : "") + std::string(argv[i]);
-  return tarnel::Path(line);
+  return line.empty() ? tarnel::Path() : std::filesystem::absolute(line);
 }
 
 int RunProgram(int argc, char** argv) {
@@ -61,6 +63,7 @@ int main(int argc, char** argv) {
   QApplication::setApplicationName(QStringLiteral("tarnel"));
   QApplication::setDesktopFileName(QStringLiteral("tarnel"));
   QApplication application(argc, argv);
+  QApplication::setWindowIcon(tarnel::OwnIcon("tarnel"));
   QApplication::setQuitOnLastWindowClosed(false);  // forms may come and go before the main window
   int code = EXIT_FAILURE;
   tarnel::DialogueInWindows dialogue;

@@ -116,7 +116,9 @@ void MainCommands::ChooseCarrier() {
 }
 
 void MainCommands::OpenCarrier(const Path& carrier) {
-  CarrierPass(carrier, m_session, m_ports.dialogue, &m_parent).exec();
+  // At a start with a carrier the main window comes later; a form stands in the middle of a visible one.
+  QWidget* const parent = m_parent.isVisible() ? &m_parent : nullptr;
+  CarrierPass(carrier, m_session, m_ports.dialogue, parent).exec();
 }
 
 void MainCommands::Hide(const Command& command) {

@@ -17,7 +17,6 @@
 #include "app/forms/status_panels.h"
 #include "formkit/dropped_path.h"
 #include "formkit/guarded.h"
-#include "formkit/icons.h"
 #include "formkit/layouts.h"
 #include "formkit/text.h"
 
@@ -42,7 +41,6 @@ MainWindow::MainWindow(Session& session, const WindowPorts& ports)
     : m_session(session), m_ports(ports), m_commands(session, *this, ports, *this) {
   setObjectName(QStringLiteral("Main"));
   setWindowTitle(tr(" Tarnel 7.0"));
-  setWindowIcon(OwnIcon("tarnel"));
   setAcceptDrops(true);
   m_actions = new CommandActions(*this);
   MakePanes();
