@@ -114,9 +114,7 @@ TEST_F(PosixFilesTest, ReadsAndWritesAtPositionsFromOne) {
 
 TEST_F(PosixFilesTest, CopyAtPutsWhatReadingAndWritingWould) {
   FaultyFiles notThePlatforms(posix);
-  std::string bytes(700'000, '\0');
-  for (std::size_t i = 0; i < bytes.size(); ++i)
-    bytes[i] = static_cast<char>(i % 251);
+  const std::string bytes = Pattern(700'000);
   folder.Put("source", bytes);
   for (Files* const files : std::initializer_list<Files*>{&posix, &notThePlatforms}) {
     folder.Put("target", "ten bytes.");
