@@ -8,4 +8,6 @@ if(TARGET tarnel-cli)
   install(FILES share/completions/tarnel-cli.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 endif()
 install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY doc/ DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md")
+# As they lie here, so that the pages' links hold.
+install(DIRECTORY doc DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES share/sample/harbour.png DESTINATION ${CMAKE_INSTALL_DOCDIR}/share/sample)

@@ -43,8 +43,8 @@ class SettingsFile {
   std::map<std::string, Section, std::less<>> m_sections;
 };
 
-/// $XDG_CONFIG_HOME/tarnel/settings.ini, with ~/.config where that is unset or relative (XDG Base Directory
-/// Specification 0.8).
+/// $XDG_CONFIG_HOME/tarnel/settings.ini, with ~/.config where that is unset or relative (XDG base
+/// directories 0.8).
 Path UserSettingsPath();
 
 }  // namespace tarnel

@@ -26,6 +26,12 @@ QLabel* Link(const char* name, const QString& text, const QString& file, const O
   return label;
 }
 
+/// Debian keeps the licences of its packages under a name of their own.
+QString LicenseFile() {
+  const QString file = QStringLiteral("LICENSE");
+  return QFileInfo::exists(DocumentationUrl(file).toLocalFile()) ? file : QStringLiteral("copyright");
+}
+
 }  // namespace
 
 QUrl DocumentationUrl(const QString& file) {
@@ -52,7 +58,7 @@ Info::Info(OutsideOpener open, QWidget* parent) : QDialog(parent) {
   auto* const links = new QVBoxLayout(contact);
   links->addWidget(
       Link("Link_Guide", tr("What Tarnel is and how it is used"), QStringLiteral("README.md"), open));
-  links->addWidget(Link("Link_License", tr("Licence and makers"), QStringLiteral("LICENSE"), open));
+  links->addWidget(Link("Link_License", tr("Licence and makers"), LicenseFile(), open));
   auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Close);
   Named(buttons->button(QDialogButtonBox::Close), "Command1")->setText(tr("Close"));
   auto* const layout = new QVBoxLayout(this);
