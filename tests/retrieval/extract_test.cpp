@@ -128,7 +128,6 @@ TEST_F(Extract, NeverReplacesTheCarrierItselfNorAFolder) {
   bench.Load();
   ExtractRequest request = bench.All();
   request.target = bench.folder.Where();
-  request.overwriteAll = true;
   script().Always("extract.error", Answer::Ignore);
   EXPECT_EQ(bench.Extract(request).leftOut, (Strings{"folder", "link.bin", "carrier.bin"}));
   EXPECT_EQ(script().Asked()[0].cause->Number(), ErrorNumber::PathFileAccess);

@@ -18,9 +18,10 @@ TEST(CarrierTypes, EachExtensionPassesAtItsGroupsAndAtTheItemsWhoseTextNamesIt) 
   const struct {
     const char* extension;
     std::vector<std::size_t> indices;
-  } cases[] = {{"bmp", {0, 1, 2}},      {"png", {0, 1, 7}},   {"wmf", {0, 1, 8}}, {"mpe", {0, 9, 12}},
-               {"mid", {0, 13, 17}},    {"ocx", {0, 18, 21}}, {"snd", {16}},      {"mp", {12, 14}},
-               {"m", {11, 12, 14, 17}}, {"txt", {}},          {"PNG", {}},        {"peg", {}}};
+  } cases[] = {{"bmp", {0, 1, 2}},   {"pcx", {0, 1, 6}},   {"avi", {0, 9, 10}},  {"mpe", {0, 9, 12}},
+               {"mpeg", {0, 9, 12}}, {"mp3", {0, 13, 14}}, {"mid", {0, 13, 17}}, {"exe", {0, 18, 19}},
+               {"ocx", {0, 18, 21}}, {"snd", {16}},        {"mp", {12, 14}},     {"m", {11, 12, 14, 17}},
+               {"txt", {}},          {"PNG", {}},          {"peg", {}}};
   for (const auto& [extension, indices] : cases)
     EXPECT_EQ(IndicesThatAccept(extension), indices) << extension;
 }
