@@ -50,7 +50,7 @@ TEST(Verify, TellsDamagedContentsFromADamagedRecordAndAWrongSize) {
   bench.Load();
   bench.FlipBit(bench.catalogue.Rows()[2].start.value + 30, 0);
   const MirrorRow& middle = bench.catalogue.Rows()[1];
-  bench.FlipBit(middle.start.value + middle.size + 60, 0);
+  bench.FlipBit(middle.start.value + middle.size + 60, 1);
   EXPECT_EQ(bench.Verdicts(),
             (Strings{"c: its record says another size than the 4 bytes that it has",
                      ": its record is damaged", "a: its contents are damaged or were altered"}));
