@@ -2,69 +2,50 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <random>
-
 #include "app/size_order.h"
 #include "tests/app/session_bench.h"
 
 namespace tarnel::test {
 namespace {
 
-/// The order by its own words: each row looks for its place among all rows so far.
-std::vector<std::size_t> InsertedOneByOne(const std::vector<double>& sizes, SizeOrder order) {
-  std::vector<std::size_t> rows;
-  for (std::size_t row = 0; row < sizes.size(); ++row) {
-    std::ptrdiff_t kept = -1;
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-      const double size = sizes[rows[i]];
-      const bool isLarger = kept < 0 || size > sizes[rows[static_cast<std::size_t>(kept)]];
-      const bool isKept = order == SizeOrder::Ascending ? size <= sizes[row] && isLarger : size >= sizes[row];
-      if (isKept) kept = static_cast<std::ptrdiff_t>(i);
-    }
-    if (order == SizeOrder::Descending && kept >= 0 && sizes[rows[static_cast<std::size_t>(kept)]] == 0) {
-      kept = -1;
-    }
-    rows.insert(rows.begin() + kept + 1, row);
-  }
-  return rows;
-}
-
+/// Each row goes behind the nearest of the rows so far: where sizes are the same, upwards that is the first,
+/// downwards the last. Downwards an empty file comes last, but first where one is last already.
 TEST(SizeOrder, IsThatOfRowsInsertedOneByOne) {
-  std::mt19937 random(7);
-  for (int round = 0; round < 400; ++round) {
-    const auto count = std::uniform_int_distribution<std::size_t>(0, 40)(random);
-    std::uniform_int_distribution<int> size(0, round % 20);
-    std::vector<double> sizes(count);
-    for (double& each : sizes)
-      each = size(random);
-    for (const SizeOrder order : {SizeOrder::Ascending, SizeOrder::Descending}) {
-      ASSERT_EQ(OrderBySize(sizes, order), InsertedOneByOne(sizes, order)) << "round " << round;
-    }
+  using Rows = std::vector<std::size_t>;
+  const struct {
+    std::vector<double> sizes;
+    Rows upwards;
+    Rows downwards;
+  } cases[] = {{{}, {}, {}},
+               {{4, 4, 4, 4}, {0, 3, 2, 1}, {0, 1, 2, 3}},
+               {{2, 1, 2, 1, 2, 1}, {1, 5, 3, 0, 4, 2}, {0, 2, 4, 1, 3, 5}},
+               {{0, 5, 0, 3, 0, 5}, {0, 4, 3, 2, 1, 5}, {4, 2, 1, 5, 3, 0}},
+               {{5, 0, 0, 5, 1, 0, 1, 9}, {1, 5, 4, 6, 2, 0, 7, 3}, {7, 5, 2, 0, 3, 4, 6, 1}},
+               {{7, 3, 0, 3, 7, 0, 2, 2, 9, 0, 9, 1},
+                {2, 11, 9, 6, 7, 5, 1, 3, 0, 8, 10, 4},
+                {9, 8, 10, 5, 0, 4, 1, 3, 6, 7, 11, 2}}};
+  for (const auto& [sizes, upwards, downwards] : cases) {
+    EXPECT_EQ(OrderBySize(sizes, SizeOrder::Ascending), upwards) << testing::PrintToString(sizes);
+    EXPECT_EQ(OrderBySize(sizes, SizeOrder::Descending), downwards) << testing::PrintToString(sizes);
   }
 }
 
-TEST(FileList, ShowsFoldersThenFilesOfTheClickedFolderOnly) {
-  SessionBench bench;
-  bench.Open("/other.png").File("foreign", 1, "docs");
-  bench.Open("/a.png").File("top", 1).File("deep", 1, "docs\\old").File("near", 1, "docs").File("docs", 1);
-  bench.Click("/a.png");
-  EXPECT_EQ(bench.Shown(), (Strings{"docs/", "top", "docs"}));
-  EXPECT_EQ(bench.session.fileList.Rows()[0].itemFolder, "docs");
-  bench.Click("/a.png", "docs");
-  EXPECT_EQ(bench.Shown(), (Strings{"old/", "near"}));
-  EXPECT_EQ(bench.session.fileList.Rows()[0].itemFolder, "docs\\old");
-  EXPECT_EQ(bench.session.fileList.Rows()[1].relativeIndex, 3U);
-  EXPECT_EQ(bench.session.filesPanel, "4 File(s) ") << "the whole carrier counts";
-}
+class FileListTest : public testing::Test, public SessionBench {};
 
-TEST(FileList, FillsTheColumnsThatStandAndTrimsTheType) {
-  SessionBench bench;
-  bench.Open("/a.png").File("x", 2048);
-  bench.Click("/a.png");
-  EXPECT_EQ(bench.Shown(Column::Size), Strings{"2 KB"});
-  EXPECT_EQ(bench.Shown(Column::Type), Strings{"type of x"});
-  EXPECT_EQ(bench.Shown(Column::Compressed), Strings{""}) << "off by the presets";
+TEST_F(FileListTest, ShowsFoldersThenFilesOfTheClickedFolderOnly) {
+  Open("/other.png").File("foreign", 1, "docs");
+  Open("/a.png").File("top", 1).File("deep", 1, "docs\\old").File("near", 2048, "docs").File("docs", 1);
+  Click("/a.png");
+  EXPECT_EQ(Shown(), (Strings{"docs/", "top", "docs"}));
+  EXPECT_EQ(session.fileList.Rows()[0].itemFolder, "docs");
+  Click("/a.png", "docs");
+  EXPECT_EQ(Shown(), (Strings{"old/", "near"}));
+  EXPECT_EQ(session.fileList.Rows()[0].itemFolder, "docs\\old");
+  EXPECT_EQ(session.fileList.Rows()[1].relativeIndex, 3U);
+  EXPECT_EQ(session.filesPanel, "4 File(s) ") << "the whole carrier counts";
+  EXPECT_EQ(Shown(Column::Size), (Strings{"/", "2 KB"}));
+  EXPECT_EQ(Shown(Column::Type), (Strings{"/", "type of near"}));
+  EXPECT_EQ(Shown(Column::Compressed), (Strings{"/", ""})) << "off by the presets";
 }
 
 TEST(FileList, AddsAColumnAtTheEndAndNeverTouchesTheFirst) {
@@ -81,39 +62,24 @@ TEST(FileList, AddsAColumnAtTheEndAndNeverTouchesTheFirst) {
   EXPECT_EQ(list.Columns(), std::vector<Column>{Column::File});
 }
 
-TEST(FileList, SortsTextsDownwardsFirstWithFoldersAmongThemAndWithoutRegardToCase) {
-  SessionBench bench;
-  bench.Open("/a.png").File("b", 1).File("A", 1).File("z", 1, "c");
-  bench.Click("/a.png");
-  bench.session.ColumnClick(Column::File);
-  EXPECT_EQ(bench.Shown(), (Strings{"c/", "b", "A"}));
-  bench.session.ColumnClick(Column::File);
-  EXPECT_EQ(bench.Shown(), (Strings{"A", "b", "c/"}));
-}
-
-TEST(FileList, SortsSizesUpwardsFirstWithFoldersLast) {
-  SessionBench bench;
-  bench.Open("/a.png").File("mid", 500).File("big", 9000).File("small", 2).File("z", 1, "folder");
-  bench.Click("/a.png");
-  bench.session.ColumnClick(Column::Size);
-  EXPECT_EQ(bench.Shown(), (Strings{"small", "mid", "big", "folder/"}));
-  bench.session.ColumnClick(Column::Size);
-  EXPECT_EQ(bench.Shown(), (Strings{"big", "mid", "small", "folder/"}));
-  EXPECT_EQ(bench.session.fileList.Rows()[0].relativeIndex, 1U);
-}
-
-TEST(FileList, SharesOneDirectionAmongAllColumnsAndForgetsTheOrderAtAClickInTheTree) {
-  SessionBench bench;
-  bench.Open("/a.png").File("a", 3).File("b", 1).File("c", 2);
-  bench.Click("/a.png");
-  bench.session.ColumnClick(Column::Size);
-  EXPECT_FALSE(bench.session.fileList.Sorting()->isDescending);
-  bench.session.ColumnClick(Column::File);
-  EXPECT_EQ(bench.Shown(), (Strings{"a", "b", "c"})) << "the second click of all sorts texts upwards";
-  bench.session.ColumnClick(Column::Attribute);
-  EXPECT_EQ(bench.session.fileList.Sorting()->column, Column::File) << "no effect";
-  bench.Click("/a.png");
-  EXPECT_FALSE(bench.session.fileList.Sorting());
+/// All columns share one direction; the first click of all sorts texts downwards and sizes upwards.
+TEST_F(FileListTest, SortsWithFoldersAmongTextsAndBehindSizesUntilAClickInTheTree) {
+  Open("/a.png").File("b", 500).File("A", 9000).File("d", 2).File("z", 1, "c");
+  Click("/a.png");
+  const std::pair<Column, Strings> clicks[] = {{Column::Size, {"d", "b", "A", "c/"}},
+                                               {Column::File, {"A", "b", "c/", "d"}},
+                                               {Column::File, {"d", "c/", "b", "A"}},
+                                               {Column::Size, {"A", "b", "d", "c/"}},
+                                               {Column::Attribute, {"A", "b", "d", "c/"}}};
+  for (const auto& [column, shown] : clicks) {
+    session.ColumnClick(column);
+    EXPECT_EQ(Shown(), shown);
+  }
+  EXPECT_EQ(session.fileList.Rows()[0].relativeIndex, 1U);
+  EXPECT_EQ(session.fileList.Sorting()->column, Column::Size) << "an attribute sorts nothing";
+  EXPECT_TRUE(session.fileList.Sorting()->isDescending);
+  Click("/a.png");
+  EXPECT_FALSE(session.fileList.Sorting());
 }
 
 }  // namespace
