@@ -14,13 +14,16 @@
 
 namespace tarnel::test {
 
+inline std::vector<std::string> Words(const std::string& line) {
+  std::istringstream stream(line);
+  return {std::istream_iterator<std::string>(stream), {}};
+}
+
 /// A terminal whose person has decided beforehand what to type.
 class ScriptedTerminal : public Terminal {
  public:
   void Write(std::string_view text) override { out += text; }
-  void FinishOutput() override {
-    if (outputIsFull) throw Error(ErrorNumber::DiskFull, "cannot write to standard output: it is full");
-  }
+  void FinishOutput() override {}
   void WriteError(std::string_view text) override { err += text; }
   bool OutputIsTerminal() const override { return isTerminal; }
   bool ErrorIsTerminal() const override { return isTerminal; }
@@ -41,7 +44,6 @@ class ScriptedTerminal : public Terminal {
   bool canAsk = false;
   bool isTerminal = false;
   bool isCancelled = false;
-  bool outputIsFull = false;
 
  private:
   std::optional<std::string> Next(std::deque<std::string>& typed, std::string_view prompt) {
@@ -71,20 +73,13 @@ class CliBench {
     variables["TARNEL_PASSWORD_FILE"] = folder / "key";
   }
 
-  int Run(const std::string& line) {
-    std::vector<std::string> words;
-    std::istringstream stream(line);
-    for (std::string word; stream >> word;)
-      words.push_back(word);
-    return RunWords(words);
-  }
+  int Run(const std::string& line) { return RunWords(Words(line)); }
   int RunWords(std::vector<std::string> words) {
     for (std::string& word : words) {
       if (word.starts_with('@')) word = (folder / word.substr(1)).native();
     }
     terminal.out.clear();
     terminal.err.clear();
-    terminal.prompts.clear();
     return RunCli(words, terminal, *files, [this](const char* name) -> std::optional<std::string> {
       const auto found = variables.find(name);
       return found == variables.end() ? std::nullopt : std::optional(found->second);
@@ -97,17 +92,6 @@ class CliBench {
   std::string Get(std::string_view name) const { return ReadAll(folder / name); }
   bool Has(std::string_view name) const { return std::filesystem::exists(folder / name); }
   nlohmann::json Json() const { return nlohmann::json::parse(terminal.out); }
-  /// The last object on standard error; warnings come before it.
-  nlohmann::json ErrorJson() const {
-    const std::size_t end = terminal.err.rfind('\n', terminal.err.size() - 2);
-    return nlohmann::json::parse(terminal.err.substr(end == std::string::npos ? 0 : end + 1));
-  }
-
-  void FlipByte(std::string_view name, std::size_t at) const {
-    std::string bytes = Get(name);
-    bytes.at(at) = static_cast<char>(bytes.at(at) ^ 0x20);
-    WriteAll(folder / name, bytes);
-  }
 
   TempFolder folder;
   ScriptedTerminal terminal;

@@ -22,17 +22,10 @@ class Verbs : public testing::Test {
     EXPECT_EQ(bench.Run("--json list @carrier " + rest), 0) << bench.terminal.err;
     std::vector<std::string> paths;
     const nlohmann::json list = bench.Json();
-    for (const auto& file : list.at("files")) {
+    for (const auto& file : list.at("files"))
       paths.push_back(file.at("folder").get<std::string>() + "/" + file.at("name").get<std::string>());
-    }
     return paths;
   }
-  /// In the carrier, somewhere in the payload that was hidden last.
-  std::size_t InNewestPayload() {
-    EXPECT_EQ(bench.Run("--json list @carrier"), 0);
-    return bench.Json().at("files").at(0).at("start").get<std::size_t>() + 20;
-  }
-
   CliBench bench;
 };
 
@@ -40,15 +33,18 @@ TEST_F(Verbs, AFolderComesBackAsItWas) {
   bench.Put("in/docs/a.txt", "alpha");
   bench.Put("in/docs/sub/b.sh", Pattern(40000), 0750);
   bench.Put("in/docs/empty", "");
-  Hide("@in/docs --compress=9");
+  Hide("@in/docs --compress=9 --originals=destroy");
   EXPECT_THAT(bench.terminal.out, IsEmpty());
   EXPECT_THAT(bench.terminal.err, HasSubstr("3 files hidden"));
+  EXPECT_FALSE(bench.Has("in/docs/a.txt"));
   ASSERT_EQ(bench.Run("extract @carrier --to @out"), 0) << bench.terminal.err;
   EXPECT_EQ(bench.Get("out/docs/a.txt"), "alpha");
   EXPECT_EQ(bench.Get("out/docs/sub/b.sh"), Pattern(40000));
   EXPECT_EQ(bench.Get("out/docs/empty"), "");
   EXPECT_EQ(bench.posix.Stat(bench.folder / "out/docs/sub/b.sh")->mode, mode_t{0750});
   EXPECT_EQ(bench.Get("carrier").substr(0, 1000), Pattern(1000));
+  ASSERT_EQ(bench.Run("extract @carrier --to @out --flat"), 0);
+  EXPECT_EQ(bench.Get("out/b.sh"), Pattern(40000));
 }
 
 TEST_F(Verbs, ListShowsSizeDateAndPathNewestFirst) {
@@ -67,22 +63,16 @@ TEST_F(Verbs, JsonOfListHasEveryField) {
   bench.Put("run.sh", "alpha", 0700);
   Hide("@run.sh --compress --title Box --algorithm cast5");
   ASSERT_EQ(bench.Run("list @carrier --json"), 0);
-  const auto list = bench.Json();
-  EXPECT_EQ(list.at("schema"), 1);
-  EXPECT_EQ(list.at("carrier"), (bench.folder / "carrier").native());
-  EXPECT_EQ(list.at("title"), "Box");
-  EXPECT_EQ(list.at("algorithm"), "CAST5");
-  const auto& file = list.at("files").at(0);
-  EXPECT_EQ(file.at("name"), "run.sh");
-  EXPECT_EQ(file.at("folder"), "");
-  EXPECT_EQ(file.at("size"), 5);
+  auto list = bench.Json();
+  auto& file = list.at("files").at(0);
   EXPECT_GT(file.at("stored"), 32);
-  EXPECT_EQ(file.at("attributes"), 32);
-  EXPECT_EQ(file.at("mode"), "700");
   EXPECT_TRUE(file.at("date").is_string());
-  EXPECT_EQ(file.at("compressed"), true);
-  EXPECT_EQ(file.at("level"), 6);
-  EXPECT_EQ(file.at("start"), 1001);
+  file.erase("stored");
+  file.erase("date");
+  EXPECT_EQ(list, nlohmann::json::parse(R"({"schema": 1, "carrier": ")" + bench.folder.Where().native() +
+                                        R"(/carrier", "title": "Box", "algorithm": "CAST5", "files": [
+      {"name": "run.sh", "folder": "", "size": 5, "attributes": 32, "mode": "700", "compressed": true,
+       "level": 6, "start": 1001}]})"));
 }
 
 TEST_F(Verbs, NamesOfAnyBytesAreListedSafelyAndComeBack) {
@@ -100,28 +90,11 @@ TEST_F(Verbs, NamesOfAnyBytesAreListedSafelyAndComeBack) {
   EXPECT_EQ(bench.Get("out/\xfe/" + name), "odd");
 }
 
-TEST_F(Verbs, ThreeHideoutsShareACarrierWithoutMeeting) {
-  bench.Put("third", "third\n", 0600);
-  for (const char* round : {"1", "2"}) {
-    for (const char* key : {"key", "other", "third"}) {
-      const std::string file = key + std::string(round);
-      bench.Put(file, file);
-      Hide("@" + file + " --password-file @" + key);
-    }
-  }
-  EXPECT_THAT(Listed(), ElementsAre("/key2", "/key1"));
-  EXPECT_THAT(Listed("--password-file @other"), ElementsAre("/other2", "/other1"));
-  EXPECT_THAT(Listed("--password-file @third"), ElementsAre("/third2", "/third1"));
-  ASSERT_EQ(bench.Run("extract @carrier --password-file @other --to @out"), 0);
-  EXPECT_EQ(bench.Get("out/other1"), "other1");
-  EXPECT_FALSE(bench.Has("out/key1"));
-}
-
 TEST_F(Verbs, EntriesAreChosenExactly) {
   for (const char* path : {"in/Pics/a", "in/Pics/sub/b", "in/Pics2/c", "in/Pics/a.b"})
     bench.Put(path, path);
   Hide("@in/Pics @in/Pics2");
-  const std::vector<std::pair<std::string, std::vector<std::string>>> cases = {
+  const std::pair<std::string, std::vector<std::string>> cases[] = {
       {"Pics/", {"Pics", "Pics/a", "Pics/a.b", "Pics/sub", "Pics/sub/b"}},
       {"Pics/a", {"Pics", "Pics/a"}},
       {"Pics/sub/ Pics2/c", {"Pics", "Pics/sub", "Pics/sub/b", "Pics2", "Pics2/c"}}};
@@ -136,27 +109,17 @@ TEST_F(Verbs, EntriesAreChosenExactly) {
   }
 }
 
-TEST_F(Verbs, FlatPutsAllIntoTheFolderItself) {
-  bench.Put("in/docs/sub/a", "alpha");
-  Hide("@in/docs");
-  ASSERT_EQ(bench.Run("extract @carrier --to @out --flat"), 0);
-  EXPECT_EQ(bench.Get("out/a"), "alpha");
-}
-
 TEST_F(Verbs, AnExistingFileIsKeptUnlessThePersonSaysOtherwise) {
   bench.Put("a.txt", "hidden");
   Hide("@a.txt");
   bench.Put("out/a.txt", "there");
   EXPECT_EQ(bench.Run("extract @carrier --to @out"), 4);
-  EXPECT_EQ(bench.Get("out/a.txt"), "there");
   bench.terminal.canAsk = true;
   bench.terminal.lines = {"n"};
   EXPECT_EQ(bench.Run("extract @carrier --to @out"), 4);
+  EXPECT_EQ(bench.Get("out/a.txt"), "there");
   bench.terminal.lines = {"y"};
   EXPECT_EQ(bench.Run("extract @carrier --to @out"), 0);
-  EXPECT_EQ(bench.Get("out/a.txt"), "hidden");
-  bench.Put("out/a.txt", "there");
-  EXPECT_EQ(bench.Run("extract @carrier --to @out --overwrite"), 0);
   EXPECT_EQ(bench.Get("out/a.txt"), "hidden");
 }
 
@@ -165,20 +128,22 @@ TEST_F(Verbs, OfEntriesWithOneNameTheNewestStays) {
     bench.Put("a.txt", content);
     Hide("@a.txt");
   }
-  for (const auto& [option, code] : {std::pair{" --overwrite", 0}, std::pair{"", 4}}) {
-    std::filesystem::remove_all(bench.folder / "out");
-    EXPECT_EQ(bench.Run("extract @carrier --to @out" + std::string(option)), code);
-    EXPECT_EQ(bench.Get("out/a.txt"), "new");
-    EXPECT_THAT(bench.terminal.err, HasSubstr("several entries"));
-  }
+  EXPECT_EQ(bench.Run("extract @carrier --to @out"), 4);
+  EXPECT_EQ(bench.Get("out/a.txt"), "new");
+  EXPECT_THAT(bench.terminal.err, HasSubstr("several entries"));
+  EXPECT_EQ(bench.Run("extract @carrier --to @out --overwrite"), 0);
+  EXPECT_EQ(bench.Get("out/a.txt"), "new");
 }
 
 TEST_F(Verbs, ADamagedEntryIsNamedAndTheOthersComeOut) {
   bench.Put("good", "good");
   bench.Put("bad", Pattern(100));
   Hide("@good");
+  const std::size_t start = bench.Get("carrier").size();
   Hide("@bad");
-  bench.FlipByte("carrier", InNewestPayload());
+  std::string bytes = bench.Get("carrier");
+  bytes.at(start + 20) = static_cast<char>(bytes.at(start + 20) ^ 0x20);
+  bench.Put("carrier", bytes);
   EXPECT_EQ(bench.Run("verify @carrier"), 7);
   EXPECT_THAT(bench.terminal.out, testing::MatchesRegex("damaged  bad: [^\n]+\nintact   good\n"));
   EXPECT_EQ(bench.Run("verify @carrier --json"), 7);
@@ -190,29 +155,24 @@ TEST_F(Verbs, ADamagedEntryIsNamedAndTheOthersComeOut) {
   EXPECT_EQ(bench.Run("extract @carrier --to @out2 --on-error=abort"), 7);
 }
 
-TEST_F(Verbs, TypedPasswordsOfNewHideoutsAreConfirmed) {
-  bench.variables.clear();
-  bench.terminal.canAsk = true;
-  bench.Put("a.txt", "alpha");
-  bench.terminal.secrets = {"secret", "sceret"};
-  EXPECT_EQ(bench.Run("hide @carrier @a.txt"), 2);
-  EXPECT_EQ(bench.Get("carrier"), Pattern(1000));
-  bench.terminal.secrets = {"secret", "secret"};
-  EXPECT_EQ(bench.Run("hide @carrier @a.txt"), 0);
-  bench.terminal.secrets = {"secret"};
-  EXPECT_EQ(bench.Run("hide @carrier @a.txt"), 0) << "joining needs no second prompt";
-  EXPECT_THAT(bench.terminal.secrets, IsEmpty());
-}
-
-TEST_F(Verbs, APasswordThatANewHideoutCannotHoldIsRefused) {
+TEST_F(Verbs, PasswordsOfNewHideoutsAreCheckedAndConfirmedWhereTyped) {
   bench.Put("key", "a<b\n", 0600);
   EXPECT_EQ(bench.Run("hide @carrier @other"), 2);
+  bench.variables.clear();
+  bench.terminal.canAsk = true;
+  bench.terminal.secrets = {"secret", "sceret"};
+  EXPECT_EQ(bench.Run("hide @carrier @other"), 2);
   EXPECT_EQ(bench.Get("carrier"), Pattern(1000));
+  bench.terminal.secrets = {"secret", "secret", "secret"};
+  Hide("@other");
+  Hide("@other");
+  EXPECT_THAT(bench.terminal.secrets, IsEmpty()) << "joining needs no second prompt";
 }
 
-TEST_F(Verbs, JoiningSaysThatTitleAndAlgorithmAreNotUsed) {
-  Hide("@other --title One --algorithm DES");
-  Hide("@other --title Two --algorithm TWOFISH");
+TEST_F(Verbs, JoiningSaysThatTitleAndAlgorithmAreNotUsedEvenWhereQuiet) {
+  Hide("--quiet @other --title One --algorithm DES");
+  EXPECT_THAT(bench.terminal.err, IsEmpty());
+  Hide("--quiet @other --title Two --algorithm TWOFISH");
   EXPECT_THAT(bench.terminal.err, HasSubstr("--title isn't used"));
   EXPECT_THAT(bench.terminal.err, HasSubstr("--algorithm isn't used"));
   EXPECT_EQ(bench.Run("list @carrier --json"), 0);
@@ -223,25 +183,25 @@ TEST_F(Verbs, JoiningSaysThatTitleAndAlgorithmAreNotUsed) {
 TEST_F(Verbs, EachFailureHasItsCode) {
   Hide("@other");
   bench.Put("short", "too short for a hideout");
-  const std::vector<std::pair<std::string, int>> cases = {{"list @missing", 10},
-                                                          {"hide @missing @other", 10},
-                                                          {"recover @missing", 10},
-                                                          {"list @", 1},
-                                                          {"list @short", 12},
-                                                          {"list @carrier --password-file @other", 12},
-                                                          {"hide @carrier @missing", 1},
-                                                          {"hide @carrier @carrier", 1},
-                                                          {"hide @carrier /dev/null", 1},
-                                                          {"delete @carrier nothing", 13},
-                                                          {"update @carrier nothing @other", 13},
-                                                          {"update @carrier other @missing", 1},
-                                                          {"search @missing", 1},
-                                                          {"frobnicate @carrier", 2}};
+  const std::pair<std::string, int> cases[] = {{"list @missing", 10},
+                                               {"hide @missing @other", 10},
+                                               {"recover @missing", 10},
+                                               {"list @", 1},
+                                               {"list @short", 12},
+                                               {"list @carrier --password-file @other", 12},
+                                               {"hide @carrier @missing", 1},
+                                               {"hide @carrier @carrier", 1},
+                                               {"hide @carrier /dev/null", 1},
+                                               {"delete @carrier nothing", 13},
+                                               {"update @carrier nothing @other", 13},
+                                               {"update @carrier other @missing", 1},
+                                               {"search @missing", 1},
+                                               {"frobnicate @carrier", 2}};
   for (const auto& [line, code] : cases) {
     EXPECT_EQ(bench.Run(line), code) << line;
     EXPECT_THAT(bench.terminal.err, HasSubstr("error: ")) << line;
     EXPECT_EQ(bench.Run("--json " + line), code) << line;
-    EXPECT_EQ(bench.ErrorJson().at("error").at("code"), code) << line;
+    EXPECT_THAT(bench.terminal.err, HasSubstr("\"code\":" + std::to_string(code))) << line;
     EXPECT_THAT(bench.terminal.out, IsEmpty()) << line;
   }
 }
@@ -283,68 +243,19 @@ TEST_F(Verbs, ALeftoverBesideTheCarrierIsNeverReplacedUnasked) {
   EXPECT_EQ(bench.Get("carrier.tmp"), "precious");
 }
 
-TEST_F(Verbs, OriginalsGoAsAsked) {
-  bench.Put("a.txt", "alpha");
-  Hide("@a.txt --originals=destroy");
-  EXPECT_FALSE(bench.Has("a.txt"));
-  ASSERT_EQ(bench.Run("extract @carrier --to @out"), 0);
-  EXPECT_EQ(bench.Get("out/a.txt"), "alpha");
-}
-
-TEST_F(Verbs, QuietHidesSuccessButNoWarning) {
-  Hide("--quiet @other");
-  EXPECT_THAT(bench.terminal.err, IsEmpty());
-  Hide("--quiet @other --title Different");
-  EXPECT_THAT(bench.terminal.err, HasSubstr("--title isn't used"));
-}
-
-TEST_F(Verbs, AFullStandardOutputIsAFailure) {
-  Hide("@other");
-  bench.terminal.outputIsFull = true;
-  for (const char* line :
-       {"list @carrier", "verify @carrier", "extract @carrier --to @out --json", "--help"}) {
-    EXPECT_EQ(bench.Run(line), 1) << line;
-  }
-}
-
-TEST_F(Verbs, ABodyOfSeventyNineBytesIsAsGoodAsAny) {
-  bench.Put("carrier", Pattern(79));
-  Hide("@other");
-  Hide("@key");
-  EXPECT_THAT(Listed(), ElementsAre("/key", "/other"));
-  EXPECT_EQ(bench.Run("verify @carrier"), 0) << bench.terminal.err;
-}
-
-TEST_F(Verbs, DeleteTakesOutWhatIsNamed) {
-  for (const char* name : {"a", "b", "c"}) {
-    bench.Put(name, name);
-    Hide("@" + std::string(name));
-  }
-  ASSERT_EQ(bench.Run("delete @carrier b --json"), 0) << bench.terminal.err;
-  EXPECT_EQ(bench.Json().at("deleted"), 1);
-  EXPECT_THAT(Listed(), ElementsAre("/c", "/a"));
-  EXPECT_EQ(bench.Run("verify @carrier"), 0);
-}
-
-TEST_F(Verbs, UpdateReplacesTheContentsAndKeepsTheName) {
+TEST_F(Verbs, RewritingSaysWhatItDidAndRefusesWhatItCannotDo) {
   bench.Put("in/docs/a", "old");
-  bench.Put("fresh", "new contents");
-  Hide("@in/docs");
-  ASSERT_EQ(bench.Run("update @carrier docs/a @fresh"), 0) << bench.terminal.err;
-  EXPECT_EQ(bench.Run("update @carrier docs/ @fresh"), 2);
-  EXPECT_THAT(Listed(), ElementsAre("docs/a"));
-  ASSERT_EQ(bench.Run("extract @carrier --to @out"), 0);
-  EXPECT_EQ(bench.Get("out/docs/a"), "new contents");
-}
-
-TEST_F(Verbs, PasswdLocksTheOldPasswordOut) {
-  Hide("@other");
-  ASSERT_EQ(bench.Run("passwd @carrier --new-password-file @other"), 0) << bench.terminal.err;
-  EXPECT_EQ(bench.Run("list @carrier"), 12);
-  EXPECT_THAT(Listed("--password-file @other"), ElementsAre("/other"));
-  EXPECT_EQ(bench.Run("passwd @carrier --password-file @other"), 2) << "no new password";
+  Hide("@in/docs @other");
+  EXPECT_EQ(bench.Run("update @carrier docs/ @other"), 2);
+  EXPECT_EQ(bench.Run("update @carrier docs/a @other"), 0) << bench.terminal.err;
+  EXPECT_EQ(bench.Run("delete @carrier other --json"), 0) << bench.terminal.err;
+  EXPECT_EQ(bench.Json().at("deleted"), 1);
+  EXPECT_EQ(bench.Run("passwd @carrier"), 2) << "no new password";
   bench.Put("bad", "a>b\n", 0600);
-  EXPECT_EQ(bench.Run("passwd @carrier --password-file @other --new-password-file @bad"), 2);
+  EXPECT_EQ(bench.Run("passwd @carrier --new-password-file @bad"), 2);
+  EXPECT_EQ(bench.Run("passwd @carrier --new-password-file @other"), 0) << bench.terminal.err;
+  EXPECT_EQ(bench.Run("list @carrier"), 12);
+  EXPECT_THAT(Listed("--password-file @other"), ElementsAre("docs/a"));
 }
 
 TEST_F(Verbs, SearchFindsTheCarriersThatOpen) {
@@ -383,60 +294,44 @@ TEST_F(Verbs, RecoverPutsTheBestCopyInPlaceOnlyWhenAllowed) {
 }
 
 /// A hide that fails leaves the carrier byte for byte; if not even that is possible, a whole backup.
-class HideSweep : public Verbs, public testing::WithParamInterface<std::tuple<Times, const char*>> {
- protected:
-  void SetUp() override {
-    bench.Put("a.txt", Pattern(40000));
-    Hide("@other");
-    before = bench.Get("carrier");
-  }
-  int HideWith(FaultyFiles& faulty, const std::string& option) {
-    WriteAll(bench.folder / "carrier", before);
+TEST_F(Verbs, NoFailingOperationOfAHideLosesTheCarrier) {
+  bench.Put("a.txt", Pattern(40000));
+  Hide("@other");
+  const std::string before = bench.Get("carrier");
+  const auto hide = [&](FaultyFiles& faulty, const std::string& option) {
+    bench.Put("carrier", before);
     std::filesystem::remove(bench.folder / "carrier.bak");
     bench.files = &faulty;
     const int code = bench.Run("hide @carrier @a.txt " + option);
     bench.files = &bench.posix;
     return code;
-  }
-
-  std::string before;
-};
-
-TEST_P(HideSweep, NoFailingOperationLosesTheCarrier) {
-  const auto [times, option] = GetParam();
-  FaultyFiles quiet(bench.posix);
-  ASSERT_EQ(HideWith(quiet, option), 0);
-  for (std::size_t k = 1; k <= quiet.Count(); ++k) {
-    FaultyFiles faulty(bench.posix);
-    faulty.Fail({.at = k, .number = ErrorNumber::DeviceIo, .times = times, .writes = Writes::FirstHalf});
-    const int code = HideWith(faulty, option);
-    const std::string after = bench.Get("carrier");
-    if (code == 0) {
-      EXPECT_EQ(bench.Run("verify @carrier"), 0) << "operation " << k << ": " << bench.terminal.err;
-    } else if (times == Times::Once && std::string(option) == "--on-error=abort") {
-      EXPECT_TRUE(after == before || bench.Run("verify @carrier") == 0) << "operation " << k;
-    } else {
-      EXPECT_TRUE(after == before || bench.Run("verify @carrier") == 0 ||
-                  (bench.Has("carrier.bak") && bench.Get("carrier.bak") == before))
-          << "operation " << k;
+  };
+  for (const std::string option : {"--on-error=abort", "--on-error=ignore", "--on-error=retry"}) {
+    FaultyFiles quiet(bench.posix);
+    ASSERT_EQ(hide(quiet, option), 0);
+    for (const Times times : {Times::Once, Times::FromThenOn}) {
+      const bool isBackupEnough = times == Times::FromThenOn || option != "--on-error=abort";
+      for (std::size_t k = 1; k <= quiet.Count(); ++k) {
+        FaultyFiles faulty(bench.posix);
+        faulty.Fail({.at = k, .times = times, .writes = Writes::FirstHalf});
+        const int code = hide(faulty, option);
+        const bool isUndone = code != 0 && bench.Get("carrier") == before;
+        const bool hasBackup = code != 0 && bench.Has("carrier.bak") && bench.Get("carrier.bak") == before;
+        EXPECT_TRUE(isUndone || (isBackupEnough && hasBackup) || bench.Run("verify @carrier") == 0)
+            << option << ", operation " << k << ": " << bench.terminal.err;
+      }
     }
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Once, HideSweep,
-                         testing::Combine(testing::Values(Times::Once, Times::FromThenOn),
-                                          testing::Values("--on-error=abort", "--on-error=ignore",
-                                                          "--on-error=retry")));
-
 TEST_F(Verbs, ADiskThatFillsUpAnywhereLeavesTheCarrierAsItWas) {
   bench.Put("a.txt", Pattern(40000));
-  const std::string before = bench.Get("carrier");
   for (std::int64_t space = 0; space < 42000; space += 3500) {
     FaultyFiles faulty(bench.posix);
     faulty.LimitSpace(space);
     bench.files = &faulty;
     EXPECT_EQ(bench.Run("hide @carrier @a.txt --no-input"), 5) << space;
-    EXPECT_EQ(bench.Get("carrier"), before) << space;
+    EXPECT_EQ(bench.Get("carrier"), Pattern(1000)) << space;
     EXPECT_FALSE(bench.Has("carrier.bak")) << space;
   }
 }
