@@ -2,7 +2,6 @@
 
 #include <QComboBox>
 #include <QLabel>
-#include <QProgressBar>
 #include <QTabWidget>
 
 #include "base/formats.h"
@@ -22,67 +21,79 @@ class CarrierFormsTest : public testing::Test, public FormsBench {
   CarrierFormsTest() {
     carrier.Hide({.name = "one.txt"}).Hide({.name = "two.txt", .folder = "docs"});
     carrier.Hide({.name = "foreign.txt"}, {.password = "other", .algorithm = Algorithm::Blowfish});
+    settings->Set("option", "Tabs", "1");
   }
 
-  QTabWidget& Tabs(QWidget& form) { return Find<QTabWidget>(form, "TabStrip"); }
-  void OpenSide() { settings->Set("option", "Tabs", "1"); }
+  /// 0 to open a hideout, 1 to create one.
+  static int Tab(CarrierPass& form) { return Find<QTabWidget>(form, "TabStrip").currentIndex(); }
 
   CarrierBench carrier;
 };
 
+class OpenTest : public CarrierFormsTest {
+ protected:
+  OpenTest() { form.show(); }
+
+  void Enter(const char* password) {
+    Type(form, "txt_Pass", password);
+    Press(form, "Cmd_Ok");
+  }
+
+  CarrierPass form{carrier.carrier, *session, dialogue, nullptr};
+};
+
 TEST_F(CarrierFormsTest, FirstUseStartsWithCreatingAndLaterOnesWithOpening) {
-  EXPECT_EQ(Tabs(*std::make_unique<CarrierPass>(carrier.carrier, *session, dialogue, nullptr)).currentIndex(),
-            1);
-  CarrierPass form(carrier.carrier, *session, dialogue, nullptr);
+  settings->DeleteSection("option");
+  CarrierPass first(carrier.carrier, *session, dialogue, nullptr);
+  EXPECT_EQ(Tab(first), 1);
   dialogue.script.Expect("create.no-password", Answer::Ok);
-  Press(form, "Cmd_Ok");
-  EXPECT_EQ(settings->Get("option", "Tabs", ""), "1") << "written by each OK, whatever comes of it";
+  Press(first, "Cmd_Ok");
   CarrierPass again(carrier.carrier, *session, dialogue, nullptr);
-  EXPECT_EQ(Tabs(again).currentIndex(), 0);
+  EXPECT_EQ(Tab(again), 0) << "each OK counts, whatever comes of it";
   session->HideOpenRequested = true;
   CarrierPass hiding(carrier.carrier, *session, dialogue, nullptr);
-  EXPECT_EQ(Tabs(hiding).currentIndex(), 1);
+  EXPECT_EQ(Tab(hiding), 1);
 }
 
-TEST_F(CarrierFormsTest, RightPasswordOpensTheHideoutBehindForeignEntries) {
-  OpenSide();
-  CarrierPass form(carrier.carrier, *session, dialogue, nullptr);
-  form.show();
-  Type(form, "txt_Pass", "secret");
-  Press(form, "Cmd_Ok");
+TEST_F(OpenTest, RightPasswordOpensTheHideoutBehindForeignEntries) {
+  Enter("secret");
   EXPECT_EQ(form.result(), QDialog::Accepted);
   EXPECT_EQ(session->filesPanel, "2 File(s) ");
   EXPECT_EQ(session->algorithmPanel, " RIJNDAEL-256");
   ASSERT_NE(session->SelectedNode(), nullptr);
   EXPECT_EQ(session->fileList.Rows().size(), 2U);
+  FrmProperties properties(*session, nullptr);
+  properties.resize(600, 400);
+  const std::pair<const char*, std::string> shown[] = {
+      {"lb_name", "carrier.bin"},
+      {"lb_path", carrier.folder.Where()},
+      {"lb_size", GroupedKilobytes(static_cast<double>(carrier.Size())) + " KB"},
+      {"lb_files", "2"},
+      {"lb_algorithm", "RIJNDAEL-256"}};
+  for (const auto& [label, text] : shown)
+    EXPECT_EQ(Find<QLabel>(properties, label).text().toStdString(), text);
+  EXPECT_FALSE(Find<QLabel>(properties, "lb_lastmodified").text().isEmpty());
+  std::filesystem::remove(carrier.carrier);
+  EXPECT_THROW(FrmProperties(*session, nullptr), Error);
 }
 
-TEST_F(CarrierFormsTest, WrongPasswordIsDeniedAndLeadsToANewHideout) {
-  OpenSide();
-  CarrierPass form(carrier.carrier, *session, dialogue, nullptr);
-  form.show();
+TEST_F(OpenTest, WrongPasswordIsDeniedAndLeadsToANewHideout) {
   dialogue.script.Expect("open.no-password", Answer::Ok)
       .Expect("open.denied", Answer::No)
       .Expect("open.denied", Answer::Yes);
   Press(form, "Cmd_Ok");
-  Type(form, "txt_Pass", "wrong");
-  Press(form, "Cmd_Ok");
+  Enter("wrong");
   EXPECT_TRUE(Find<PasswordField>(form, "txt_Pass").IsEmpty());
-  EXPECT_EQ(Tabs(form).currentIndex(), 0);
+  EXPECT_EQ(Tab(form), 0);
   EXPECT_FALSE(Find(form, "StatusContainer").isVisible());
   EXPECT_TRUE(Find(form, "Cmd_Ok").isEnabled());
-  Type(form, "txt_Pass", "wrong");
-  Press(form, "Cmd_Ok");
-  EXPECT_EQ(Tabs(form).currentIndex(), 1);
+  Enter("wrong");
+  EXPECT_EQ(Tab(form), 1);
   EXPECT_TRUE(form.isVisible());
   EXPECT_TRUE(session->catalogue.Roots().empty());
 }
 
-TEST_F(CarrierFormsTest, CancelWhileTryingStopsTheTriesAndOnlyThenLeaves) {
-  OpenSide();
-  CarrierPass form(carrier.carrier, *session, dialogue, nullptr);
-  form.show();
-  Type(form, "txt_Pass", "secret");
+TEST_F(OpenTest, CancelWhileTryingStopsTheTriesAndOnlyThenLeaves) {
   bool wasLive = false;
   dialogue.script.onYield = [&](std::size_t) {
     wasLive = Find(form, "Cmd_Cancel").isEnabled() && !Find(form, "Cmd_Ok").isEnabled() &&
@@ -92,7 +103,7 @@ TEST_F(CarrierFormsTest, CancelWhileTryingStopsTheTriesAndOnlyThenLeaves) {
     EXPECT_TRUE(form.isVisible());
   };
   dialogue.script.Expect("open.denied", Answer::No);
-  Press(form, "Cmd_Ok");
+  Enter("secret");
   EXPECT_TRUE(wasLive);
   EXPECT_TRUE(session->catalogue.Roots().empty());
   EXPECT_FALSE(session->guards.AbortReadingFlag);
@@ -104,6 +115,7 @@ TEST_F(CarrierFormsTest, CancelWhileTryingStopsTheTriesAndOnlyThenLeaves) {
 
 TEST_F(CarrierFormsTest, CreatingChecksInOrderAndWritesNothing) {
   const std::string before = ReadAll(carrier.carrier);
+  session->HideOpenRequested = true;
   CarrierPass form(carrier.carrier, *session, dialogue, nullptr);
   form.show();
   dialogue.script.Expect("create.no-password", Answer::Ok)
@@ -146,7 +158,7 @@ class CarrierFileTest : public CarrierFormsTest {
 };
 
 TEST_F(CarrierFileTest, BrowsingRemembersTheFolderAndPassesTheFileOn) {
-  files.answers = {carrier.carrier, std::nullopt};
+  files.answers = {carrier.carrier};
   Press(form, "BrowseCmd");
   EXPECT_EQ(settings->Get("options", "Folder Open Last", ""), carrier.folder.Where());
   Press(form, "BrowseCmd");
@@ -156,18 +168,18 @@ TEST_F(CarrierFileTest, BrowsingRemembersTheFolderAndPassesTheFileOn) {
 }
 
 TEST_F(CarrierFileTest, StartsWhereTheSettingSaysIfThatFolderExists) {
-  struct Case {
+  const Path there = temp.Where();
+  const struct {
     const char* mode;
     Path specified;
     Path start;
-  };
-  const Path there = temp.Where();
-  for (const Case& each : {Case{"1", there, ""}, {"2", there, ""}, {"3", there, there}, {"3", "/gone", ""}}) {
-    settings->Set("options", "Folder Open", each.mode);
-    settings->Set("options", "Folder Open Spec", each.specified.native());
+  } cases[] = {{"1", there, ""}, {"3", there, there}, {"3", "/gone", ""}};
+  for (const auto& [mode, specified, start] : cases) {
+    settings->Set("options", "Folder Open", mode);
+    settings->Set("options", "Folder Open Spec", specified.native());
     session->ReloadSettings();
     Press(form, "BrowseCmd");
-    EXPECT_EQ(files.startFolder, each.start) << each.mode;
+    EXPECT_EQ(files.startFolder, start) << mode;
   }
 }
 
@@ -178,25 +190,6 @@ TEST_F(CarrierFileTest, RefusesNoNameAFolderAndAMissingFile) {
     Press(form, "Command2");
   }
   EXPECT_TRUE(passedOn.empty());
-}
-
-TEST_F(CarrierFormsTest, PropertiesShowWhatIsKnownOfTheCarrier) {
-  OpenSide();
-  CarrierPass opening(carrier.carrier, *session, dialogue, nullptr);
-  Type(opening, "txt_Pass", "secret");
-  Press(opening, "Cmd_Ok");
-  FrmProperties form(*session, nullptr);
-  form.resize(600, 400);
-  form.show();
-  EXPECT_EQ(Find<QLabel>(form, "lb_name").text(), QStringLiteral("carrier.bin"));
-  EXPECT_EQ(Find<QLabel>(form, "lb_path").text().toStdString(), carrier.folder.Where());
-  EXPECT_EQ(Find<QLabel>(form, "lb_size").text().toStdString(),
-            GroupedKilobytes(static_cast<double>(carrier.Size())) + " KB");
-  EXPECT_EQ(Find<QLabel>(form, "lb_files").text(), QStringLiteral("2"));
-  EXPECT_EQ(Find<QLabel>(form, "lb_algorithm").text(), QStringLiteral("RIJNDAEL-256"));
-  EXPECT_FALSE(Find<QLabel>(form, "lb_lastmodified").text().isEmpty());
-  std::filesystem::remove(carrier.carrier);
-  EXPECT_THROW(FrmProperties(*session, nullptr), Error);
 }
 
 }  // namespace

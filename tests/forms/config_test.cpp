@@ -1,12 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <QCheckBox>
-#include <QRadioButton>
 #include <QSlider>
 #include <QTabBar>
 
 #include "app/forms/config_form.h"
-#include "app/forms/config_password_page.h"
 #include "tests/forms/forms_bench.h"
 
 namespace tarnel::test {
@@ -35,10 +32,8 @@ TEST_F(ConfigTest, HasAControlForEverySettingThatShowsThePreset) {
 }
 
 TEST_F(ConfigTest, OkWritesAndCancelDoesNot) {
-  Find<QAbstractButton>(form, "Chk_View_Gridlines").setChecked(true);
-  Find<QAbstractButton>(form, "Chk_StatusBar").setChecked(false);
-  Find<QAbstractButton>(form, "Opt_Mouse_View").setChecked(true);
-  Find<QAbstractButton>(form, "opt_viewfolder").setChecked(true);
+  for (const char* control : {"Chk_View_Gridlines", "Chk_StatusBar", "Opt_Mouse_View"})
+    Press(form, control);
   Press(form, "Cmd_Cancel");
   EXPECT_FALSE(settings->Find("options", "Grid lines"));
   Press(form, "Cmd_Ok");
@@ -46,7 +41,6 @@ TEST_F(ConfigTest, OkWritesAndCancelDoesNot) {
   EXPECT_EQ(stored.Get("options", "Grid lines", ""), "1");
   EXPECT_EQ(stored.Get("options", "StatusBar", ""), "0");
   EXPECT_EQ(stored.Get("options", "Mouse_Event", ""), "View");
-  EXPECT_EQ(stored.Get("options", "PreviewTemp", ""), "0");
   EXPECT_EQ(statusBar, false);
 }
 
@@ -81,27 +75,13 @@ TEST_F(ConfigTest, DefaultsAreBackAtOnceAndStayAfterCancel) {
   EXPECT_EQ(folders, true);
 }
 
-TEST_F(ConfigTest, PasswordPageStaysHiddenAndKeepsItsOwnRules) {
-  auto& page = Find<ConfigPasswordPage>(form, "Frame_4");
+TEST_F(ConfigTest, PasswordPageStaysHidden) {
   form.show();
   auto& tabs = Find<QTabBar>(form, "TabStrip");
   for (int tab = 0; tab < tabs.count(); ++tab) {
     tabs.setCurrentIndex(tab);
-    EXPECT_FALSE(page.isVisible());
+    EXPECT_FALSE(Find(form, "Frame_4").isVisible());
   }
-  auto& require = Find<QCheckBox>(form, "Chk_pro_require");
-  require.setChecked(true);
-  EXPECT_TRUE(IsChecked("chk_pro_hidefiles") && IsChecked("Chk_Pro_CarrierProperties"));
-  EXPECT_FALSE(IsChecked("chk_pro_showconfig"));
-  EXPECT_TRUE(Find(form, "chk_pro_showconfig").isEnabledTo(&page));
-  dialogue.script.Expect("config.no-password", Answer::Ok);
-  tabs.setCurrentIndex(0);
-  EXPECT_EQ(tabs.currentIndex(), 2) << "the tab change is cancelled";
-  require.setChecked(false);
-  EXPECT_FALSE(IsChecked("chk_pro_hidefiles"));
-  EXPECT_FALSE(Find(form, "txt_pro_password").isEnabledTo(&page));
-  tabs.setCurrentIndex(0);
-  EXPECT_EQ(tabs.currentIndex(), 0);
 }
 
 }  // namespace

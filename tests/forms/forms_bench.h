@@ -39,7 +39,7 @@ inline void Type(QObject& parent, const char* field, const char* text) {
 /// Chooses in file dialogs what the test laid ready; cancels where it laid nothing.
 class ChosenFiles : public FileDialogs {
  public:
-  std::deque<std::optional<Path>> answers;
+  std::deque<Path> answers;
   Path startFolder;
   int asked = 0;
 
@@ -57,7 +57,7 @@ class ChosenFiles : public FileDialogs {
     startFolder = folder;
     ++asked;
     if (answers.empty()) return std::nullopt;
-    const auto answer = answers.front();
+    const Path answer = answers.front();
     answers.pop_front();
     return answer;
   }
@@ -106,19 +106,14 @@ class ModalSteps {
   bool m_isBusy = false;
 };
 
-/// Lets events run inside operations, as windows do.
-class LivelyDialogue : public Scripted<> {
- public:
-  void Yield() override {
-    Scripted<>::Yield();
-    QCoreApplication::processEvents();
-  }
-};
-
 /// A main window with everything around it scripted.
 class FormsBench {
  public:
-  FormsBench() { MakeWindow(); }
+  FormsBench() {
+    // Events run inside operations, as in windows.
+    dialogue.script.onYield = [](std::size_t) { QCoreApplication::processEvents(); };
+    MakeWindow();
+  }
 
   void MakeWindow() {
     window.reset();
@@ -138,7 +133,7 @@ class FormsBench {
 
   TempFolder temp;
   PosixFiles posix;
-  LivelyDialogue dialogue;
+  Scripted<> dialogue;
   ChosenFiles files;
   ModalSteps modal;
   QUrl opened;

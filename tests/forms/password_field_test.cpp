@@ -5,7 +5,7 @@
 #include <QClipboard>
 #include <QKeyEvent>
 #include <QTest>
-#include <cstring>
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 
@@ -77,28 +77,14 @@ TEST(PasswordField, GivesNothingToTheClipboardEvenWhileShown) {
   EXPECT_EQ(TextOf(field), "topsecret");
 }
 
-/// The characters of `masked` are those of the password ^ 0x5A: the plain text is never put together here.
-bool StandsAt(const char* at, const char* end, const std::string& masked, std::size_t step) {
-  if (static_cast<std::size_t>(end - at) < masked.size() * step) return false;
-  for (std::size_t i = 0; i < masked.size(); ++i) {
-    if ((at[i * step] ^ 0x5A) != masked[i] || (step == 2 && at[i * step + 1] != 0)) return false;
-  }
-  return true;
-}
-
-int CountIn(const std::string& block, const std::string& masked) {
-  int count = 0;
-  const char* const end = block.data() + block.size();
-  for (const char* at = block.data(); at < end; ++at) {
-    at = static_cast<const char*>(std::memchr(at, masked[0] ^ 0x5A, static_cast<std::size_t>(end - at)));
-    if (at == nullptr) break;
-    count += StandsAt(at, end, masked, 1) || StandsAt(at, end, masked, 2);
-  }
-  return count;
-}
-
-/// How often the password stands in this process's writable memory, as bytes or as UTF-16.
+/// In how many pieces of this process's writable memory the password stands, as bytes or as UTF-16. The
+/// characters of `masked` are those of the password ^ 0x5A: the plain text is never put together here.
 int CountInMemory(const std::string& masked) {
+  std::string wide;
+  for (const char each : masked)
+    wide.append({each, 0x5A});
+  wide.pop_back();
+  const auto equals = [](char plain, char mask) { return (plain ^ 0x5A) == mask; };
   int count = 0;
   std::ifstream maps("/proc/self/maps");
   std::ifstream memory("/proc/self/mem", std::ios::binary);
@@ -112,8 +98,9 @@ int CountInMemory(const std::string& masked) {
     std::string block(to - from, '\0');
     memory.clear();
     memory.seekg(static_cast<std::streamoff>(from));
-    if (memory.read(block.data(), static_cast<std::streamsize>(block.size())))
-      count += CountIn(block, masked);
+    memory.read(block.data(), static_cast<std::streamsize>(block.size()));
+    for (const std::string& wanted : {masked, wide})
+      count += std::search(block.begin(), block.end(), wanted.begin(), wanted.end(), equals) != block.end();
     Wipe(block.data(), block.size());
   }
   return count;
@@ -126,9 +113,8 @@ TEST(PasswordField, LeavesNoPasswordInMemory) {
   {
     PasswordField field;
     field.resize(300, 30);
-    for (const char each : masked) {
+    for (const char each : masked)
       PressKey(field, 0, Qt::NoModifier, QString(QChar(static_cast<char16_t>(each ^ 0x5A))));
-    }
     field.SetShown(true);
     field.grab();
     ASSERT_EQ(field.Password().View().size(), masked.size());
