@@ -1,7 +1,6 @@
 #pragma once
 
 #include <map>
-#include <memory>
 #include <random>
 #include <string>
 
@@ -30,37 +29,11 @@ class Dice {
 /// operation.
 class RandomSequence {
  public:
-  explicit RandomSequence(unsigned seed);
-  void Run(int steps);
+  explicit RandomSequence(unsigned seed) : m_seed(seed) {}
+  void Run(int steps) const;
 
  private:
-  void Step();
-  void Hide();
-  void Delete();
-  void Update();
-  void ChangePassword();
-  void ExtractOne();
-
-  void Check();
-  void Must(bool holds, const std::string& what) const;
-  std::string AnyPassword();
-  std::string AnyHideout();
-  std::string UnusedPassword();
-  std::string FreePath(const Entries& taken);
-  std::string Content();
-  /// The session with the hideout of `password` open, which may be cancelled at some yield.
-  std::unique_ptr<CarrierSession> Opened(const std::string& password);
-
   unsigned m_seed;
-  Dice m_dice;
-  int m_step = 0;
-  std::string m_doing;
-  TempFolder m_folder;
-  TempFolder m_sources;
-  std::string m_body;
-  Path m_carrier;
-  PosixFiles m_files;
-  Model m_model;
 };
 
 }  // namespace tarnel::test

@@ -1,6 +1,7 @@
 #include "tests/proof/power_loss.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 #include <stdexcept>
 #include <utility>
@@ -9,41 +10,126 @@ namespace tarnel::test {
 
 namespace {
 
+/// What a disk holds: names, and the contents that they lead to.
+struct Disk {
+  std::map<Path, int> names;
+  std::map<int, std::string> contents;
+
+  static Disk Of(const std::vector<Path>& files) {
+    Disk disk;
+    for (const Path& file : files) {
+      const int number = static_cast<int>(disk.names.size());
+      disk.names[file] = number;
+      disk.contents[number] = ReadAll(file);
+    }
+    return disk;
+  }
+  std::string ContentOf(int file) const { return contents.contains(file) ? contents.at(file) : ""; }
+  /// Makes it so; `all` are the files that are there at the moment.
+  void Restore(const std::vector<Path>& all) const {
+    for (const Path& file : all)
+      std::filesystem::remove(file);
+    for (const auto& [path, number] : names)
+      WriteAll(path, ContentOf(number));
+  }
+  /// Names and contents in one string.
+  std::string Image() const {
+    std::string image;
+    for (const auto& [path, number] : names)
+      image += path.native() + '\0' + ContentOf(number) + '\0';
+    return image;
+  }
+};
+
+/// One call that changes the disk, or makes changes durable.
+struct DiskStep {
+  enum class Kind { Write, Truncate, Sync, Create, Remove, Rename, SyncFolder } kind;
+  int file = 0;
+  Length at = 0;           ///< Write: bytes before it; Truncate: the new length
+  std::string bytes = {};  ///< Write
+  Path path = {};          ///< Create, Remove, SyncFolder; Rename: the old name
+  Path to = {};            ///< Rename
+};
+
 using Kind = DiskStep::Kind;
 
 class RecordingFile : public File {
  public:
-  RecordingFile(RecordingFiles& files, std::unique_ptr<File> inner, int number)
-      : m_files(files), m_inner(std::move(inner)), m_number(number) {}
+  RecordingFile(std::vector<DiskStep>& steps, std::unique_ptr<File> inner, int number)
+      : m_steps(steps), m_inner(std::move(inner)), m_number(number) {}
 
   std::size_t ReadAt(Position from, MutableBytes into) override { return m_inner->ReadAt(from, into); }
   void WriteAt(Position to, Bytes bytes) override {
     m_inner->WriteAt(to, bytes);
-    m_files.Note({.kind = Kind::Write,
-                  .file = m_number,
-                  .at = to - Position{},
-                  .bytes = std::string(bytes.begin(), bytes.end()),
-                  .path = {},
-                  .to = {}});
+    m_steps.push_back({.kind = Kind::Write,
+                       .file = m_number,
+                       .at = to - Position{},
+                       .bytes = std::string(bytes.begin(), bytes.end())});
   }
   FileStat Stat() override { return m_inner->Stat(); }
   void Truncate(Length length) override {
     m_inner->Truncate(length);
-    m_files.Note({.kind = Kind::Truncate, .file = m_number, .at = length, .bytes = {}, .path = {}, .to = {}});
+    m_steps.push_back({.kind = Kind::Truncate, .file = m_number, .at = length});
   }
   void SetMode(mode_t mode) override { m_inner->SetMode(mode); }
   void Sync() override {
     m_inner->Sync();
-    m_files.Note({.kind = Kind::Sync, .file = m_number, .bytes = {}, .path = {}, .to = {}});
+    m_steps.push_back({.kind = Kind::Sync, .file = m_number});
   }
   void Lock() override { m_inner->Lock(); }
   void Close() override { m_inner->Close(); }
 
  private:
-  RecordingFiles& m_files;
+  std::vector<DiskStep>& m_steps;
   std::unique_ptr<File> m_inner;
   int m_number;
 };
+
+/// The platform's files; notes every step.
+class RecordingFiles : public PosixFiles {
+ public:
+  explicit RecordingFiles(const Disk& start) : m_names(start.names) {}
+
+  std::unique_ptr<File> OpenToRead(const Path& path) override {
+    return Recorded(PosixFiles::OpenToRead(path), m_names.at(path));
+  }
+  std::unique_ptr<File> OpenToChange(const Path& path) override {
+    return Recorded(PosixFiles::OpenToChange(path), m_names.at(path));
+  }
+  std::unique_ptr<File> CreateNew(const Path& path, mode_t mode) override {
+    auto file = PosixFiles::CreateNew(path, mode);
+    const int number = m_names[path] = 1000 + static_cast<int>(steps.size());
+    steps.push_back({.kind = Kind::Create, .file = number, .path = path});
+    return Recorded(std::move(file), number);
+  }
+  void Remove(const Path& path) override {
+    PosixFiles::Remove(path);
+    m_names.erase(path);
+    steps.push_back({.kind = Kind::Remove, .path = path});
+  }
+  void Rename(const Path& from, const Path& to) override {
+    PosixFiles::Rename(from, to);
+    m_names[to] = m_names.at(from);
+    m_names.erase(from);
+    steps.push_back({.kind = Kind::Rename, .file = m_names.at(to), .path = from, .to = to});
+  }
+  void SyncFolder(const Path& folder) override {
+    PosixFiles::SyncFolder(folder);
+    steps.push_back({.kind = Kind::SyncFolder, .path = folder});
+  }
+
+  std::vector<DiskStep> steps;
+
+ private:
+  std::unique_ptr<File> Recorded(std::unique_ptr<File> file, int number) {
+    return std::make_unique<RecordingFile>(steps, std::move(file), number);
+  }
+
+  std::map<Path, int> m_names;
+};
+
+/// What becomes of a change that nothing has made durable.
+enum class Unsynced { Lost, Kept, Halved, Random };
 
 bool ChangesContents(const DiskStep& step) {
   return step.kind == Kind::Write || step.kind == Kind::Truncate;
@@ -88,70 +174,9 @@ void Apply(const DiskStep& step, Disk& disk, Unsynced fate) {
   }
 }
 
-}  // namespace
-
-Disk Disk::Of(const std::vector<Path>& files) {
-  Disk disk;
-  for (const Path& file : files) {
-    const int number = static_cast<int>(disk.names.size());
-    disk.names[file] = number;
-    disk.contents[number] = ReadAll(file);
-  }
-  return disk;
-}
-
-void Disk::Restore(const std::vector<Path>& all) const {
-  for (const Path& file : all)
-    std::filesystem::remove(file);
-  for (const auto& [path, number] : names) {
-    const auto content = contents.find(number);
-    WriteAll(path, content == contents.end() ? std::string() : content->second);
-  }
-}
-
-std::string Disk::Image() const {
-  std::string image;
-  for (const auto& [path, number] : names) {
-    const auto content = contents.find(number);
-    image += path.native() + '\0' + (content == contents.end() ? std::string() : content->second) + '\0';
-  }
-  return image;
-}
-
-std::unique_ptr<File> RecordingFiles::OpenToRead(const Path& path) {
-  return std::make_unique<RecordingFile>(*this, PosixFiles::OpenToRead(path), m_names.at(path));
-}
-
-std::unique_ptr<File> RecordingFiles::OpenToChange(const Path& path) {
-  return std::make_unique<RecordingFile>(*this, PosixFiles::OpenToChange(path), m_names.at(path));
-}
-
-std::unique_ptr<File> RecordingFiles::CreateNew(const Path& path, mode_t mode) {
-  std::unique_ptr<File> file = PosixFiles::CreateNew(path, mode);
-  const int number = 1000 + static_cast<int>(m_steps.size());
-  m_names[path] = number;
-  Note({.kind = Kind::Create, .file = number, .bytes = {}, .path = path, .to = {}});
-  return std::make_unique<RecordingFile>(*this, std::move(file), number);
-}
-
-void RecordingFiles::Remove(const Path& path) {
-  PosixFiles::Remove(path);
-  m_names.erase(path);
-  Note({.kind = Kind::Remove, .bytes = {}, .path = path, .to = {}});
-}
-
-void RecordingFiles::Rename(const Path& from, const Path& to) {
-  PosixFiles::Rename(from, to);
-  m_names[to] = m_names.at(from);
-  m_names.erase(from);
-  Note({.kind = Kind::Rename, .file = m_names.at(to), .bytes = {}, .path = from, .to = to});
-}
-
-void RecordingFiles::SyncFolder(const Path& folder) {
-  PosixFiles::SyncFolder(folder);
-  Note({.kind = Kind::SyncFolder, .bytes = {}, .path = folder, .to = {}});
-}
-
+/// The disk after a loss of power behind the first `done` steps. A write is durable once its file was synced
+/// behind it, a name once its folder was. The others come true or not, each by itself; of a write that is
+/// halved the front part does.
 Disk AfterPowerLoss(const Disk& start, const std::vector<DiskStep>& steps, std::size_t done, Unsynced writes,
                     Unsynced names, Dice& dice) {
   Disk disk = start;
@@ -164,8 +189,6 @@ Disk AfterPowerLoss(const Disk& start, const std::vector<DiskStep>& steps, std::
   }
   return disk;
 }
-
-namespace {
 
 /// One command, recorded, with the disks that it could leave.
 class PowerLosses {
@@ -192,7 +215,7 @@ class PowerLosses {
     RecordingFiles files(m_start);
     m_scene.Run(m_command, [&](const std::vector<std::string>& words) { RunHere(words, files); });
     m_scene.JudgeFinished(m_command);
-    m_steps = files.Steps();
+    m_steps = files.steps;
   }
 
   void Look(std::size_t done, Unsynced writes, Unsynced names) {

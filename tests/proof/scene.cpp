@@ -4,8 +4,8 @@
 #include <stdexcept>
 
 #include "carrier/companions.h"
-#include "cli/run_cli.h"
 #include "crypto/keys.h"
+#include "tests/cli/cli_bench.h"
 
 namespace tarnel::test {
 
@@ -15,23 +15,11 @@ constexpr const char* kMine = "one";
 constexpr const char* kTheirs = "two words";
 constexpr const char* kFresh = "4";
 
-class AgreeingTerminal : public Terminal {
+class AgreeingTerminal : public ScriptedTerminal {
  public:
-  void Write(std::string_view) override {}
-  void FinishOutput() override {}
-  void WriteError(std::string_view) override {}
-  bool OutputIsTerminal() const override { return false; }
-  bool ErrorIsTerminal() const override { return false; }
-  std::size_t Width() const override { return 80; }
-  bool CanAsk() override { return true; }
+  AgreeingTerminal() { canAsk = true; }
   std::optional<std::string> ReadLine(std::string_view) override { return "y"; }
-  std::optional<Secret> ReadSecret(std::string_view) override { return std::nullopt; }
-  bool CancelRequested() const override { return false; }
 };
-
-std::optional<std::string> NoVariable(const char*) {
-  return std::nullopt;
-}
 
 bool Contains(const Entries& entries, const Entry& entry) {
   return std::find(entries.begin(), entries.end(), entry) != entries.end();
@@ -201,7 +189,7 @@ std::vector<Path> Scene::AllFiles() const {
 
 int RunHere(const std::vector<std::string>& words, Files& files) {
   AgreeingTerminal terminal;
-  return RunCli(words, terminal, files, NoVariable);
+  return RunCli(words, terminal, files, [](const char*) { return std::nullopt; });
 }
 
 }  // namespace tarnel::test
