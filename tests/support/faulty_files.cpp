@@ -11,32 +11,19 @@ class FaultyFile : public File {
       : m_files(files), m_inner(std::move(inner)), m_path(std::move(path)) {}
 
   std::size_t ReadAt(Position from, MutableBytes into) override {
-    m_files.Enter("File.ReadAt", m_path);
-    return m_inner->ReadAt(from, into);
+    return Enter("File.ReadAt").ReadAt(from, into);
   }
   void WriteAt(Position to, Bytes bytes) override { m_files.Write(*m_inner, m_path, to, bytes); }
-  FileStat Stat() override {
-    m_files.Enter("File.Stat", m_path);
-    return m_inner->Stat();
-  }
+  FileStat Stat() override { return Enter("File.Stat").Stat(); }
   void Truncate(Length length) override {
-    m_files.Enter("File.Truncate", m_path);
-    const Length oldSize = m_inner->Size();
-    m_inner->Truncate(length);
+    File& file = Enter("File.Truncate");
+    const Length oldSize = file.Size();
+    file.Truncate(length);
     m_files.GiveBack(oldSize - length);
   }
-  void SetMode(mode_t mode) override {
-    m_files.Enter("File.SetMode", m_path);
-    m_inner->SetMode(mode);
-  }
-  void Sync() override {
-    m_files.Enter("File.Sync", m_path);
-    m_inner->Sync();
-  }
-  void Lock() override {
-    m_files.Enter("File.Lock", m_path);
-    m_inner->Lock();
-  }
+  void SetMode(mode_t mode) override { Enter("File.SetMode").SetMode(mode); }
+  void Sync() override { Enter("File.Sync").Sync(); }
+  void Lock() override { Enter("File.Lock").Lock(); }
   // Like the platform's: closed whether it fails or not.
   void Close() override {
     const std::optional<Error> fault = m_files.Count("File.Close", m_path);
@@ -45,6 +32,11 @@ class FaultyFile : public File {
   }
 
  private:
+  File& Enter(const char* name) {
+    m_files.Enter(name, m_path);
+    return *m_inner;
+  }
+
   FaultyFiles& m_files;
   std::unique_ptr<File> m_inner;
   Path m_path;
@@ -57,43 +49,35 @@ class FaultyFolder : public Folder {
 
   const Path& Where() const override { return m_inner->Where(); }
   std::unique_ptr<Folder> Enter(std::string_view name, IfMissing ifMissing) override {
-    m_files.Enter("Folder.Enter", Where() / name);
-    return std::make_unique<FaultyFolder>(m_files, m_inner->Enter(name, ifMissing));
+    return std::make_unique<FaultyFolder>(m_files, Do("Folder.Enter", name).Enter(name, ifMissing));
   }
-  std::optional<FileStat> Stat(std::string_view name) override {
-    m_files.Enter("Folder.Stat", Where() / name);
-    return m_inner->Stat(name);
-  }
+  std::optional<FileStat> Stat(std::string_view name) override { return Do("Folder.Stat", name).Stat(name); }
   std::unique_ptr<File> CreateNew(std::string_view name, mode_t mode) override {
-    m_files.Enter("Folder.CreateNew", Where() / name);
-    return std::make_unique<FaultyFile>(m_files, m_inner->CreateNew(name, mode), Where() / name);
+    return std::make_unique<FaultyFile>(m_files, Do("Folder.CreateNew", name).CreateNew(name, mode),
+                                        Where() / name);
   }
   void Rename(std::string_view from, std::string_view to) override {
-    m_files.Enter("Folder.Rename", Where() / from);
+    Folder& folder = Do("Folder.Rename", from);
     const std::int64_t replaced = from == to ? 0 : m_files.SizeOf(Where() / to);
-    m_inner->Rename(from, to);
+    folder.Rename(from, to);
     m_files.GiveBack(replaced);
   }
   void Remove(std::string_view name) override {
-    m_files.Enter("Folder.Remove", Where() / name);
+    Folder& folder = Do("Folder.Remove", name);
     const std::int64_t size = m_files.SizeOf(Where() / name);
-    m_inner->Remove(name);
+    folder.Remove(name);
     m_files.GiveBack(size);
   }
-  void RemoveFolder(std::string_view name) override {
-    m_files.Enter("Folder.RemoveFolder", Where() / name);
-    m_inner->RemoveFolder(name);
-  }
-  std::vector<FolderEntry> List() override {
-    m_files.Enter("Folder.List", Where());
-    return m_inner->List();
-  }
-  void SetMode(mode_t mode) override {
-    m_files.Enter("Folder.SetMode", Where());
-    m_inner->SetMode(mode);
-  }
+  void RemoveFolder(std::string_view name) override { Do("Folder.RemoveFolder", name).RemoveFolder(name); }
+  std::vector<FolderEntry> List() override { return Do("Folder.List").List(); }
+  void SetMode(mode_t mode) override { Do("Folder.SetMode").SetMode(mode); }
 
  private:
+  Folder& Do(const char* operation, std::string_view name = {}) {
+    m_files.Enter(operation, name.empty() ? Where() : Where() / name);
+    return *m_inner;
+  }
+
   FaultyFiles& m_files;
   std::unique_ptr<Folder> m_inner;
 };
@@ -115,9 +99,10 @@ std::optional<Error> FaultyFiles::Count(const char* name, const Path& path) {
                "cannot do " + operation.name + " on " + path.native() + ": as the test wanted", path);
 }
 
-void FaultyFiles::Enter(const char* name, const Path& path) {
+Files& FaultyFiles::Enter(const char* name, const Path& path) {
   const std::optional<Error> fault = Count(name, path);
   if (fault) throw Error(*fault);
+  return m_inner;
 }
 
 void FaultyFiles::Write(File& file, const Path& path, Position to, Bytes bytes) {
@@ -150,24 +135,20 @@ std::int64_t FaultyFiles::SizeOf(const Path& path) {
   return stat && stat->kind == FileKind::Regular ? stat->size : 0;
 }
 
-std::optional<FileStat> FaultyFiles::Stat(const Path& path, Links links) {
-  Enter("Files.Stat", path);
-  return m_inner.Stat(path, links);
-}
-
 std::unique_ptr<File> FaultyFiles::OpenToRead(const Path& path) {
-  Enter("Files.OpenToRead", path);
-  return std::make_unique<FaultyFile>(*this, m_inner.OpenToRead(path), path);
+  return std::make_unique<FaultyFile>(*this, Enter("Files.OpenToRead", path).OpenToRead(path), path);
 }
 
 std::unique_ptr<File> FaultyFiles::OpenToChange(const Path& path) {
-  Enter("Files.OpenToChange", path);
-  return std::make_unique<FaultyFile>(*this, m_inner.OpenToChange(path), path);
+  return std::make_unique<FaultyFile>(*this, Enter("Files.OpenToChange", path).OpenToChange(path), path);
 }
 
 std::unique_ptr<File> FaultyFiles::CreateNew(const Path& path, mode_t mode) {
-  Enter("Files.CreateNew", path);
-  return std::make_unique<FaultyFile>(*this, m_inner.CreateNew(path, mode), path);
+  return std::make_unique<FaultyFile>(*this, Enter("Files.CreateNew", path).CreateNew(path, mode), path);
+}
+
+std::unique_ptr<Folder> FaultyFiles::OpenFolder(const Path& path) {
+  return std::make_unique<FaultyFolder>(*this, Enter("Files.OpenFolder", path).OpenFolder(path));
 }
 
 void FaultyFiles::Remove(const Path& path) {
@@ -177,16 +158,6 @@ void FaultyFiles::Remove(const Path& path) {
   GiveBack(size);
 }
 
-void FaultyFiles::RemoveFolder(const Path& path) {
-  Enter("Files.RemoveFolder", path);
-  m_inner.RemoveFolder(path);
-}
-
-void FaultyFiles::CreateFolder(const Path& path, mode_t mode) {
-  Enter("Files.CreateFolder", path);
-  m_inner.CreateFolder(path, mode);
-}
-
 void FaultyFiles::Rename(const Path& from, const Path& to) {
   Enter("Files.Rename", from);
   const std::int64_t replaced = from == to ? 0 : SizeOf(to);
@@ -194,29 +165,9 @@ void FaultyFiles::Rename(const Path& from, const Path& to) {
   GiveBack(replaced);
 }
 
-void FaultyFiles::SetMode(const Path& path, mode_t mode) {
-  Enter("Files.SetMode", path);
-  m_inner.SetMode(path, mode);
-}
-
-void FaultyFiles::SyncFolder(const Path& folder) {
-  Enter("Files.SyncFolder", folder);
-  m_inner.SyncFolder(folder);
-}
-
-std::vector<FolderEntry> FaultyFiles::List(const Path& folder) {
-  Enter("Files.List", folder);
-  return m_inner.List(folder);
-}
-
 std::int64_t FaultyFiles::FreeSpace(const Path& path) {
-  Enter("Files.FreeSpace", path);
-  return m_space ? *m_space : m_inner.FreeSpace(path);
-}
-
-std::unique_ptr<Folder> FaultyFiles::OpenFolder(const Path& path) {
-  Enter("Files.OpenFolder", path);
-  return std::make_unique<FaultyFolder>(*this, m_inner.OpenFolder(path));
+  Files& inner = Enter("Files.FreeSpace", path);
+  return m_space ? *m_space : inner.FreeSpace(path);
 }
 
 }  // namespace tarnel::test

@@ -54,17 +54,23 @@ class FaultyFiles : public Files {
   /// always.
   std::function<void(const Operation&)> before;
 
-  std::optional<FileStat> Stat(const Path& path, Links links = Links::Follow) override;
+  std::optional<FileStat> Stat(const Path& path, Links links = Links::Follow) override {
+    return Enter("Files.Stat", path).Stat(path, links);
+  }
   std::unique_ptr<File> OpenToRead(const Path& path) override;
   std::unique_ptr<File> OpenToChange(const Path& path) override;
   std::unique_ptr<File> CreateNew(const Path& path, mode_t mode) override;
   void Remove(const Path& path) override;
-  void RemoveFolder(const Path& path) override;
-  void CreateFolder(const Path& path, mode_t mode) override;
+  void RemoveFolder(const Path& path) override { Enter("Files.RemoveFolder", path).RemoveFolder(path); }
+  void CreateFolder(const Path& path, mode_t mode) override {
+    Enter("Files.CreateFolder", path).CreateFolder(path, mode);
+  }
   void Rename(const Path& from, const Path& to) override;
-  void SetMode(const Path& path, mode_t mode) override;
-  void SyncFolder(const Path& folder) override;
-  std::vector<FolderEntry> List(const Path& folder) override;
+  void SetMode(const Path& path, mode_t mode) override { Enter("Files.SetMode", path).SetMode(path, mode); }
+  void SyncFolder(const Path& folder) override { Enter("Files.SyncFolder", folder).SyncFolder(folder); }
+  std::vector<FolderEntry> List(const Path& folder) override {
+    return Enter("Files.List", folder).List(folder);
+  }
   std::int64_t FreeSpace(const Path& path) override;
   std::unique_ptr<Folder> OpenFolder(const Path& path) override;
 
@@ -72,7 +78,7 @@ class FaultyFiles : public Files {
   friend class FaultyFile;
   friend class FaultyFolder;
 
-  void Enter(const char* name, const Path& path);
+  Files& Enter(const char* name, const Path& path);
   std::optional<Error> Count(const char* name, const Path& path);
   void Write(File& file, const Path& path, Position to, Bytes bytes);
   std::size_t Fitting(File& file, Position to, std::size_t length) const;

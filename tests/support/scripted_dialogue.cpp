@@ -2,31 +2,20 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <set>
 
 namespace tarnel::test {
 
 namespace {
 
-std::vector<Answer> Offered(Buttons buttons) {
-  switch (buttons) {
-    case Buttons::YesNo:
-      return {Answer::Yes, Answer::No};
-    case Buttons::RetryCancel:
-      return {Answer::Retry, Answer::Cancel};
-    case Buttons::AbortRetryIgnore:
-      return {Answer::Abort, Answer::Retry, Answer::Ignore};
-    case Buttons::YesNoOverwriteAll:
-      return {Answer::Yes, Answer::No, Answer::OverwriteAll};
-    case Buttons::Ok:
-      break;
-  }
-  return {Answer::Ok};
-}
-
 bool Offers(Buttons buttons, Answer answer) {
-  const std::vector<Answer> offered = Offered(buttons);
-  return std::find(offered.begin(), offered.end(), answer) != offered.end();
+  static const std::map<Buttons, std::set<Answer>> offered = {
+      {Buttons::Ok, {Answer::Ok}},
+      {Buttons::YesNo, {Answer::Yes, Answer::No}},
+      {Buttons::RetryCancel, {Answer::Retry, Answer::Cancel}},
+      {Buttons::AbortRetryIgnore, {Answer::Abort, Answer::Retry, Answer::Ignore}},
+      {Buttons::YesNoOverwriteAll, {Answer::Yes, Answer::No, Answer::OverwriteAll}}};
+  return offered.at(buttons).contains(answer);
 }
 
 }  // namespace

@@ -22,8 +22,6 @@ class Script {
   ~Script();
   Script(const Script&) = delete;
   Script& operator=(const Script&) = delete;
-  Script(Script&&) = delete;
-  Script& operator=(Script&&) = delete;
 
   /// The next question not covered by Always must be `id`, and gets `answer`.
   Script& Expect(std::string id, Answer answer);

@@ -15,8 +15,6 @@ class TempFolder {
   ~TempFolder();
   TempFolder(const TempFolder&) = delete;
   TempFolder& operator=(const TempFolder&) = delete;
-  TempFolder(TempFolder&&) = delete;
-  TempFolder& operator=(TempFolder&&) = delete;
 
   const Path& Where() const { return m_where; }
   Path operator/(std::string_view name) const { return m_where / name; }
@@ -48,8 +46,6 @@ class OrdinaryUser {
   ~OrdinaryUser();
   OrdinaryUser(const OrdinaryUser&) = delete;
   OrdinaryUser& operator=(const OrdinaryUser&) = delete;
-  OrdinaryUser(OrdinaryUser&&) = delete;
-  OrdinaryUser& operator=(OrdinaryUser&&) = delete;
 
  private:
   bool m_wasRoot;
