@@ -21,7 +21,8 @@ SearchRequest RequestFor(const SearchOptions& options, Secret password) {
 }
 
 std::string LineOf(const SearchRow& row) {
-  return Printable(row.carrier.native()) + "  " + Printable(ToPlatform(row.title)) + "\n";
+  return Printable(row.carrier.native()) + "  " + Printable(ToPlatform(row.title)) + "  " +
+         AlgorithmName(row.algorithm) + "\n";
 }
 
 std::string JsonOf(const SearchRow& row) {
@@ -37,9 +38,9 @@ ExitCode Report(const SearchSummary& summary, Surroundings& around) {
     around.messages.Warn("not searched: " + Printable(place.path.native()) + ": " + place.reason);
   }
   if (summary.ending == SearchEnding::Cancelled) throw CliFailure(ExitCode::Cancelled, "cancelled");
-  if (!summary.notSearched.empty()) return ExitCode::PartlyDone;
-  if (summary.found == 0) throw CliFailure(ExitCode::NoHideout, "no carrier there opens with this password");
-  return ExitCode::Done;
+  around.messages.Note(std::to_string(summary.found) + (summary.found == 1 ? " carrier" : " carriers") +
+                       " found");
+  return summary.notSearched.empty() ? ExitCode::Done : ExitCode::PartlyDone;
 }
 
 }  // namespace
