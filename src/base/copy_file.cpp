@@ -26,6 +26,7 @@ void CopyFile(Files& files, const Path& from, const Path& to, Durability durabil
   const FileStat stat = source->Stat();
   const std::unique_ptr<File> target = files.CreateNew(to, stat.mode & 0777);
   PartialFile partial(files, to);
+  if (durability == Durability::WrittenThrough) target->ExpectSync();
   if (CopyBlocks(*source, *target, hook) != stat.size)
     throw Error(ErrorNumber::DeviceIo,
                 "cannot copy " + Printable(from.native()) + ": its length changed meanwhile", from);

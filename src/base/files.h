@@ -71,6 +71,10 @@ class File {
   /// Sets the permission bits of the open file, whatever has become of its name.
   virtual void SetMode(mode_t mode) = 0;
 
+  /// Says that Sync will come. The platform then begins to put bytes on the medium while more are written, so
+  /// that Sync waits less; without it, it begins when it sees fit. Promises nothing, and can't fail.
+  virtual void ExpectSync() {}
+
   /// Returns when the bytes are on the medium.
   virtual void Sync() = 0;
 

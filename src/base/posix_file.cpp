@@ -24,6 +24,7 @@ class PosixFile : public File {
   FileStat Stat() override;
   void Truncate(Length length) override;
   void SetMode(mode_t mode) override;
+  void ExpectSync() override { m_expectsSync = true; }
   void Sync() override;
   void Lock() override;
   void Close() override;
@@ -31,10 +32,13 @@ class PosixFile : public File {
  private:
   int Number() const;
   off_t Offset(Position position, std::string_view verb) const;
+  void BeginSync(Length written);
 
   Descriptor m_descriptor;
   Path m_path;
   int m_syncError = 0;
+  bool m_expectsSync = false;
+  Length m_unsynced = 0;  ///< written since the platform was last told to begin
 };
 
 int PosixFile::Number() const {
@@ -77,6 +81,17 @@ void PosixFile::WriteAt(Position to, Bytes bytes) {
     if (put == 0) throw ErrnoError(EIO, "write", m_path);
     done += static_cast<std::size_t>(put);
   }
+  BeginSync(static_cast<Length>(done));
+}
+
+/// What goes wrong here is an error of the Sync that follows.
+void PosixFile::BeginSync(Length written) {
+  constexpr Length enough = Length{4} * 1024 * 1024;
+  m_unsynced += written;
+  if (!m_expectsSync || m_unsynced < enough) return;
+  constexpr off_t start = 0, wholeFile = 0;
+  ::sync_file_range(Number(), start, wholeFile, SYNC_FILE_RANGE_WRITE);
+  m_unsynced = 0;
 }
 
 Length PosixFile::CopyAt(Position to, File& source, Position from, Length length) {
@@ -92,6 +107,7 @@ Length PosixFile::CopyAt(Position to, File& source, Position from, Length length
     // Some file systems can't, and some say that the source ends: reading and writing finds out what holds.
     if (got <= 0) return done + File::CopyAt(to + done, source, from + done, length - done);
     done += got;
+    BeginSync(got);
   }
   return done;
 }

@@ -49,6 +49,7 @@ HeldCarrier::~HeldCarrier() {
 /// A second handle, so that closing it doesn't give up the lock.
 void HeldCarrier::OpenWriting() {
   m_writing = m_files.OpenToChange(m_path);
+  m_writing->ExpectSync();
   if (m_writing->Stat().IsSameFile(m_lock->Stat())) return;
   throw Error(ErrorNumber::PathFileAccess,
               "cannot change " + Printable(m_path.native()) + ": another file has taken its place", m_path);

@@ -15,7 +15,7 @@ Path WhereItLies(const Path& carrier, Files& files) {
   const std::optional<FileStat> found = files.Stat(carrier, Files::Links::DontFollow);
   if (!found || found->kind != FileKind::SymbolicLink) return carrier;
   std::error_code fault;
-  const Path target = std::filesystem::canonical(carrier, fault);
+  Path target = std::filesystem::canonical(carrier, fault);
   if (fault) throw ErrnoError(fault.value(), "open", carrier);
   return target;
 }
@@ -83,6 +83,7 @@ CarrierRewrite::CarrierRewrite(const Path& carrier, const std::vector<KnownEntry
     MustHold(entry);
   RefuseOrRemoveLeftover(leftover);
   m_temporary = files.CreateNew(m_temporaryPath, 0600);
+  m_temporary->ExpectSync();
   m_partial.emplace(files, m_temporaryPath);
   if (m_manner.savedAttributes == RewriteManner::SavedAttributes::ReadLast) return;
   m_savedMode = stat.mode;
