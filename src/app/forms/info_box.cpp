@@ -41,7 +41,7 @@ QUrl DocumentationUrl(const QString& file) {
   return QUrl::fromLocalFile(QFileInfo::exists(beside) ? beside : QFileInfo(installed).absoluteFilePath());
 }
 
-Info::Info(OutsideOpener open, QWidget* parent) : QDialog(parent) {
+Info::Info(const OutsideOpener& open, QWidget* parent) : QDialog(parent) {
   setObjectName(QStringLiteral("Info"));
   setWindowTitle(tr(" Tarnel 7.0 Info"));
   auto* const picture = new QLabel;

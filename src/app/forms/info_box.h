@@ -15,7 +15,7 @@ class Info : public QDialog {
   Q_OBJECT
 
  public:
-  Info(OutsideOpener open, QWidget* parent);
+  Info(const OutsideOpener& open, QWidget* parent);
 };
 
 /// A file of the program's documentation, beside the program or where it was installed to.
