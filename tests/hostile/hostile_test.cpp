@@ -113,6 +113,8 @@ TEST_F(Hostile, NamesAndFoldersLeadIntoTheTargetOrNowhere) {
       {"ok", Repeated("..\\", 40) + "outside", ""},
       {"victim", "..\\outside", ""},
       {"../outside/victim", "", ""},
+      {"/etc/passwd", "", ""},
+      {"passwd", "/etc", ""},
       {"victim", "../outside", ""},
       {"...", "", "..."},
       {"..", "....", ""},
