@@ -16,7 +16,7 @@
 namespace tarnel {
 namespace {
 
-constexpr std::size_t kCompared = 64 * 1024;
+constexpr std::size_t kCompared = std::size_t{64} * 1024;
 
 /// Verifies in the name of a plan: shows nothing.
 class QuietScreen : public VerifyScreen {

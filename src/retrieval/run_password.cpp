@@ -38,6 +38,7 @@ KnownEntry EntryOf(const MirrorRow& row) {
 
 std::vector<KnownEntry> EntriesOf(const std::vector<const MirrorRow*>& rows) {
   std::vector<KnownEntry> entries;
+  entries.reserve(rows.size());
   for (const MirrorRow* row : rows)
     entries.push_back(EntryOf(*row));
   return entries;

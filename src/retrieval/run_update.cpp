@@ -155,8 +155,8 @@ UpdateResult RunUpdate(const UpdateRequest& request, PreviewParcel& parcel, Read
   if (result.refused != UpdateResult::Refused::No) return result;
   Update update(request, parcel, reading, screen);
   result.ending = update.Run();
-  if (result.ending == RewriteEnding::Done) parcel = std::move(update).Parcel();
   if (result.ending == RewriteEnding::NotReplaced) result.temporary = update.TemporaryPath();
+  if (result.ending == RewriteEnding::Done) parcel = std::move(update).Parcel();
   return result;
 }
 

@@ -85,7 +85,7 @@ class Search {
   }
 
   // Takes its own copy, for the request may change while it yields.
-  void DeriveKey(Secret password) {
+  void DeriveKey(Secret password) {  // NOLINT(performance-unnecessary-value-param)
     PrepareKey(password, [this] { m_screen.Yield(); });
   }
 

@@ -50,13 +50,13 @@ TEST_F(SettingsTest, ReadNumbersLeniently) {
 
 TEST_F(SettingsTest, KeepAFolderModeThatIsNoneAsItWas) {
   Settings settings;
-  file.Set("options", "Folder Hide Spec", "/spec");
+  file.Set("options", "Folder Hide Spec", "/chosen");
   file.Set("options", "Folder Hide Last", "/last");
   const struct {
     const char* word;
     int mode;
     Path start;
-  } cases[] = {{"7", 0, ""}, {"3", 3, "/spec"}, {"2", 2, "/last"}, {"many", 2, "/last"}, {"1", 1, ""}};
+  } cases[] = {{"7", 0, ""}, {"3", 3, "/chosen"}, {"2", 2, "/last"}, {"many", 2, "/last"}, {"1", 1, ""}};
   for (const auto& [word, mode, start] : cases) {
     file.Set("options", "Folder Hide", word);
     LoadSettings(file, settings);
