@@ -130,6 +130,7 @@ void FileList::SortByText(Column column) {
     return isDescending ? b.first < a.first : a.first < b.first;
   });
   std::vector<std::size_t> order;
+  order.reserve(keys.size());
   for (const auto& key : keys)
     order.push_back(key.second);
   m_rows = Reordered(std::move(m_rows), order);
@@ -138,6 +139,7 @@ void FileList::SortByText(Column column) {
 void FileList::SortBySize(const TreeNode& node, const Catalogue& catalogue) {
   auto files = FileRows(node, catalogue);
   std::vector<double> sizes;
+  sizes.reserve(files.size());
   for (const FileListRow& row : files)
     sizes.push_back(row.size);
   const auto order = OrderBySize(sizes, m_sortOrder == 1 ? SizeOrder::Ascending : SizeOrder::Descending);
