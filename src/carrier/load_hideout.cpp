@@ -74,6 +74,7 @@ class Loader {
   Step ReadEntry() {
     std::optional<EntryPlace> place;
     const Outcome outcome = Guarded([&] { place = m_walk->Next(); });
+    // The outcome first: after a throw g++ 12 may leave anything in `place`.
     if (outcome == Outcome::Ignored || !place) return Step::Done;
     Entry entry{.place = *place, .record = {}, .tail = {}};
     Guarded([&] { ReadRecordOf(entry); });

@@ -52,6 +52,7 @@ class Prober {
   bool Look() {
     std::optional<EntryPlace> place;
     const Outcome outcome = Guarded([&] { place = m_walk->Next(); });
+    // The outcome first: after a throw g++ 12 may leave anything in `place`.
     if (outcome == Outcome::Ignored || !place) return false;
     WipedText record;
     Guarded([&] {
