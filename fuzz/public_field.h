@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "base/secret.h"
 #include "crypto/algorithm.h"
+#include "crypto/keys.h"
 
 namespace tarnel::fuzz {
 
@@ -14,6 +14,6 @@ namespace tarnel::fuzz {
 std::string PublicField(std::string_view text, std::uint8_t nonce);
 
 /// An encrypted string as Base64 text, the same each time for the same nonce.
-std::string SealWith(Algorithm algorithm, const Secret& key, std::string_view plain, std::uint8_t nonce);
+std::string SealWith(Algorithm algorithm, const Key& key, std::string_view plain, std::uint8_t nonce);
 
 }  // namespace tarnel::fuzz

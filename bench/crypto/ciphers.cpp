@@ -12,7 +12,7 @@
 namespace tarnel {
 namespace {
 
-const Secret kKey(kTrailerPassPhrase);
+const Key kKey = Key::OfLengthFields();
 constexpr std::int64_t kMebibyte = 1 << 20;
 constexpr std::int64_t kFileBytes = 64 * kMebibyte;
 

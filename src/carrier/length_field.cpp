@@ -11,11 +11,6 @@ namespace tarnel {
 
 namespace {
 
-const Secret& TrailerKey() {
-  static const Secret key(kTrailerPassPhrase);
-  return key;
-}
-
 bool IsFilling(char c) {
   const int code = static_cast<unsigned char>(c);
   return code >= kFillingLow && code <= kFillingHigh;
@@ -30,15 +25,15 @@ std::string PackLengthField(std::int64_t number) {
     field += static_cast<char>(RandomBetween(kFillingLow, kFillingHigh));
   std::string secondKey;
   std::string text =
-      CipherEncryptString(Algorithm::Blowfish, field, TextForm::Base64, TrailerKey(), secondKey);
+      CipherEncryptString(Algorithm::Blowfish, field, TextForm::Base64, Key::OfLengthFields(), secondKey);
   text.resize(kLengthFieldSize, ' ');
   return text;
 }
 
 double UnpackLengthField(std::string_view field) {
   std::string secondKey;
-  WipedText text = CipherDecryptString(Algorithm::Blowfish, field, TextForm::Base64, TrailerKey(), secondKey,
-                                       Cut::Allowed);
+  WipedText text = CipherDecryptString(Algorithm::Blowfish, field, TextForm::Base64, Key::OfLengthFields(),
+                                       secondKey, Cut::Allowed);
   for (char& c : text) {
     if (IsFilling(c)) c = ' ';
   }

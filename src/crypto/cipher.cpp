@@ -3,7 +3,6 @@
 #include "crypto/base64.h"
 #include "crypto/cipher_suite.h"
 #include "crypto/file_cipher.h"
-#include "crypto/key_ring.h"
 #include "crypto/random.h"
 #include "crypto/string_cipher.h"
 
@@ -35,52 +34,52 @@ WipedText Open(StringCipher& cipher, Bytes sealed, Cut cut) {
 
 }  // namespace
 
-std::string CipherEncryptString(Algorithm algorithm, std::string_view plain, TextForm form, const Secret& key,
+std::string CipherEncryptString(Algorithm algorithm, std::string_view plain, TextForm form, const Key& key,
                                 std::string& secondKey) {
   secondKey.clear();
   const CipherSuite* suite = FindCipherSuite(algorithm);
   if (plain.empty() || suite == nullptr) return {};
   StringCipher::Iv iv;
   FillRandom(iv);
-  const std::string sealed = StringCipherOf(*suite, key)->Seal(iv, plain);
+  const std::string sealed = key.Strings(*suite)->Seal(iv, plain);
   return form == TextForm::Base64 ? Base64Encode(AsBytes(sealed)) : sealed;
 }
 
-WipedText CipherDecryptString(Algorithm algorithm, std::string_view cipherText, TextForm form,
-                              const Secret& key, std::string& secondKey, Cut cut) {
+WipedText CipherDecryptString(Algorithm algorithm, std::string_view cipherText, TextForm form, const Key& key,
+                              std::string& secondKey, Cut cut) {
   secondKey.clear();
   const CipherSuite* suite = FindCipherSuite(algorithm);
   if (cipherText.empty() || suite == nullptr) return {};
-  const auto cipher = StringCipherOf(*suite, key);
+  const auto cipher = key.Strings(*suite);
   if (!KeyFits(*cipher, cipherText, form)) return {};
   return form == TextForm::Base64 ? Open(*cipher, AsBytes(Base64Decode(cipherText)), cut)
                                   : Open(*cipher, AsBytes(cipherText), cut);
 }
 
-bool CipherKeyFits(Algorithm algorithm, std::string_view cipherText, TextForm form, const Secret& key) {
+bool CipherKeyFits(Algorithm algorithm, std::string_view cipherText, TextForm form, const Key& key) {
   const CipherSuite* suite = FindCipherSuite(algorithm);
-  return !cipherText.empty() && suite != nullptr && KeyFits(*StringCipherOf(*suite, key), cipherText, form);
+  return !cipherText.empty() && suite != nullptr && KeyFits(*key.Strings(*suite), cipherText, form);
 }
 
-bool CipherEncryptFile(Algorithm algorithm, ByteSource& source, ByteSink& destination, const Secret& key,
+bool CipherEncryptFile(Algorithm algorithm, ByteSource& source, ByteSink& destination, const Key& key,
                        std::string& secondKey) {
   secondKey.clear();
   const CipherSuite* suite = FindCipherSuite(algorithm);
   if (suite == nullptr) return true;
   FileNonce nonce;
   FillRandom(nonce);
-  SealFile(*suite, MasterKeyOf(key), nonce, source, destination);
+  SealFile(*suite, key.Master(), nonce, source, destination);
   return true;
 }
 
 struct EncryptingSink::State {
-  State(const CipherSuite& suite, const Secret& key, const FileNonce& nonce, ByteSink& destination)
-      : sealer(suite, MasterKeyOf(key), nonce, destination) {}
+  State(const CipherSuite& suite, const Key& key, const FileNonce& nonce, ByteSink& destination)
+      : sealer(suite, key.Master(), nonce, destination) {}
   FileSealer sealer;
   WipedBytes piece;
 };
 
-EncryptingSink::EncryptingSink(Algorithm algorithm, ByteSink& destination, const Secret& key,
+EncryptingSink::EncryptingSink(Algorithm algorithm, ByteSink& destination, const Key& key,
                                std::string& secondKey) {
   secondKey.clear();
   const CipherSuite* suite = FindCipherSuite(algorithm);
@@ -102,11 +101,11 @@ void EncryptingSink::Finish() {
   if (m_state) m_state->sealer.Finish();
 }
 
-bool CipherDecryptFile(Algorithm algorithm, ByteSource& source, ByteSink& destination, const Secret& key,
+bool CipherDecryptFile(Algorithm algorithm, ByteSource& source, ByteSink& destination, const Key& key,
                        std::string& secondKey) {
   secondKey.clear();
   const CipherSuite* suite = FindCipherSuite(algorithm);
-  return suite == nullptr || OpenFile(*suite, MasterKeyOf(key), source, destination);
+  return suite == nullptr || OpenFile(*suite, key.Master(), source, destination);
 }
 
 }  // namespace tarnel

@@ -7,24 +7,23 @@
 #include "base/bytes.h"
 #include "base/secret.h"
 #include "crypto/algorithm.h"
+#include "crypto/keys.h"
 
 namespace tarnel {
 
 /// The one door to the ciphers.
 ///
-/// Every operation takes a pass phrase and, behind it, a second key string. That string is set to empty
-/// before anything else happens; it is a parameter for the sake of the callers' interfaces only. An algorithm
+/// Every operation takes a key and, behind it, a second key string. That string is set to empty before
+/// anything else happens; it is a parameter for the sake of the callers' interfaces only. An algorithm
 /// without a cipher gives the empty string, and for files true with nothing written. The first use of a pass
-/// phrase derives its master key, which takes a quarter of a second; PrepareKey does that beforehand without
-/// freezing a window.
-
-inline constexpr std::string_view kTrailerPassPhrase = "TarnKey";
+/// phrase derives its key, which takes a fifth of a second; PrepareKey does that beforehand without freezing
+/// a window.
 
 enum class TextForm { Raw, Base64 };
 
 /// The encrypted form of `plain`, raw or as Base64 with its line ends. Empty for empty.
 /// Two calls give different texts. Throws Error (DeviceIo) if the system gives no random bytes.
-std::string CipherEncryptString(Algorithm algorithm, std::string_view plain, TextForm form, const Secret& key,
+std::string CipherEncryptString(Algorithm algorithm, std::string_view plain, TextForm form, const Key& key,
                                 std::string& secondKey);
 
 /// How much of an encrypted string the caller holds.
@@ -35,24 +34,24 @@ std::string CipherEncryptString(Algorithm algorithm, std::string_view plain, Tex
 enum class Cut { Allowed, Whole };
 
 /// The plain text, or empty on any failure: a wrong key, bytes that are no encrypted string, a failed tag.
-WipedText CipherDecryptString(Algorithm algorithm, std::string_view cipherText, TextForm form,
-                              const Secret& key, std::string& secondKey, Cut cut);
+WipedText CipherDecryptString(Algorithm algorithm, std::string_view cipherText, TextForm form, const Key& key,
+                              std::string& secondKey, Cut cut);
 
 /// True if the text was written under this key, whether or not it is whole and unharmed. What tells a damaged
 /// record from a foreign one.
-bool CipherKeyFits(Algorithm algorithm, std::string_view cipherText, TextForm form, const Secret& key);
+bool CipherKeyFits(Algorithm algorithm, std::string_view cipherText, TextForm form, const Key& key);
 
 /// Reads `source` to its end and writes its encrypted form: 16 bytes of nonce, as many bytes as the source
 /// had, 16 bytes of tag. Errors of source and sink, and of the random generator, pass through. True when all
 /// is written.
-bool CipherEncryptFile(Algorithm algorithm, ByteSource& source, ByteSink& destination, const Secret& key,
+bool CipherEncryptFile(Algorithm algorithm, ByteSource& source, ByteSink& destination, const Key& key,
                        std::string& secondKey);
 
 /// CipherEncryptFile for contents that another stage hands on, such as a decryption under the old key. The
 /// second key string is emptied at the beginning; without a cipher nothing is written.
 class EncryptingSink : public ByteSink {
  public:
-  EncryptingSink(Algorithm algorithm, ByteSink& destination, const Secret& key, std::string& secondKey);
+  EncryptingSink(Algorithm algorithm, ByteSink& destination, const Key& key, std::string& secondKey);
   ~EncryptingSink() override;
   void Write(Bytes plain) override;
 
@@ -66,7 +65,7 @@ class EncryptingSink : public ByteSink {
 
 /// The reverse of CipherEncryptFile. False if the source is no encrypted file under this key or was altered.
 /// Plain bytes reach the destination before that is known: on false the caller throws them away.
-bool CipherDecryptFile(Algorithm algorithm, ByteSource& source, ByteSink& destination, const Secret& key,
+bool CipherDecryptFile(Algorithm algorithm, ByteSource& source, ByteSink& destination, const Key& key,
                        std::string& secondKey);
 
 /// Bytes that encryption adds to a file.

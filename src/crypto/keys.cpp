@@ -12,17 +12,20 @@
 #include <mutex>
 #include <utility>
 
-#include "crypto/cipher.h"
-#include "crypto/key_ring.h"
+#include "crypto/cipher_suite.h"
+#include "crypto/string_cipher.h"
 
 namespace tarnel {
 namespace {
 
-// There is no place in a carrier for parameters or a salt, so these are for ever.
+// There is no place in a carrier for parameters or a salt, so these are for ever. They are the second
+// recommended set of RFC 9106, section 4.
 constexpr std::string_view kSalt = "Tarnel key salt1";
 constexpr std::size_t kMemoryKib = std::size_t{64} * 1024;
-constexpr std::size_t kPasses = 2;
-constexpr std::size_t kLanes = 1;
+constexpr std::size_t kPasses = 3;
+constexpr std::size_t kLanes = 4;
+
+constexpr std::string_view kLengthFieldPhrase = "TarnKey";
 
 WipedBytes Sha256(Botan::HashFunction& function, std::string_view text) {
   WipedBytes digest(kMasterKeyBytes);
@@ -33,7 +36,6 @@ WipedBytes Sha256(Botan::HashFunction& function, std::string_view text) {
 
 WipedBytes DeriveMasterKey(const Secret& passPhrase) {
   const std::string_view text = passPhrase.View();
-  if (text == kTrailerPassPhrase) return Sha256(*Botan::HashFunction::create_or_throw("SHA-256"), text);
   const auto function = Botan::PasswordHashFamily::create_or_throw("Argon2id");
   WipedBytes key(kMasterKeyBytes);
   function->from_params(kMemoryKib, kPasses, kLanes)
@@ -41,8 +43,24 @@ WipedBytes DeriveMasterKey(const Secret& passPhrase) {
   return key;
 }
 
+}  // namespace
+
+struct Key::Keys {
+  explicit Keys(WipedBytes master) : masterKey(std::move(master)) {}
+
+  const WipedBytes masterKey;
+  std::mutex mutex;
+  std::map<Algorithm, std::shared_ptr<StringCipher>> strings;
+};
+
+/// The keys of all pass phrases that were used since ForgetKeys.
 class KeyRing {
  public:
+  static KeyRing& Get() {
+    static KeyRing ring;
+    return ring;
+  }
+
   bool Knows(const Secret& passPhrase) {
     const std::scoped_lock lock(m_mutex);
     return m_keys.contains(IdOf(passPhrase));
@@ -50,20 +68,21 @@ class KeyRing {
 
   void Keep(const Secret& passPhrase, WipedBytes masterKey) {
     const std::scoped_lock lock(m_mutex);
-    m_keys.try_emplace(IdOf(passPhrase), KeySet{std::move(masterKey), {}});
+    m_keys.try_emplace(IdOf(passPhrase), std::make_shared<Key::Keys>(std::move(masterKey)));
   }
 
-  WipedBytes MasterKey(const Secret& passPhrase) {
+  /// Unlocks for the derivation, so that nobody waits for another pass phrase's key.
+  std::shared_ptr<Key::Keys> KeysOf(const Secret& passPhrase) {
     std::unique_lock lock(m_mutex);
-    return KeysOf(passPhrase, lock).masterKey;
-  }
-
-  std::shared_ptr<StringCipher> Strings(const CipherSuite& suite, const Secret& passPhrase) {
-    std::unique_lock lock(m_mutex);
-    KeySet& keys = KeysOf(passPhrase, lock);
-    std::shared_ptr<StringCipher>& cipher = keys.strings[suite.algorithm];
-    if (cipher == nullptr) cipher = std::make_shared<StringCipher>(suite, keys.masterKey);
-    return cipher;
+    const Id id = IdOf(passPhrase);
+    auto found = m_keys.find(id);
+    if (found == m_keys.end()) {
+      lock.unlock();
+      auto keys = std::make_shared<Key::Keys>(DeriveMasterKey(passPhrase));
+      lock.lock();
+      found = m_keys.try_emplace(id, std::move(keys)).first;
+    }
+    return found->second;
   }
 
   void Forget() {
@@ -72,13 +91,9 @@ class KeyRing {
   }
 
  private:
-  struct KeySet {
-    WipedBytes masterKey;
-    std::map<Algorithm, std::shared_ptr<StringCipher>> strings;
-  };
-
   /// Of a fixed size, for its comparison is quicker than that of vectors.
   using Id = std::array<unsigned char, kMasterKeyBytes>;
+  using Kept = std::shared_ptr<Key::Keys>;
 
   Id IdOf(const Secret& passPhrase) {
     const WipedBytes digest = Sha256(*m_hash, passPhrase.View());
@@ -87,51 +102,42 @@ class KeyRing {
     return id;
   }
 
-  /// Unlocks for the derivation, so that nobody waits for another pass phrase's key.
-  KeySet& KeysOf(const Secret& passPhrase, std::unique_lock<std::mutex>& lock) {
-    const Id id = IdOf(passPhrase);
-    auto found = m_keys.find(id);
-    if (found == m_keys.end()) {
-      lock.unlock();
-      WipedBytes masterKey = DeriveMasterKey(passPhrase);
-      lock.lock();
-      found = m_keys.try_emplace(id, KeySet{std::move(masterKey), {}}).first;
-    }
-    return found->second;
-  }
-
   std::mutex m_mutex;
   std::unique_ptr<Botan::HashFunction> m_hash = Botan::HashFunction::create_or_throw("SHA-256");
-  std::map<Id, KeySet, std::less<>, WipingAllocator<std::pair<const Id, KeySet>>> m_keys;
+  std::map<Id, Kept, std::less<>, WipingAllocator<std::pair<const Id, Kept>>> m_keys;
 };
 
-KeyRing& TheKeyRing() {
-  static KeyRing ring;
-  return ring;
+Key::Key(const Secret& passPhrase) : m_keys(KeyRing::Get().KeysOf(passPhrase)) {}
+
+const Key& Key::OfLengthFields() {
+  static const Key key(
+      std::make_shared<Keys>(Sha256(*Botan::HashFunction::create_or_throw("SHA-256"), kLengthFieldPhrase)));
+  return key;
 }
 
-}  // namespace
+const WipedBytes& Key::Master() const {
+  return m_keys->masterKey;
+}
+
+std::shared_ptr<StringCipher> Key::Strings(const CipherSuite& suite) const {
+  const std::scoped_lock lock(m_keys->mutex);
+  std::shared_ptr<StringCipher>& cipher = m_keys->strings[suite.algorithm];
+  if (cipher == nullptr) cipher = std::make_shared<StringCipher>(suite, m_keys->masterKey);
+  return cipher;
+}
 
 void PrepareKey(const Secret& passPhrase, const std::function<void()>& yield) {
-  if (TheKeyRing().Knows(passPhrase)) return;
+  if (KeyRing::Get().Knows(passPhrase)) return;
   using namespace std::chrono_literals;
   // The default policy derives in get() if there is no thread to be had.
   auto derived = std::async(DeriveMasterKey, passPhrase);
   while (derived.wait_for(20ms) == std::future_status::timeout)
     yield();
-  TheKeyRing().Keep(passPhrase, derived.get());
+  KeyRing::Get().Keep(passPhrase, derived.get());
 }
 
 void ForgetKeys() {
-  TheKeyRing().Forget();
-}
-
-WipedBytes MasterKeyOf(const Secret& passPhrase) {
-  return TheKeyRing().MasterKey(passPhrase);
-}
-
-std::shared_ptr<StringCipher> StringCipherOf(const CipherSuite& suite, const Secret& passPhrase) {
-  return TheKeyRing().Strings(suite, passPhrase);
+  KeyRing::Get().Forget();
 }
 
 }  // namespace tarnel

@@ -34,8 +34,7 @@ Walked WalkThrough(CarrierBench& bench) {
 std::string Crafted(std::string text) {
   text.resize(kLengthFieldSize, 'd');
   std::string secondKey;
-  return CipherEncryptString(Algorithm::Blowfish, text, TextForm::Base64, Secret(kTrailerPassPhrase),
-                             secondKey)
+  return CipherEncryptString(Algorithm::Blowfish, text, TextForm::Base64, Key::OfLengthFields(), secondKey)
       .substr(0, kLengthFieldSize);
 }
 

@@ -11,8 +11,8 @@ namespace {
 
 enum class Kind { String, File };
 
-const Secret kKey(kTrailerPassPhrase);  // its master key costs nothing
-const Secret kOtherKey("another pass phrase");
+const Key kKey = Key::OfLengthFields();  // its master key costs nothing
+const Key kOtherKey(Secret("another pass phrase"));
 constexpr std::size_t kPiece = std::size_t{64} * 1024;
 constexpr std::size_t kFront = 16;
 constexpr Algorithm kWithoutCipher[] = {Algorithm::Idea, Algorithm::Dese, Algorithm::Rc4, Algorithm{6},
@@ -26,7 +26,7 @@ std::string SealString(Algorithm algorithm, std::string_view plain, TextForm for
 }
 
 std::string OpenString(Algorithm algorithm, std::string_view sealed, TextForm form, Cut cut,
-                       const Secret& key = kKey) {
+                       const Key& key = kKey) {
   std::string second = "what it held";
   const WipedText plain = CipherDecryptString(algorithm, sealed, form, key, second, cut);
   EXPECT_EQ(second, "");
@@ -44,7 +44,7 @@ std::string Seal(Kind kind, Algorithm algorithm, std::string_view plain) {
 }
 
 /// The plain bytes behind "intact: ", or "refused".
-std::string Open(Kind kind, Algorithm algorithm, std::string_view sealed, const Secret& key = kKey) {
+std::string Open(Kind kind, Algorithm algorithm, std::string_view sealed, const Key& key = kKey) {
   if (kind == Kind::String) {
     const std::string plain = OpenString(algorithm, sealed, TextForm::Raw, Cut::Whole, key);
     return plain.empty() ? "refused" : "intact: " + plain;

