@@ -42,6 +42,8 @@ inline constexpr std::string_view kWriterVersion = "?Vers=<";
 inline constexpr std::string_view kFormat = "?CompVers=<";
 inline constexpr std::string_view kMode =
     "?Mode=<";  ///< octal permission bits, where the attributes can't say them
+inline constexpr std::string_view kSeal = "?Seal=<";    ///< the payload's last 16 bytes in hexadecimal
+inline constexpr std::string_view kMtime = "?Mtime=<";  ///< time of last change, seconds since 1970 in UTC
 inline constexpr std::string_view kCarrierFile = "?CarrierFile=<";
 inline constexpr std::string_view kStart = "?Start=<";
 inline constexpr std::string_view kSize = "?Size=<";

@@ -21,6 +21,8 @@ WipedText BuildRecord(const RecordFields& fields, RecordWriter writer) {
   AppendTag(record, tag::kFormat, kFormatVersion);
   if (writer == RecordWriter::Rewrite) AppendTag(record, tag::kFormat, kFormatVersion);
   if (!fields.mode.empty()) AppendTag(record, tag::kMode, fields.mode);
+  if (!fields.seal.empty()) AppendTag(record, tag::kSeal, fields.seal);
+  if (!fields.mtime.empty()) AppendTag(record, tag::kMtime, fields.mtime);
   return record;
 }
 
@@ -34,7 +36,9 @@ RecordFields ReadRecord(std::string_view record) {
           .compressed = field(tag::kCompressed),
           .folder = field(tag::kFolder),
           .title = field(tag::kTitle),
-          .mode = field(tag::kMode)};
+          .mode = field(tag::kMode),
+          .seal = field(tag::kSeal),
+          .mtime = field(tag::kMtime)};
 }
 
 std::string SealEntry(std::string_view plainRecord, Length payload, Algorithm algorithm,

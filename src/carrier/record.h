@@ -20,7 +20,9 @@ struct RecordFields {
   std::string compressed = {};  ///< zlib level, "0" if stored as it is
   std::string folder = {};      ///< parts joined by "\", empty for the root
   std::string title = {};
-  std::string mode = {};  ///< octal, empty where the attributes say all
+  std::string mode = {};   ///< octal, empty where the attributes say all
+  std::string seal = {};   ///< SealText of the payload; empty in records of old
+  std::string mtime = {};  ///< seconds since 1970 in UTC, empty unless the person wanted times to be kept
 };
 
 /// A hide writes the format version once, a rewrite writes it twice. Readers take the first.

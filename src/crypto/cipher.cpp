@@ -97,8 +97,8 @@ void EncryptingSink::Write(Bytes plain) {
   m_state->sealer.Seal(m_state->piece);
 }
 
-void EncryptingSink::Finish() {
-  if (m_state) m_state->sealer.Finish();
+void EncryptingSink::Finish(FileTag tag) {
+  if (m_state) m_state->sealer.Finish(tag);
 }
 
 bool CipherDecryptFile(Algorithm algorithm, ByteSource& source, ByteSink& destination, const Key& key,

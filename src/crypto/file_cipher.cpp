@@ -73,8 +73,13 @@ void FileSealer::Seal(MutableBytes piece) {
   m_state->destination.Write(piece);
 }
 
-void FileSealer::Finish() {
-  m_state->destination.Write(m_state->keys.MakeTag());
+void FileSealer::Finish(FileTag tag) {
+  Tag bytes = m_state->keys.MakeTag();
+  if (tag == FileTag::Wrong) {
+    for (std::uint8_t& byte : bytes)
+      byte ^= 0xFF;
+  }
+  m_state->destination.Write(bytes);
 }
 
 void SealFile(const CipherSuite& suite, const WipedBytes& masterKey, const FileNonce& nonce,

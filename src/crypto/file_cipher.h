@@ -6,6 +6,7 @@
 
 #include "base/bytes.h"
 #include "base/secret.h"
+#include "crypto/cipher.h"
 #include "crypto/cipher_suite.h"
 
 namespace tarnel {
@@ -27,8 +28,8 @@ class FileSealer {
 
   /// Encrypts the piece where it lies and writes it.
   void Seal(MutableBytes piece);
-  /// Writes the tag, which ends the file.
-  void Finish();
+  /// Writes the tag, which ends the file. A wrong one has each bit of the right one turned round.
+  void Finish(FileTag tag = FileTag::Right);
 
  private:
   struct State;

@@ -7,11 +7,10 @@
 
 #include "base/file_streams.h"
 #include "base/pace.h"
+#include "carrier/payload.h"
 #include "carrier/stored_text.h"
 #include "carrier/tags.h"
 #include "carrier/walk.h"
-#include "crypto/cipher.h"
-#include "crypto/compression.h"
 
 namespace tarnel {
 
@@ -62,39 +61,28 @@ class ReadBack {
     for (auto entry = m_entries.rbegin(); entry != m_entries.rend(); ++entry) {
       const std::optional<EntryPlace> place = walk.Next();
       if (!place || place->start != entry->start || place->payload != entry->payload) return;
-      if (IsRecordOf(*entry, walk) && IsIdentical(*entry, *carrier)) m_readBack.push_back(entry->row);
+      if (IsIdentical(*entry, RecordOf(walk), *carrier)) m_readBack.push_back(entry->row);
       m_pace.Step();
     }
   }
 
-  bool IsRecordOf(const NewEntry& entry, Walk& walk) {
+  WipedText RecordOf(Walk& walk) {
     std::string secondKey;
-    const WipedText record =
-        walk.DecryptRecord(m_hideout.CurrentAlgorithmId, m_hideout.CurrentPassword, secondKey);
-    return GetTag({record.data(), record.size()}, tag::kName) ==
-           ToStored(m_rows[entry.row].name, TextKind::PathComponent);
+    return walk.DecryptRecord(m_hideout.CurrentAlgorithmId, m_hideout.CurrentPassword, secondKey);
   }
 
-  bool IsIdentical(const NewEntry& entry, File& carrier) {
+  bool IsIdentical(const NewEntry& entry, const WipedText& record, File& carrier) {
+    if (GetTag(record, tag::kName) != ToStored(m_rows[entry.row].name, TextKind::PathComponent)) return false;
     try {
       const std::unique_ptr<File> original = m_files.OpenToRead(m_rows[entry.row].source);
       FileSource payload(carrier, m_hideout.CurrentCarrierPath, entry.start, entry.payload);
       ComparingSink comparison(*original, m_pace);
-      return Decrypts(entry, payload, comparison) && comparison.WasWholeFile();
+      const std::string fault = TakeOutPayload(payload, ClaimsOf(record), m_hideout.CurrentAlgorithmId,
+                                               m_hideout.CurrentPassword, comparison);
+      return fault.empty() && comparison.WasWholeFile();
     } catch (const Error&) {
       return false;
     }
-  }
-
-  bool Decrypts(const NewEntry& entry, ByteSource& payload, ByteSink& plain) {
-    std::string secondKey;
-    const auto decrypt = [&](ByteSink& sink) {
-      return CipherDecryptFile(m_hideout.CurrentAlgorithmId, payload, sink, m_hideout.CurrentPassword,
-                               secondKey);
-    };
-    if (!entry.isCompressed) return decrypt(plain);
-    DecompressingSink decompression(plain);
-    return decrypt(decompression) && decompression.IsIntact();
   }
 
   const std::vector<NewEntry>& m_entries;

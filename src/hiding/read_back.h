@@ -15,7 +15,6 @@ struct NewEntry {
   std::size_t row = 0;  ///< of the request
   Position start;
   Length payload = 0;
-  bool isCompressed = false;
 };
 
 /// Opens the carrier anew and reads the entries as any reader would: walks to each of them from the end,

@@ -13,6 +13,7 @@
 #include "base/formats.h"
 #include "base/pace.h"
 #include "base/printable.h"
+#include "carrier/payload.h"
 #include "carrier/record.h"
 #include "carrier/stored_text.h"
 #include "crypto/cipher.h"
@@ -61,8 +62,8 @@ class HideRun {
   void AppendEntry(std::size_t row);
   bool WroteEntry(std::size_t row, SourceFile& source);
   void WriteEntry(std::size_t row, SourceFile& source);
-  void EncryptPayload(SourceFile& source);
-  RecordFields FieldsOf(const HideRow& row, const FileStat& source, Length payload) const;
+  void EncryptPayload(SourceFile& source, ByteSink& payload);
+  RecordFields FieldsOf(const HideRow& row, const FileStat& source, const PayloadSink& payload) const;
   void CompleteCarrier();
   void RemoveBackup();
   void ProtectOrRestoreMode();
@@ -209,13 +210,13 @@ bool HideRun::WroteEntry(std::size_t row, SourceFile& source) {
 void HideRun::WriteEntry(std::size_t row, SourceFile& source) {
   ShowEntryStages();
   if (!Compresses()) CheckSpace(source.Size() + kFileCipherOverhead);
-  EncryptPayload(source);
+  PayloadSink sealed(m_writer);
+  EncryptPayload(source, sealed);
   const FileStat stat = source.StatAfterReading();
   const Length payload = m_writer.FinishPayload();
 
-  const WipedText record = BuildRecord(FieldsOf(m_request.rows[row], stat, payload), RecordWriter::Hide);
-  const NewEntry entry{
-      .row = row, .start = Position{} + m_writer.End(), .payload = payload, .isCompressed = Compresses()};
+  const WipedText record = BuildRecord(FieldsOf(m_request.rows[row], stat, sealed), RecordWriter::Hide);
+  const NewEntry entry{.row = row, .start = Position{} + m_writer.End(), .payload = payload};
   std::string secondKey;
   m_writer.FinishEntry(SealEntry({record.data(), record.size()}, payload, m_hideout.CurrentAlgorithmId,
                                  m_hideout.CurrentPassword, secondKey));
@@ -229,27 +230,28 @@ void HideRun::ShowEntryStages() {
   ShowStage(HideStage::Hiding);
 }
 
-void HideRun::EncryptPayload(SourceFile& source) {
+void HideRun::EncryptPayload(SourceFile& source, ByteSink& payload) {
   std::string secondKey;
   const auto encrypt = [&](ByteSource& plain) {
-    CipherEncryptFile(m_hideout.CurrentAlgorithmId, plain, m_writer, m_hideout.CurrentPassword, secondKey);
+    CipherEncryptFile(m_hideout.CurrentAlgorithmId, plain, payload, m_hideout.CurrentPassword, secondKey);
   };
   if (!Compresses()) return encrypt(source);
   CompressingSource compressed(source, source.Size(), m_request.compressionLevel);
   encrypt(compressed);
 }
 
-RecordFields HideRun::FieldsOf(const HideRow& row, const FileStat& source, Length payload) const {
+RecordFields HideRun::FieldsOf(const HideRow& row, const FileStat& source, const PayloadSink& payload) const {
   RecordFields fields;
   fields.name = ToStored(row.name, TextKind::PathComponent);
   fields.plainSize = std::to_string(source.size);
-  fields.storedSize = std::to_string(payload);
+  fields.storedSize = std::to_string(payload.Written());
   fields.attributes = std::to_string(AttributesOf(source, row.name));
   fields.date = ToStored(DateAndTime(std::time(nullptr)), TextKind::Plain);
   fields.compressed = Compresses() ? std::to_string(m_request.compressionLevel) : "0";
   if (m_request.saveFolders) fields.folder = row.folder;
   fields.title.assign(m_hideout.CurrentHideoutTitle.data(), m_hideout.CurrentHideoutTitle.size());
   if (const std::optional<mode_t> mode = ModeBeyond(source.mode)) fields.mode = OctalDigits(*mode);
+  fields.seal = payload.SealText();
   return fields;
 }
 

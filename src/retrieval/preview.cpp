@@ -7,10 +7,10 @@
 #include "base/file_streams.h"
 #include "base/temp_names.h"
 #include "carrier/format.h"
+#include "carrier/payload.h"
 #include "carrier/stored_text.h"
 #include "crypto/keys.h"
 #include "retrieval/block_source.h"
-#include "retrieval/payload.h"
 #include "retrieval/questions.h"
 
 namespace tarnel {
@@ -85,9 +85,11 @@ void Viewing::TakeOut(File& plain) {
                       BlockCount(m_parcel.ViewSize, CancelLook::BehindFullBlock, m_screen,
                                  [&](Length n) { m_screen.ShowProgress(passed += n, m_parcel.ViewSize); }));
   FileSink sink(plain, Position{1});
-  if (!TakeOutPayload(payload, m_parcel.ViewCompressed, current.CurrentAlgorithmId, current.CurrentPassword,
-                      sink))
-    throw DamagedPayload("view", m_parcel.ViewFileName);
+  const std::string fault = TakeOutPayload(
+      payload,
+      {.plainSize = m_parcel.ViewPlainSize, .compressed = m_parcel.ViewCompressed, .seal = m_parcel.ViewSeal},
+      current.CurrentAlgorithmId, current.CurrentPassword, sink);
+  if (!fault.empty()) throw DamagedPayload("view", m_parcel.ViewFileName, fault);
 }
 
 void Viewing::CleanUp(ViewEnding ending) {
@@ -136,6 +138,8 @@ PreviewParcel ParcelOf(const MirrorRow& row) {
           .ViewAttr = std::string(row.Field(tag::kAttributes)),
           .ViewFolder = std::string(row.Folder()),
           .ViewMode = std::string(row.Field(tag::kMode)),
+          .ViewMtime = std::string(row.Field(tag::kMtime)),
+          .ViewSeal = std::string(row.Field(tag::kSeal)),
           .ViewStart = row.start,
           .ViewSize = row.size,
           .ViewTail = row.tail};

@@ -18,7 +18,9 @@ struct PreviewParcel {
   std::string ViewCompressed;  ///< "0" if stored as it is
   std::string ViewAttr;
   std::string ViewFolder;
-  std::string ViewMode;  ///< empty where the attributes say all
+  std::string ViewMode;   ///< empty where the attributes say all
+  std::string ViewMtime;  ///< empty where times are not kept
+  std::string ViewSeal;   ///< names the payload; empty in records of old
   Position ViewStart;
   Length ViewSize = 0;   ///< of the payload
   std::string ViewTail;  ///< encrypted record and trailer as stored

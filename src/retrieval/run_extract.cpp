@@ -10,11 +10,11 @@
 #include "base/file_streams.h"
 #include "base/printable.h"
 #include "carrier/format.h"
+#include "carrier/payload.h"
 #include "carrier/stored_text.h"
 #include "carrier/tags.h"
 #include "crypto/keys.h"
 #include "retrieval/block_source.h"
-#include "retrieval/payload.h"
 #include "retrieval/pending_file.h"
 #include "retrieval/questions.h"
 #include "retrieval/work_list.h"
@@ -184,9 +184,10 @@ void Extraction::TakeOut(const MirrorRow& row, File& plain) {
                       }));
   FileSink sink(plain, Position{1});
   const HideoutKey& key = *row.hideout;
-  if (TakeOutPayload(payload, row.Field(tag::kCompressed), key.algorithm, key.password, sink)) return;
+  const std::string fault = TakeOutPayload(payload, ClaimsOf(row.record), key.algorithm, key.password, sink);
+  if (fault.empty()) return;
   m_damaged = &row;
-  throw DamagedPayload("extract", row.Name());
+  throw DamagedPayload("extract", row.Name(), fault);
 }
 
 template <class Statement>

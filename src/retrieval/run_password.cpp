@@ -3,10 +3,10 @@
 #include <string>
 #include <utility>
 
+#include "carrier/payload.h"
 #include "carrier/record.h"
 #include "crypto/cipher.h"
 #include "crypto/keys.h"
-#include "retrieval/payload.h"
 #include "retrieval/questions.h"
 
 namespace tarnel {
@@ -61,7 +61,7 @@ class PasswordChange {
 
   void WriteAnew(const MirrorRow& row);
   void WriteEntry(const MirrorRow& row, Damage damage, ByteSink& sink);
-  Length Reencrypt(const MirrorRow& row, Damage damage, ByteSink& sink);
+  void Reencrypt(const MirrorRow& row, Damage damage, PayloadSink& sink);
   void ReloadHideout();
 
   const Secret m_newPassword;
@@ -106,23 +106,23 @@ void PasswordChange::WriteAnew(const MirrorRow& row) {
 }
 
 void PasswordChange::WriteEntry(const MirrorRow& row, Damage damage, ByteSink& sink) {
-  const Length stored = Reencrypt(row, damage, sink);
+  PayloadSink payload(sink);
+  Reencrypt(row, damage, payload);
   RecordFields fields = ReadRecord(row.record);
-  fields.storedSize = std::to_string(stored);
-  sink.Write(AsBytes(SealEntry(BuildRecord(fields, RecordWriter::Rewrite), stored, row.hideout->algorithm,
-                               m_newPassword, m_reading.current.SecondKey)));
+  fields.storedSize = std::to_string(payload.Written());
+  fields.seal = payload.SealText();
+  sink.Write(AsBytes(SealEntry(BuildRecord(fields, RecordWriter::Rewrite), payload.Written(),
+                               row.hideout->algorithm, m_newPassword, m_reading.current.SecondKey)));
 }
 
-/// The decrypted bytes go into the encryption before it is known whether they are authentic.
-Length PasswordChange::Reencrypt(const MirrorRow& row, Damage damage, ByteSink& sink) {
-  CountingSink counted(sink);
-  std::string& secondKey = m_reading.current.SecondKey;
-  EncryptingSink encrypting(row.hideout->algorithm, counted, m_newPassword, secondKey);
-  const bool isIntact = CipherDecryptFile(row.hideout->algorithm, *m_rewrite.Stretch(row.start, row.size),
-                                          encrypting, row.hideout->password, secondKey);
-  if (!isIntact && damage == Damage::Refused) throw DamagedPayload("re-encrypt", row.Name());
-  encrypting.Finish();
-  return counted.Written();
+/// The decrypted bytes go into the encryption before it is known whether they are authentic. What turns out
+/// to be damaged stays so: its new tag is wrong, or whoever altered it would get an authentic file.
+void PasswordChange::Reencrypt(const MirrorRow& row, Damage damage, PayloadSink& sink) {
+  EncryptingSink encrypting(row.hideout->algorithm, sink, m_newPassword, m_reading.current.SecondKey);
+  const std::string fault = TakeOutStored(*m_rewrite.Stretch(row.start, row.size), ClaimsOf(row.record),
+                                          row.hideout->algorithm, row.hideout->password, encrypting);
+  if (!fault.empty() && damage == Damage::Refused) throw DamagedPayload("re-encrypt", row.Name(), fault);
+  encrypting.Finish(fault.empty() ? FileTag::Right : FileTag::Wrong);
 }
 
 void PasswordChange::ReloadHideout() {

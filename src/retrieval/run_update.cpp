@@ -9,12 +9,12 @@
 
 #include "base/formats.h"
 #include "base/printable.h"
+#include "carrier/payload.h"
 #include "carrier/record.h"
 #include "carrier/tags.h"
 #include "crypto/cipher.h"
 #include "crypto/compression.h"
 #include "crypto/keys.h"
-#include "retrieval/payload.h"
 #include "retrieval/questions.h"
 
 namespace tarnel {
@@ -48,7 +48,7 @@ class Update {
  private:
   void CopyWhatStays();
   void WriteEntry(ByteSink& sink);
-  Length WritePayload(File& preview, Length size, ByteSink& sink);
+  void WritePayload(File& preview, Length size, PayloadSink& sink);
   WipedText Record(Length size, Length stored) const;
   bool IsCompressed() const { return m_old.ViewCompressed != "0"; }
 
@@ -87,7 +87,9 @@ void Update::CopyWhatStays() {
 void Update::WriteEntry(ByteSink& sink) {
   const std::unique_ptr<File> preview = m_reading.files.OpenToRead(m_request.previewFile);
   const Length size = preview->Size();
-  const Length stored = WritePayload(*preview, size, sink);
+  PayloadSink payload(sink);
+  WritePayload(*preview, size, payload);
+  const Length stored = payload.Written();
   if (preview->Size() != size)
     throw Error(ErrorNumber::DeviceIo,
                 "cannot update from " + Printable(m_request.previewFile.native()) +
@@ -95,19 +97,19 @@ void Update::WriteEntry(ByteSink& sink) {
                 m_request.previewFile);
   m_new.ViewPlainSize = std::to_string(size);
   m_new.ViewSize = stored;
+  m_new.ViewSeal = payload.SealText();
   m_new.ViewTail = SealEntry(Record(size, stored), stored, m_reading.current.CurrentAlgorithmId,
                              m_reading.current.CurrentPassword, m_reading.current.SecondKey);
   sink.Write(AsBytes(m_new.ViewTail));
 }
 
-Length Update::WritePayload(File& preview, Length size, ByteSink& sink) {
+void Update::WritePayload(File& preview, Length size, PayloadSink& sink) {
   FileSource stretch(preview, m_request.previewFile, Position{1}, size);
   m_rewrite.SetProgress(m_rewrite.CarrierSize(), m_rewrite.CarrierSize() + size);
   const std::unique_ptr<ByteSource> blocks = m_rewrite.InBlocks(stretch, size);
-  CountingSink counted(sink);
   const CurrentHideout& current = m_reading.current;
   const auto encrypt = [&](ByteSource& source) {
-    CipherEncryptFile(current.CurrentAlgorithmId, source, counted, current.CurrentPassword,
+    CipherEncryptFile(current.CurrentAlgorithmId, source, sink, current.CurrentPassword,
                       m_reading.current.SecondKey);
   };
   if (IsCompressed()) {
@@ -116,7 +118,6 @@ Length Update::WritePayload(File& preview, Length size, ByteSink& sink) {
   } else {
     encrypt(*blocks);
   }
-  return counted.Written();
 }
 
 WipedText Update::Record(Length size, Length stored) const {
@@ -128,7 +129,8 @@ WipedText Update::Record(Length size, Length stored) const {
                       .compressed = IsCompressed() ? std::to_string(m_request.compressionLevel) : "0",
                       .folder = m_old.ViewFolder,
                       .title = std::string(m_reading.current.CurrentHideoutTitle),
-                      .mode = m_old.ViewMode},
+                      .mode = m_old.ViewMode,
+                      .seal = m_new.ViewSeal},
                      RecordWriter::Rewrite);
 }
 

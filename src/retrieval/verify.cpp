@@ -9,11 +9,11 @@
 #include "base/file_streams.h"
 #include "carrier/companions.h"
 #include "carrier/format.h"
+#include "carrier/payload.h"
 #include "carrier/tags.h"
 #include "carrier/walk.h"
 #include "crypto/keys.h"
 #include "retrieval/block_source.h"
-#include "retrieval/payload.h"
 
 namespace tarnel {
 namespace {
@@ -102,12 +102,7 @@ std::string Verification::FaultOfPayload(const EntryPlace& place, std::string_vi
                       BlockCount(place.payload, CancelLook::BehindFullBlock, m_screen,
                                  [&](Length block) { m_screen.ShowProgress(passed += block, size); }));
   NullSink nowhere;
-  if (!TakeOutPayload(payload, GetTag(record, tag::kCompressed), m_key.algorithm, m_key.password, nowhere))
-    return "its contents are damaged or were altered";
-  const std::string found = std::to_string(nowhere.Written());
-  if (GetTag(record, tag::kPlainSize) != found)
-    return "its record says another size than the " + found + " bytes that it has";
-  return {};
+  return TakeOutPayload(payload, ClaimsOf(record), m_key.algorithm, m_key.password, nowhere);
 }
 
 }  // namespace
