@@ -1,11 +1,16 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 
 #include "base/bytes.h"
 #include "base/files.h"
 
 namespace tarnel {
+
+/// The bytes of [from, from + length), fewer where the file ends. `length` may be any number that is not
+/// negative. Position below 1: Error BadRecordNumber.
+std::string ReadFileSlice(File& file, Position from, Length length);
 
 /// The stretch [from, from + length) of a file, read from front to back. A stretch that can't be one (before
 /// position 1, negative, beyond what numbers hold) is a BadRecordNumber at once, a file that ends inside it a

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "base/attempt.h"
-#include "base/printable.h"
 #include "carrier/busy_reading.h"
 #include "carrier/questions.h"
 #include "carrier/stored_text.h"
@@ -21,7 +20,16 @@ class Loader {
   Loader(const LoadRequest& request, Reading& reading, ReadingScreen& screen)
       : m_request(request), m_reading(reading), m_screen(screen) {}
 
-  LoadResult Run() {
+  LoadOutcome Run() {
+    const LoadResult result = Load();
+    return {.result = result, .faults = std::move(m_faults)};
+  }
+
+ private:
+  enum class End { Normal, Aborted, KeptOpen, LeftAtError };
+  enum class Step { GoOn, Done, KeepOpen };
+
+  LoadResult Load() {
     BusyReading busy(m_reading.guards);
     const End end = ReadEntries();
     busy.End();
@@ -38,13 +46,9 @@ class Loader {
     return LoadResult::NotFound;
   }
 
- private:
-  enum class End { Normal, Aborted, KeptOpen, LeftAtError };
-  enum class Step { GoOn, Done, KeepOpen };
-
   struct Entry {
     EntryPlace place;
-    WipedText record;  ///< plain; empty if the entry doesn't fit
+    WipedText record;  ///< plain
     std::string tail;
   };
 
@@ -74,41 +78,48 @@ class Loader {
   Step ReadEntry() {
     std::optional<EntryPlace> place;
     const Outcome outcome = Guarded([&] { place = m_walk->Next(); });
+    m_faults.brokenAt = m_walk->BrokenAt();
     // The outcome first: after a throw g++ 12 may leave anything in `place`.
     if (outcome == Outcome::Ignored || !place) return Step::Done;
-    Entry entry{.place = *place, .record = {}, .tail = {}};
-    Guarded([&] { ReadRecordOf(entry); });
-    if (!Fits(entry)) return OnlyNewestCounts() ? Step::Done : Step::GoOn;
-    const std::string_view version = GetTag(entry.record, tag::kFormat);
-    if (version != kFormatVersion) {
-      m_screen.Ask(VersionMessage(version));
-      return Step::Done;
+    JudgedEntry judged;
+    std::string tail;
+    if (Guarded([&] { ReadTo(judged, tail, *place); }) == Outcome::Ignored) {
+      m_faults.Note({place->start, {}, "its record cannot be read"});
+      return PassOver();
     }
+    switch (judged.state) {
+      case JudgedEntry::State::Damaged:
+        m_faults.Note({place->start, std::string(GetTag(judged.record, tag::kName)), judged.fault});
+        return PassOver();
+      case JudgedEntry::State::Closed:
+        m_faults.closedBy = GetTag(judged.record, tag::kFormat);
+        m_screen.Ask(VersionMessage(*m_faults.closedBy));
+        return Step::Done;
+      case JudgedEntry::State::Whole:
+        return Take({.place = *place, .record = std::move(judged.record), .tail = std::move(tail)});
+      case JudgedEntry::State::Broken:
+        m_faults.brokenAt = m_walk->BrokenAt();
+        return Step::Done;
+      case JudgedEntry::State::Foreign:
+        break;
+    }
+    return PassOver();
+  }
+
+  void ReadTo(JudgedEntry& judged, std::string& tail, const EntryPlace& place) {
+    m_reading.current.SecondKey.clear();
+    JudgedEntry entry = Judge(*m_walk, place, m_request.algorithm, m_request.password);
+    if (entry.state == JudgedEntry::State::Whole) tail = m_walk->ReadTail();
+    judged = std::move(entry);
+  }
+
+  Step PassOver() const { return OnlyNewestCounts() ? Step::Done : Step::GoOn; }
+
+  Step Take(Entry entry) {
     if (m_count == 0 && !SettleRoot(entry)) return Step::KeepOpen;
     AddEntry(std::move(entry));
     return Step::GoOn;
   }
-
-  void ReadRecordOf(Entry& entry) {
-    WipedText record =
-        m_walk->DecryptRecord(m_request.algorithm, m_request.password, m_reading.current.SecondKey);
-    if (record.empty()) return;
-    CheckPayload(record, entry.place.payload);
-    entry.tail = m_walk->ReadTail();
-    entry.record = std::move(record);
-  }
-
-  /// The record can be trusted, its trailer can't: a wrong length there would make a row of foreign bytes.
-  void CheckPayload(std::string_view record, Length payload) const {
-    const std::string_view stored = GetTag(record, tag::kStoredSize);
-    if (stored.empty() || ReadNumber(stored) == static_cast<double>(payload)) return;
-    throw Error(ErrorNumber::BadRecordNumber,
-                Printable(m_request.carrier.native()) + " is damaged: the lengths stored for " +
-                    Printable(ToDisplay(GetTag(record, tag::kName))) + " contradict each other",
-                m_request.carrier);
-  }
-
-  static bool Fits(const Entry& entry) { return !GetTag(entry.record, tag::kName).empty(); }
 
   bool OnlyNewestCounts() const { return m_request.fit == LoadRequest::Fit::NewestEntry && m_count == 0; }
 
@@ -182,13 +193,26 @@ class Loader {
   std::unique_ptr<Walk> m_walk;
   TreeNode* m_root = nullptr;
   std::size_t m_count = 0;
+  ChainFaults m_faults;
 };
 
 }  // namespace
 
-LoadResult LoadHideout(const LoadRequest& request, Reading& reading, ReadingScreen& screen) {
-  if (reading.guards.ReadingBusy) return LoadResult::NotFound;
+void ReadingScreen::ShowFaults(const ChainFaults& faults) {
+  Ask(DamageMessage(faults));
+}
+
+LoadOutcome ReadHideout(const LoadRequest& request, Reading& reading, ReadingScreen& screen) {
+  if (reading.guards.ReadingBusy) return {};
   return Loader(request, reading, screen).Run();
+}
+
+LoadResult LoadHideout(const LoadRequest& request, Reading& reading, ReadingScreen& screen) {
+  const LoadOutcome outcome = ReadHideout(request, reading, screen);
+  if (outcome.result == LoadResult::Loaded && request.reload == LoadRequest::Reload::Ask &&
+      !outcome.faults.None())
+    screen.ShowFaults(outcome.faults);
+  return outcome.result;
 }
 
 }  // namespace tarnel

@@ -6,6 +6,7 @@
 #include "base/dialogue.h"
 #include "base/files.h"
 #include "carrier/catalogue.h"
+#include "carrier/chain.h"
 
 namespace tarnel {
 
@@ -41,6 +42,10 @@ class ReadingScreen : public virtual Dialogue {
   /// Reading was aborted by AbortReadingFlag: a hideout of which something had been read is closed. The
   /// visible list is to be emptied and the first node, if there is one, to be clicked.
   virtual void HideoutGone() = 0;
+
+  /// The hideout was read, or sought and not found, and this is wrong with its carrier. Not called for a
+  /// forced reload, whose person knows already.
+  virtual void ShowFaults(const ChainFaults& faults);
 };
 
 /// What every operation that reads or reloads a hideout works with.
@@ -67,6 +72,12 @@ enum class LoadResult {
   Aborted,   ///< by AbortReadingFlag with at least one file read; the hideout is closed
 };
 
+/// A result, and what was found wrong with the carrier on the way, also where nothing was loaded.
+struct LoadOutcome {
+  LoadResult result = LoadResult::NotFound;
+  ChainFaults faults = {};
+};
+
 /// The caller need not try further.
 constexpr bool IsFinal(LoadResult result) {
   return result != LoadResult::NotFound;
@@ -77,10 +88,15 @@ constexpr bool IsFinal(LoadResult result) {
 ///
 /// A hideout that is open on this carrier is replaced: without a question if the reload is forced or its
 /// password is another one. Errors are asked about as "load.error". Ignore passes the entry over whose record
-/// can't be read or contradicts its trailer, and ends the walk where it can't go on; Abort gives NotFound and
+/// can't be read, and ends the walk where it can't go on; Abort gives NotFound and
 /// leaves what was read so far in the catalogue. ReadingBusy and TreeClickBlocked are clear when the screen
 /// hears of the end.
+///
+/// Entries of this key that can't be used, and where the chain is broken, go to ShowFaults.
 LoadResult LoadHideout(const LoadRequest& request, Reading& reading, ReadingScreen& screen);
+
+/// The same without ShowFaults.
+LoadOutcome ReadHideout(const LoadRequest& request, Reading& reading, ReadingScreen& screen);
 
 struct ProbeRequest {
   Path carrier;
@@ -98,9 +114,5 @@ struct ProbeResult {
 /// silent. After that one, which a file of fewer than 80 bytes gives, and after Abort, SearchBusy stays set
 /// and every further probe finds nothing: callers that don't want that pass such files over.
 ProbeResult ProbeCarrier(const ProbeRequest& request, Reading& reading, Dialogue& dialogue);
-
-/// The bytes of [from, from + length), fewer where the file ends. `length` may be any number that is not
-/// negative. Position below 1: Error BadRecordNumber.
-std::string ReadFileSlice(File& file, Position from, Length length);
 
 }  // namespace tarnel

@@ -18,19 +18,33 @@ constexpr std::array kTriedAlgorithms = {Algorithm::Rijndael256, Algorithm::Cast
                                          Algorithm::Blowfish,    Algorithm::Serpent256, Algorithm::TripleDes,
                                          Algorithm::Twofish};
 
-LoadResult TryAll(LoadRequest request, Reading& reading, OpeningScreen& screen) {
+/// Of the faults that several tries have found: each try sees the same break, and entries of one algorithm.
+void Join(ChainFaults& all, ChainFaults faults) {
+  if (all.entries.empty()) {
+    all.entries = std::move(faults.entries);
+    all.notNoted = faults.notNoted;
+  }
+  if (faults.brokenAt) all.brokenAt = faults.brokenAt;
+  if (faults.closedBy) all.closedBy = std::move(faults.closedBy);
+}
+
+/// Ends with the faults of the try that came to a final result, or else with those of all.
+LoadOutcome TryAll(LoadRequest request, Reading& reading, OpeningScreen& screen) {
+  LoadOutcome all;
   int number = 0;
   for (const auto fit : {LoadRequest::Fit::NewestEntry, LoadRequest::Fit::AnyEntry}) {
     for (const Algorithm algorithm : kTriedAlgorithms) {
       request.algorithm = algorithm;
       request.fit = fit;
       reading.guards.TreeClickBlocked = true;
-      const LoadResult result = LoadHideout(request, reading, screen);
-      if (IsFinal(result)) return result;
+      LoadOutcome outcome = ReadHideout(request, reading, screen);
+      if (IsFinal(outcome.result)) return outcome;
+      Join(all.faults, std::move(outcome.faults));
+      if (all.faults.closedBy) return all;
       screen.ShowTry(++number);
     }
   }
-  return LoadResult::NotFound;
+  return all;
 }
 
 }  // namespace
@@ -42,9 +56,11 @@ LoadResult TryPassword(const Path& carrier, const Secret& password, Reading& rea
     reading.guards.TreeClickBlocked = true;
     PrepareKey(password, [&screen] { screen.Yield(); });
   }
-  const LoadResult result = TryAll({.carrier = carrier, .password = password}, reading, screen);
+  const LoadOutcome outcome = TryAll({.carrier = carrier, .password = password}, reading, screen);
+  const bool isStopped = reading.guards.AbortReadingFlag || outcome.result == LoadResult::KeptOpen;
   reading.guards.AbortReadingFlag = false;
-  return result;
+  if (!isStopped && !outcome.faults.None()) screen.ShowFaults(outcome.faults);
+  return outcome.result;
 }
 
 TreeNode& CreateHideout(const Path& carrier, const Secret& password, std::string_view title,

@@ -16,7 +16,9 @@ class OpeningScreen : public ReadingScreen {
 /// Tries the password with ten algorithms on the newest entry, then with the same ten on every entry, and
 /// stops at the first final result. Derives the key first, yielding meanwhile with ReadingBusy set. Once
 /// AbortReadingFlag is set each remaining try ends at once; the flag is cleared at the end. Abort at an error
-/// ends one try only. NotFound at once if another operation is reading.
+/// ends one try only. NotFound at once if another operation is reading. What is wrong with the carrier goes
+/// to ShowFaults, also where no try has loaded anything: then a hideout of this password may be there all the
+/// same.
 LoadResult TryPassword(const Path& carrier, const Secret& password, Reading& reading, OpeningScreen& screen);
 
 /// Makes a hideout without entries: it has no bytes in the carrier before something is hidden. A hideout open

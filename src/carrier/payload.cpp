@@ -64,6 +64,17 @@ void MustLieInside(Position start, Length size, Length carrierSize, const Path& 
               carrier);
 }
 
+void MustStillStand(File& carrier, Position start, Length size, std::string_view tail, const Path& path) {
+  MustLieInside(start, size, carrier.Size(), path);
+  std::string found(tail.size(), '\0');
+  found.resize(carrier.ReadAt(start + size, {reinterpret_cast<std::uint8_t*>(found.data()), found.size()}));
+  if (found == tail) return;
+  throw Error(ErrorNumber::BadRecordNumber,
+              "cannot read " + Printable(path.native()) +
+                  ": it has changed since its hideout was opened; open it again",
+              path);
+}
+
 std::string TakeOutStored(ByteSource& payload, const PayloadClaims& claims, Algorithm algorithm,
                           const Key& key, ByteSink& stored) {
   SealedSource sealed(payload);

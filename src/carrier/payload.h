@@ -25,6 +25,10 @@ PayloadClaims ClaimsOf(std::string_view record);
 /// Throws Error BadRecordNumber unless [start, start + size) lies inside a carrier of `carrierSize` bytes.
 void MustLieInside(Position start, Length size, Length carrierSize, const Path& carrier);
 
+/// Throws Error BadRecordNumber unless the carrier holds `tail`, an entry's record and trailer, right behind
+/// the payload [start, start + size): then the entry is still where it was when its hideout was opened.
+void MustStillStand(File& carrier, Position start, Length size, std::string_view tail, const Path& path);
+
 /// Decrypts a payload into `plain`, decompresses it where the claims say so, and compares it with them. Empty
 /// if it is the whole payload that the record names; else what is wrong, as a clause such as "its contents
 /// are damaged or were altered". Bytes reach `plain` before that is known.

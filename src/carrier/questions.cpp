@@ -1,5 +1,7 @@
 #include "carrier/questions.h"
 
+#include <algorithm>
+
 #include "base/attempt.h"
 #include "carrier/stored_text.h"
 
@@ -38,6 +40,17 @@ Question VersionMessage(std::string_view version) {
           .text = "This carrier file was created with version: " + ToDisplay(version) +
                   ". This format is not compatible with current version.",
           .icon = Icon::Information};
+}
+
+Question DamageMessage(const ChainFaults& faults) {
+  constexpr std::size_t mostShown = 10;
+  std::string text = "Something is wrong with this carrier file:";
+  std::vector<std::string> sentences = SentencesOf(faults);
+  const std::size_t shown = std::min(mostShown, sentences.size());
+  for (std::size_t i = 0; i < shown; ++i)
+    text += "\r\n- " + sentences[i] + ".";
+  if (shown < sentences.size()) text += "\r\n- " + std::to_string(sentences.size() - shown) + " more.";
+  return {.id = "load.damage", .title = kTitle, .text = text, .icon = Icon::Critical};
 }
 
 Question NoPasswordMessage() {

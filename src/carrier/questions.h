@@ -18,6 +18,9 @@ Question ReloadQuestion();
 /// "load.version": an entry fits, but another format version wrote it. `version` is stored text.
 Question VersionMessage(std::string_view version);
 
+/// "load.damage": what reading has found wrong with the carrier. `faults` isn't empty.
+Question DamageMessage(const ChainFaults& faults);
+
 /// "open.no-password"
 Question NoPasswordMessage();
 

@@ -6,6 +6,7 @@
 
 #include "base/printable.h"
 #include "carrier/length_field.h"
+#include "carrier/record_text.h"
 #include "crypto/cipher.h"
 
 namespace tarnel {
@@ -31,16 +32,50 @@ std::optional<EntryPlace> Walk::Next() {
   if (m_cursor < Position{}) throw TooShort();
   const std::string trailer = Slice(m_cursor, kTrailerSize);
   const std::string_view fields = trailer;
-  const double recordLength = UnpackLengthField(fields.substr(kLengthFieldSize));
-  if (recordLength == 0) {
-    m_ended = true;
-    return std::nullopt;
-  }
-  const double payload = UnpackLengthField(fields.substr(0, kLengthFieldSize));
-  m_entry = PlaceOf(m_cursor, payload, recordLength);
+  const LengthField recordLength = ReadLengthField(fields.substr(kLengthFieldSize));
+  const LengthField payload = ReadLengthField(fields.substr(0, kLengthFieldSize));
+  if (recordLength.number == 0) return EndHere(recordLength.holds || payload.holds);
+  if (!payload.holds) return EndHere(true);
+  m_brokenAt = m_cursor;  // unless the place is one
+  m_entry = PlaceOf(m_cursor, payload.number, recordLength.number);
+  m_brokenAt.reset();
+  m_hasEntry = true;
   m_ended = m_entry.start < Position{kTrailerSize};
   if (!m_ended) m_cursor = m_entry.start - Length{kTrailerSize};
   return m_entry;
+}
+
+std::nullopt_t Walk::EndHere(bool isBroken) {
+  const bool wasMisled = !isBroken && m_hasEntry && WasMisled();
+  m_ended = true;
+  if (isBroken) m_brokenAt = m_cursor;
+  if (wasMisled) m_brokenAt = m_entry.Trailer();
+  return std::nullopt;
+}
+
+/// Called where no trailer stands before the current entry.
+bool Walk::WasMisled() {
+  const Position trailer = m_entry.Trailer();
+  if (IsDisprovedByText(m_carrier, trailer, m_entry.recordLength)) return true;
+  const std::string payload = Slice(trailer, kLengthFieldSize);
+  const std::vector<Length> numbers = NumbersOneCharacterAway(payload);
+  return std::any_of(numbers.begin(), numbers.end(), [&](Length number) {
+    return number != m_entry.payload && number < m_entry.Record() - Position{} &&
+           IsBehindAnEntry(m_entry.Record() - number);
+  });
+}
+
+bool Walk::IsBehindAnEntry(Position start) {
+  if (start <= Position{kTrailerSize}) return false;
+  const std::string trailer = Slice(start - Length{kTrailerSize}, kTrailerSize);
+  const std::string_view fields = trailer;
+  return ReadLengthField(fields.substr(0, kLengthFieldSize)).holds &&
+         ReadLengthField(fields.substr(kLengthFieldSize)).holds;
+}
+
+void Walk::BreakHere() {
+  m_ended = true;
+  m_brokenAt = m_entry.Trailer();
 }
 
 EntryPlace Walk::PlaceOf(Position trailer, double payload, double recordLength) const {
@@ -65,15 +100,15 @@ std::string Walk::ReadRecordText() {
   return Slice(m_entry.Record(), m_entry.recordLength);
 }
 
-WipedText Walk::DecryptRecord(Algorithm algorithm, const Secret& password, std::string& secondKey) {
+WipedText Walk::DecryptRecord(Algorithm algorithm, const Key& key, std::string& secondKey) {
   secondKey.clear();
-  if (m_entry.recordLength > Length{kRecordLimit} || !KeyFits(algorithm, password)) return {};
-  return CipherDecryptString(algorithm, ReadRecordText(), TextForm::Base64, password, secondKey, Cut::Whole);
+  if (m_entry.recordLength > Length{kRecordLimit} || !KeyFits(algorithm, key)) return {};
+  return CipherDecryptString(algorithm, ReadRecordText(), TextForm::Base64, key, secondKey, Cut::Whole);
 }
 
-bool Walk::KeyFits(Algorithm algorithm, const Secret& password) {
+bool Walk::KeyFits(Algorithm algorithm, const Key& key) {
   const std::string front = Slice(m_entry.Record(), std::min(kRecordFront, m_entry.recordLength));
-  return CipherKeyFits(algorithm, front, TextForm::Base64, password);
+  return CipherKeyFits(algorithm, front, TextForm::Base64, key);
 }
 
 std::string Walk::ReadTail() {

@@ -8,6 +8,7 @@
 #include "base/secret.h"
 #include "carrier/format.h"
 #include "crypto/algorithm.h"
+#include "crypto/keys.h"
 
 namespace tarnel {
 
@@ -30,6 +31,11 @@ struct EntryPlace {
 /// negative throw Error BadRecordNumber: a file of fewer than 80 bytes does so at once, a body of exactly 79
 /// bytes behind its oldest entry. The next call of Next then throws again. A carrier that becomes shorter
 /// meanwhile is an Error DeviceIo. After any throw the call can be repeated.
+///
+/// A trailer of which one length field holds and the other doesn't was damaged, for no bytes of a body pass
+/// for a field by chance; the walk ends there, and BrokenAt says where. The same where the walk comes to its
+/// end behind a trailer whose lengths are disproved: by the lines of the record's text, or by a whole trailer
+/// at the place where another number of one changed digit would have led.
 class Walk {
  public:
   /// `name` is for messages; the walk reads from `carrier` alone.
@@ -44,13 +50,23 @@ class Walk {
   /// The record's plain text under this key; empty if the entry belongs to somebody else, or its record is
   /// damaged or longer than kRecordLimit. Reads no more of a foreign record than it takes to see that.
   /// `secondKey` becomes empty.
-  WipedText DecryptRecord(Algorithm algorithm, const Secret& password, std::string& secondKey);
+  WipedText DecryptRecord(Algorithm algorithm, const Key& key, std::string& secondKey);
 
   /// True if the current record was written under this key, be it whole or damaged.
-  bool KeyFits(Algorithm algorithm, const Secret& password);
+  bool KeyFits(Algorithm algorithm, const Key& key);
 
   /// The current entry's cipher text and trailer, exactly as stored.
   std::string ReadTail();
+
+  /// The first byte of the trailer at which the chain of entries is known to be broken. What lies before it
+  /// is out of reach.
+  const std::optional<Position>& BrokenAt() const { return m_brokenAt; }
+
+  /// Ends the walk at the current entry, whose trailer has turned out to be wrong.
+  void BreakHere();
+
+  /// True if the bytes before `start` are a trailer of which both fields hold.
+  bool IsBehindAnEntry(Position start);
 
   /// Bytes between the trailer now being looked at and the end of the carrier.
   Length Passed() const;
@@ -59,6 +75,8 @@ class Walk {
  private:
   std::string Slice(Position from, Length length);
   void FillWindow(Position from, Length length);
+  std::nullopt_t EndHere(bool isBroken);
+  bool WasMisled();
   EntryPlace PlaceOf(Position trailer, double payload, double recordLength) const;
   Position Back(Position from, double length) const;
   Error TooShort() const;
@@ -70,6 +88,8 @@ class Walk {
   Length m_size;
   Position m_cursor;  ///< of the next trailer to read
   bool m_ended = false;
+  bool m_hasEntry = false;  ///< m_entry is one
+  std::optional<Position> m_brokenAt;
   EntryPlace m_entry;
   std::vector<std::uint8_t> m_window;  ///< what was read last, from m_windowStart on
   Position m_windowStart;

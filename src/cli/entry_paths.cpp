@@ -32,6 +32,14 @@ std::string PathOfEntry(std::string_view folder, std::string_view name) {
   return (parent.empty() ? "" : parent + "/") + ToPlatform(name);
 }
 
+std::vector<std::string> NamesOf(const std::vector<std::string>& stored) {
+  std::vector<std::string> names;
+  names.reserve(stored.size());
+  for (const std::string& name : stored)
+    names.push_back(ToPlatform(name));
+  return names;
+}
+
 std::vector<std::size_t> MatchEntries(const std::vector<MirrorRow>& rows,
                                       const std::vector<std::string>& wanted) {
   std::vector<bool> isFound(wanted.size(), false);

@@ -19,6 +19,7 @@ enum class ExitCode : int {
   Permission = 6,
   Damaged = 7,
   Busy = 8,
+  Unreadable = 9,
   CarrierNotFound = 10,
   NoHideout = 12,
   EntryNotFound = 13,

@@ -74,9 +74,20 @@ inline constexpr const char* kSearchExamples =
 
 inline constexpr const char* kRecover =
     "After an interrupted run: shows which of the carrier and the copies beside it open with the password,\n"
-    "asks, puts the best one in place and keeps the others under names that end in \".old\".";
+    "asks, puts the best one in place and keeps the others under names that end in \".old\".\n"
+    "After damage: shows what is wrong with the carrier's chain of entries and how it can be mended, asks,\n"
+    "and mends it in a new file; the old one is kept too.";
 inline constexpr const char* kRecoverExamples =
+    "Examples:\n"
+    "  tarnel-cli recover holiday.jpg\n"
+    "  tarnel-cli recover --yes --password-file ~/.secret holiday.jpg\n";
+
+inline constexpr const char* kSalvage =
+    "Looks through a whole carrier, however damaged, for files that the password opens, and brings back "
+    "each\n"
+    "that is whole. Changes nothing.";
+inline constexpr const char* kSalvageExamples =
     "Example:\n"
-    "  tarnel-cli recover holiday.jpg\n";
+    "  tarnel-cli salvage holiday.jpg --to saved\n";
 
 }  // namespace tarnel::help

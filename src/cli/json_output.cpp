@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/bytes.h"
+#include "carrier/stored_text.h"
 #include "crypto/base64.h"
 
 namespace tarnel {
@@ -57,6 +58,18 @@ Json JsonOfNames(const std::vector<std::string>& names) {
 
 Json JsonOfNames(const std::vector<Path>& paths) {
   return ArrayOf(paths, [](const Path& path) -> std::string_view { return path.native(); });
+}
+
+void PutFaults(Json& object, const ChainFaults& faults) {
+  if (faults.brokenAt) object["broken_at"] = faults.brokenAt->value;
+  if (faults.closedBy) PutBytes(object, "closed_by", ToPlatform(*faults.closedBy));
+  for (const EntryFault& entry : faults.entries) {
+    Json fault;
+    fault["at"] = entry.at.value;
+    PutBytes(fault, "name", ToPlatform(entry.name));
+    fault["reason"] = entry.fault;
+    object["damaged_entries"].push_back(std::move(fault));
+  }
 }
 
 Json JsonOfFailure(const CliFailure& failure) {

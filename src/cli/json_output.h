@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/files.h"
+#include "carrier/chain.h"
 #include "cli/exit_codes.h"
 
 namespace tarnel {
@@ -22,6 +23,9 @@ void PutBytes(Json& object, const std::string& key, std::string_view bytes);
 /// A list of names or paths: an array of objects with the one key `name`.
 Json JsonOfNames(const std::vector<std::string>& names);
 Json JsonOfNames(const std::vector<Path>& paths);
+
+/// "broken_at", "closed_by" and "damaged_entries", each only where there is something to say.
+void PutFaults(Json& object, const ChainFaults& faults);
 
 Json JsonOfFailure(const CliFailure& failure);
 Json JsonOfMessage(const char* kind, std::string_view text);

@@ -130,6 +130,7 @@ class Parser {
   void AddPasswd();
   void AddSearch();
   void AddRecover();
+  void AddSalvage();
   CLI::App& AddVerb(const char* name, const char* description, const char* examples, Finish finish,
                     const char* subject = "CARRIER", const char* subjectHelp = "The carrier file");
   void AddMany(CLI::App& app, const char* name, const char* help);
@@ -156,6 +157,8 @@ class Parser {
   ExtractOptions m_extract;
   PasswdOptions m_passwd;
   SearchOptions m_search;
+  RecoverOptions m_recover;
+  SalvageOptions m_salvage;
 };
 
 Parser::Parser() {
@@ -172,6 +175,7 @@ Parser::Parser() {
   AddPasswd();
   AddSearch();
   AddRecover();
+  AddSalvage();
 }
 
 void Parser::AddGlobals() {
@@ -229,6 +233,7 @@ void Parser::AddHide() {
       ->type_name("LEVEL")
       ->check(CLI::Range(1, 9));
   app.add_flag("--no-folders", m_hide.noFolders, "Don't keep the names of folders");
+  app.add_flag("--new", m_hide.makeNew, "Make a new hideout, also in a carrier that is damaged");
   app.add_flag("--write-protect", m_hide.writeProtect, "Make the carrier read-only afterwards");
   AddChoice<Originals>(
       app, "--originals", kOriginalsChoices, [this](Originals value) { m_hide.originals = value; },
@@ -303,7 +308,21 @@ void Parser::AddSearch() {
 }
 
 void Parser::AddRecover() {
-  AddVerb("recover", help::kRecover, help::kRecoverExamples, [this] { return RecoverOptions{Carrier()}; });
+  CLI::App& app = AddVerb("recover", help::kRecover, help::kRecoverExamples, [this] {
+    m_recover.carrier = Carrier();
+    return m_recover;
+  });
+  app.add_flag("--yes", m_recover.yes, "Do it without asking");
+}
+
+void Parser::AddSalvage() {
+  CLI::App& app = AddVerb("salvage", help::kSalvage, help::kSalvageExamples, [this] {
+    m_salvage.carrier = Carrier();
+    return m_salvage;
+  });
+  app.add_option("--to", m_salvage.target, "The folder to put them in; made if it is missing")
+      ->required()
+      ->type_name("DIR");
 }
 
 std::vector<std::string> Parser::Many() const {

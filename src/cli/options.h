@@ -30,6 +30,7 @@ struct HideOptions {
   bool noFolders = false;
   bool writeProtect = false;
   Originals originals = Originals::Keep;
+  bool makeNew = false;  ///< make a new hideout where none opens, whatever the carrier is like
 };
 
 struct ListOptions {
@@ -79,10 +80,16 @@ struct SearchOptions {
 
 struct RecoverOptions {
   std::string carrier;
+  bool yes = false;  ///< do what would be asked about
+};
+
+struct SalvageOptions {
+  std::string carrier;
+  std::string target;
 };
 
 using VerbOptions = std::variant<HideOptions, ListOptions, ExtractOptions, VerifyOptions, DeleteOptions,
-                                 UpdateOptions, PasswdOptions, SearchOptions, RecoverOptions>;
+                                 UpdateOptions, PasswdOptions, SearchOptions, RecoverOptions, SalvageOptions>;
 
 struct CommandLine {
   GlobalOptions global;

@@ -11,6 +11,7 @@
 #include "hiding/selection.h"
 #include "retrieval/carrier_rewrite.h"
 #include "retrieval/run_extract.h"
+#include "retrieval/salvage.h"
 #include "retrieval/verify.h"
 #include "search/search_folder.h"
 
@@ -40,9 +41,12 @@ class OpeningOnTerminal : public ReadingOnTerminal<OpeningScreen> {
     if (CancelRequested()) m_guards.AbortReadingFlag = true;
   }
   void ShowTry(int) override {}
+  void ShowFaults(const ChainFaults& faults) override { m_faults = faults; }
+  const ChainFaults& Faults() const { return m_faults; }
 
  private:
   ReadingGuards& m_guards;
+  ChainFaults m_faults;
 };
 
 class HideOnTerminal : public ReadingOnTerminal<HideScreen> {
@@ -65,6 +69,17 @@ class ExtractOnTerminal : public OnTerminal<ExtractScreen> {
   void ShowFile(std::size_t number, std::size_t count, std::string_view storedName, Length size,
                 const Path& target) override;
   void ShowProgress(Length value, Length maximum) override { Talk().Progress().Show(value, maximum); }
+};
+
+class SalvageOnTerminal : public OnTerminal<SalvageScreen> {
+ public:
+  using OnTerminal::OnTerminal;
+
+  void ShowProgress(Length value, Length maximum) override {
+    Talk().Progress().SetLabel("Salvaging");
+    Talk().Progress().Show(value, maximum);
+  }
+  void FileSalvaged(const Path&) override {}
 };
 
 class VerifyOnTerminal : public OnTerminal<VerifyScreen> {

@@ -17,6 +17,11 @@ const std::map<std::string, Answer> kSettled = {{"load.reload", Answer::No}, {"u
 constexpr const char* kWalkQuestion = "load.error";
 constexpr const char* kDamagedQuestion = "extract.damaged";
 
+/// Entries that are passed over where nobody can be asked, for the others are wanted all the same.
+bool ConcernsOneEntry(const Question& question) {
+  return question.id == kDamagedQuestion || question.id == "extract.name";
+}
+
 struct Key {
   char key;
   Answer answer;
@@ -118,10 +123,7 @@ Answer TerminalDialogue::Tell(const Question& message) {
 
 Answer TerminalDialogue::AnswerError(const Question& question) {
   const std::string text = TextOf(question);
-  if (IsBrokenWalk(question)) {
-    m_brokenWalk = text;
-    return Answer::Ignore;
-  }
+  if (IsBrokenWalk(question)) return Answer::Ignore;
   if (m_failure && m_aborted == text) return Answer::Abort;
   const std::optional<Answer> ruled = AnswerByRule(question);
   const Answer answer = ruled ? *ruled : AskPerson(question);
@@ -135,7 +137,7 @@ Answer TerminalDialogue::AnswerError(const Question& question) {
 
 std::optional<Answer> TerminalDialogue::AnswerByRule(const Question& question) {
   if (!m_onError && CanAsk()) return std::nullopt;
-  if (!m_onError) return question.id == kDamagedQuestion && !m_isCancelled ? Answer::Ignore : Answer::Abort;
+  if (!m_onError) return ConcernsOneEntry(question) && !m_isCancelled ? Answer::Ignore : Answer::Abort;
   if (*m_onError == OnError::Ignore) return Answer::Ignore;
   if (*m_onError == OnError::Abort || m_isCancelled) return Answer::Abort;
   const std::string text = TextOf(question);

@@ -15,7 +15,8 @@ namespace tarnel {
 
 /// The person at a terminal, or nobody. Questions go to the terminal; without one, or with --no-input, the
 /// safe answer is taken and said. --on-error answers what offers Abort, Retry and Ignore. An error that was
-/// answered with Abort once gets the same answer when it comes again.
+/// answered with Abort once gets the same answer when it comes again. A walk that breaks off at an entry that
+/// can't be has ended, so that what was read can be used; what is wrong there is told by whoever reads.
 class TerminalDialogue {
  public:
   TerminalDialogue(Terminal& terminal, Messages& messages, const GlobalOptions& options);
@@ -24,9 +25,8 @@ class TerminalDialogue {
   void Yield() { m_isCancelled = m_terminal.CancelRequested(); }
   bool CancelRequested() const { return m_isCancelled; }
 
-  /// What a walk said that broke off at an entry that can't be. It counts as the end of the walk, so that
-  /// what was read can be used.
-  const std::optional<std::string>& BrokenWalk() const { return m_brokenWalk; }
+  /// What LastFailure was made of, if anything.
+  const std::optional<CliFailure>& Failure() const { return m_failure; }
   /// The error behind the last answer Abort, or behind the last message of an error, as the failure of the
   /// whole run. Cancelled if the person asked for that.
   CliFailure LastFailure() const;
@@ -50,7 +50,6 @@ class TerminalDialogue {
   int m_retries = 0;
   std::string m_aborted;  ///< text of the error that was answered with Abort last
   std::optional<CliFailure> m_failure;
-  std::optional<std::string> m_brokenWalk;
 };
 
 /// Any screen port, with its dialogue part led to a TerminalDialogue.

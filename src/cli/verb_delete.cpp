@@ -28,6 +28,7 @@ ExitCode RunVerb(const DeleteOptions& options, Surroundings& around) {
   Workbench bench(options.carrier, around);
   const Leftover leftover = PrepareRewrite(bench, around);
   bench.Open();
+  bench.WarnOfFaults();
   const DeleteRequest request{.rows = MatchEntries(bench.Rows(), options.entries), .leftover = leftover};
   RewriteOnTerminal screen(around.talk, "Deleting");
   const DeleteResult result = RunDelete(request, bench.GetReading(), screen);

@@ -43,14 +43,6 @@ ExtractRequest RequestFor(const Workbench& bench, const ExtractOptions& options,
   return request;
 }
 
-std::vector<std::string> NamesOf(const std::vector<std::string>& stored) {
-  std::vector<std::string> names;
-  names.reserve(stored.size());
-  for (const std::string& name : stored)
-    names.push_back(ToPlatform(name));
-  return names;
-}
-
 std::string JsonText(const ExtractOptions& options, const ExtractResult& result) {
   Json object = JsonObject();
   PutBytes(object, "carrier", options.carrier);
@@ -83,6 +75,7 @@ ExitCode CodeOf(const ExtractResult& result) {
 ExitCode RunVerb(const ExtractOptions& options, Surroundings& around) {
   Workbench bench(options.carrier, around);
   bench.Open();
+  bench.WarnOfFaults();
   const std::vector<std::size_t> rows = MatchEntries(bench.Rows(), options.entries);
   WarnOfDoubles(bench, rows, options, around.messages);
   ExtractOnTerminal screen(around.talk);

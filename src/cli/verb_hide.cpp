@@ -42,6 +42,7 @@ class HideVerb {
   void Collect();
   void AddPath(const Path& path);
   void OpenOrMake();
+  void RefuseNewBesideDamage();
   void MakeHideout(const GivenPassword& password);
   void SayWhatIsNotUsed();
   HideRequest Request() const;
@@ -92,10 +93,22 @@ void HideVerb::OpenOrMake() {
   const GivenPassword password =
       ObtainPassword(m_around.options, m_around.variables, m_around.terminal, m_around.messages);
   if (m_bench.TryOpen(password.secret)) {
+    m_bench.WarnOfFaults();
     SayWhatIsNotUsed();
-  } else {
-    MakeHideout(password);
+    return;
   }
+  if (!m_options.makeNew) RefuseNewBesideDamage();
+  MakeHideout(password);
+}
+
+/// A hideout of this password may be there all the same; a second one on top would hide that.
+void HideVerb::RefuseNewBesideDamage() {
+  const ChainFaults& faults = m_bench.Faults();
+  if (faults.None()) return;
+  m_bench.WarnOfFaults();
+  throw CliFailure(faults.IsDamage() ? ExitCode::Damaged : ExitCode::Failed,
+                   "no new hideout is made in " + Printable(m_options.carrier) +
+                       ", for one of this password may be there; recover it first, or say --new");
 }
 
 void HideVerb::MakeHideout(const GivenPassword& password) {

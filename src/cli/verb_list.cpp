@@ -43,6 +43,7 @@ std::string JsonText(const Workbench& bench) {
   object["files"] = Json::array();
   for (const MirrorRow& row : bench.Rows())
     object["files"].push_back(JsonOfRow(row));
+  PutFaults(object, bench.Faults());
   return JsonLine(object);
 }
 
@@ -94,6 +95,7 @@ std::string Totals(const Workbench& bench) {
 ExitCode RunVerb(const ListOptions& options, Surroundings& around) {
   Workbench bench(options.carrier, around);
   bench.Open();
+  bench.WarnOfFaults();
   if (around.options.json) {
     around.terminal.Write(JsonText(bench));
   } else {

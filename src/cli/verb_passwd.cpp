@@ -1,4 +1,5 @@
 #include "base/printable.h"
+#include "cli/entry_paths.h"
 #include "cli/json_output.h"
 #include "cli/rewrite_verbs.h"
 #include "cli/screens.h"
@@ -14,11 +15,21 @@ void Report(const PasswdOptions& options, const PasswordResult& result, Surround
     Json object = JsonObject();
     PutBytes(object, "carrier", options.carrier);
     object["changed"] = result.changed;
+    object["damaged"] = JsonOfNames(NamesOf(result.damaged));
+    PutFaults(object, result.leftBehind);
     around.terminal.Write(JsonLine(object));
     return;
   }
   around.messages.Note(std::to_string(result.changed) + (result.changed == 1 ? " entry" : " entries") +
                        " in " + Printable(options.carrier) + " now open with the new password");
+}
+
+/// What must not be taken for changed, or for whole.
+void WarnOfTheRest(const PasswordResult& result, Messages& messages) {
+  for (const std::string& sentence : SentencesOf(result.leftBehind))
+    messages.Warn("left under the old password: " + sentence);
+  for (const std::string& name : NamesOf(result.damaged))
+    messages.Warn("still damaged: " + Printable(name));
 }
 
 }  // namespace
@@ -38,7 +49,8 @@ ExitCode RunVerb(const PasswdOptions& options, Surroundings& around) {
   if (result.refused) throw CliFailure(ExitCode::Failed, "the password was not changed");
   CheckRewrite(result.ending, result.temporary, around);
   Report(options, result, around);
-  return ExitCode::Done;
+  WarnOfTheRest(result, around.messages);
+  return result.leftBehind.None() && result.damaged.empty() ? ExitCode::Done : ExitCode::Damaged;
 }
 
 }  // namespace tarnel

@@ -5,6 +5,8 @@
 #include "cli/json_output.h"
 #include "cli/screens.h"
 #include "cli/verbs.h"
+#include "crypto/keys.h"
+#include "retrieval/mend_chain.h"
 #include "retrieval/recover.h"
 
 namespace tarnel {
@@ -23,29 +25,35 @@ class RecoverVerb {
       : m_options(options), m_around(around), m_carrier(FullPath(options.carrier)) {}
 
   ExitCode Run() {
-    if (LeftoversBeside(m_carrier, m_around.files).empty()) return EndWithoutCopies();
-    Plan();
-    ShowCopies();
-    CheckThatOneOpens();
-    AskForLeave();
-    const std::vector<Path> kept = ApplyRecovery(m_plan, *m_plan.best, m_around.files);
-    Report(kept);
+    MustExist();
+    m_password =
+        ObtainPassword(m_around.options, m_around.variables, m_around.terminal, m_around.messages).secret;
+    if (!LeftoversBeside(m_carrier, m_around.files).empty()) SettleCopies();
+    if (m_taken == m_carrier) MendChain();
+    Report();
     return ExitCode::Done;
   }
 
  private:
-  ExitCode EndWithoutCopies();
+  void MustExist();
+  void SettleCopies();
   void Plan();
   void ShowCopies();
-  void CheckThatOneOpens();
-  void AskForLeave();
-  void Report(const std::vector<Path>& kept);
+  void MendChain();
+  MendPlan PlanTheMending(File& carrier);
+  void ShowMending(const MendPlan& plan);
+  void AskForLeave(const std::string& text);
+  void Report();
   const CarrierCopy& Best() const { return m_plan.copies.at(*m_plan.best); }
 
   const RecoverOptions& m_options;
   Surroundings& m_around;
   const Path m_carrier;
+  Secret m_password;
   RecoverPlan m_plan;
+  Path m_taken = m_carrier;           ///< which copy is the carrier now
+  std::vector<Path> m_kept;           ///< what the others are called
+  std::vector<std::string> m_mended;  ///< what was done, as sentences
 };
 
 std::string Findings(const CarrierCopy& copy) {
@@ -61,23 +69,34 @@ std::string Findings(const CarrierCopy& copy) {
   return text + (copy.fault.empty() ? "" : "; " + copy.fault);
 }
 
-ExitCode RecoverVerb::EndWithoutCopies() {
-  if (!m_around.files.Stat(m_carrier)) {
+void RecoverVerb::MustExist() {
+  if (m_around.files.Stat(m_carrier))
+    RefuseBusy(m_carrier, m_around.files);
+  else if (LeftoversBeside(m_carrier, m_around.files).empty())
     throw CliFailure(ExitCode::CarrierNotFound,
                      "cannot find " + Printable(m_options.carrier) + ", nor a copy of it beside it");
+}
+
+/// Puts the best copy in the carrier's place. Where none opens, mending the carrier's chain may help.
+void RecoverVerb::SettleCopies() {
+  Plan();
+  ShowCopies();
+  if (!m_plan.best) {
+    if (m_around.files.Stat(m_carrier)) return;
+    throw CliFailure(ExitCode::NoHideout, "no copy of " + Printable(m_options.carrier) +
+                                              " opens with this password; nothing was changed");
   }
-  m_around.messages.Note("nothing to recover: no \".bak\" or \".tmp\" lies beside " +
-                         Printable(m_options.carrier));
-  return ExitCode::Done;
+  AskForLeave(
+      Printable(Best().path.native()) + " (" + Findings(Best()) +
+      ") would be the carrier, and each other copy would be kept under a name that ends in \".old\".");
+  m_kept = ApplyRecovery(m_plan, *m_plan.best, m_around.files);
+  m_taken = Best().path;
 }
 
 void RecoverVerb::Plan() {
-  if (m_around.files.Stat(m_carrier)) RefuseBusy(m_carrier, m_around.files);
-  const GivenPassword password =
-      ObtainPassword(m_around.options, m_around.variables, m_around.terminal, m_around.messages);
   PlainOnTerminal dialogue(m_around.talk);
   try {
-    m_plan = PlanRecovery(m_carrier, password.secret, m_around.files, dialogue);
+    m_plan = PlanRecovery(m_carrier, m_password, m_around.files, dialogue);
   } catch (const Stop&) {
     throw CliFailure(ExitCode::Cancelled, "cancelled; nothing was changed");
   }
@@ -90,22 +109,57 @@ void RecoverVerb::ShowCopies() {
   }
 }
 
-void RecoverVerb::CheckThatOneOpens() {
-  if (m_plan.best) return;
-  throw CliFailure(ExitCode::NoHideout, "no copy of " + Printable(m_options.carrier) +
-                                            " opens with this password; nothing was changed");
+void RecoverVerb::MendChain() {
+  PlainOnTerminal dialogue(m_around.talk);
+  try {
+    const std::unique_ptr<File> carrier = OpenLocked(m_carrier, m_around.files, LockAccess::Read);
+    const MendPlan plan = PlanTheMending(*carrier);
+    if (plan.steps.empty()) return;
+    ShowMending(plan);
+    AskForLeave(
+        "The mended carrier would be a new file in its place, and the old one would be kept under a name "
+        "that ends in \".old\".");
+    WriteMended(plan, *carrier, m_carrier, TemporaryCarrierPath(m_carrier), m_around.files, dialogue);
+  } catch (const Stop&) {
+    throw CliFailure(ExitCode::Cancelled, "cancelled; nothing was changed");
+  }
+  m_kept.push_back(PutInPlace(TemporaryCarrierPath(m_carrier), m_carrier, m_around.files));
 }
 
-void RecoverVerb::AskForLeave() {
-  const Question question{
-      .id = "cli.recover",
-      .title = "Tarnel",
-      .text = Printable(Best().path.native()) + " (" + Findings(Best()) +
-              ") would be the carrier, and each other copy would be kept under a name that "
-              "ends in \".old\". Do you want that?",
-      .buttons = Buttons::YesNo,
-      .icon = Icon::Question,
-      .preset = Answer::No};
+MendPlan RecoverVerb::PlanTheMending(File& carrier) {
+  PlainOnTerminal dialogue(m_around.talk);
+  PrepareKey(m_password, [&dialogue] { dialogue.Yield(); });
+  MendPlan plan = PlanMending(carrier, m_password, dialogue);
+  if (plan.entries == 0) {
+    throw CliFailure(ExitCode::NoHideout, "nothing in " + Printable(m_options.carrier) +
+                                              " opens with this password; nothing was changed");
+  }
+  for (const MendPlan::Step& step : plan.steps)
+    m_mended.push_back(SentenceOf(step));
+  if (plan.unknown)
+    m_around.messages.Warn("nothing tells the length at byte " + std::to_string(plan.unknown->value) +
+                           "; the chain of entries ends there");
+  return plan;
+}
+
+void RecoverVerb::ShowMending(const MendPlan& plan) {
+  if (m_around.options.json) return;
+  std::string text = "To mend the chain of entries in " + Printable(m_options.carrier) + ":\n";
+  for (const std::string& sentence : m_mended)
+    text += "- " + sentence + "\n";
+  text += std::to_string(plan.entries) + (plan.entries == 1 ? " entry" : " entries") +
+          " of this password would be within reach\n";
+  m_around.terminal.Write(text);
+}
+
+void RecoverVerb::AskForLeave(const std::string& text) {
+  if (m_options.yes) return;
+  const Question question{.id = "cli.recover",
+                          .title = "Tarnel",
+                          .text = text + " Do you want that?",
+                          .buttons = Buttons::YesNo,
+                          .icon = Icon::Question,
+                          .preset = Answer::No};
   if (m_around.talk.Ask(question) == Answer::Yes) return;
   if (m_around.talk.CancelRequested()) {
     throw CliFailure(ExitCode::Cancelled, "cancelled; nothing was changed");
@@ -113,20 +167,25 @@ void RecoverVerb::AskForLeave() {
   throw CliFailure(ExitCode::Failed, "nothing was changed");
 }
 
-void RecoverVerb::Report(const std::vector<Path>& kept) {
+void RecoverVerb::Report() {
   if (m_around.options.json) {
     Json object = JsonObject();
     PutBytes(object, "carrier", m_options.carrier);
-    PutBytes(object, "taken", Best().path.native());
-    object["entries"] = Best().entries;
-    object["damaged"] = Best().damaged;
-    object["kept"] = JsonOfNames(kept);
+    PutBytes(object, "taken", m_taken.native());
+    object["mended"] = Json::array();
+    for (const std::string& sentence : m_mended)
+      object["mended"].push_back(sentence);
+    object["kept"] = JsonOfNames(m_kept);
     m_around.terminal.Write(JsonLine(object));
     return;
   }
-  for (const Path& path : kept)
+  for (const Path& path : m_kept)
     m_around.messages.Note("kept: " + Printable(path.native()));
-  m_around.messages.Note(Printable(m_options.carrier) + " is recovered");
+  const bool isChanged = !m_kept.empty();
+  m_around.messages.Note(isChanged
+                             ? Printable(m_options.carrier) + " is recovered"
+                             : "nothing to recover: the chain of entries in " + Printable(m_options.carrier) +
+                                   " holds, and no \".bak\" or \".tmp\" lies beside it");
 }
 
 }  // namespace

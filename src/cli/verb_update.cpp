@@ -48,6 +48,7 @@ ExitCode RunVerb(const UpdateOptions& options, Surroundings& around) {
   const Leftover leftover = PrepareRewrite(bench, around);
   around.files.OpenToRead(options.file);
   bench.Open();
+  bench.WarnOfFaults();
   PreviewParcel parcel = ParcelOf(FindEntry(bench, options.entry, around.messages));
   const UpdateRequest request{
       .previewFile = FullPath(options.file), .compressionLevel = LevelOf(parcel), .leftover = leftover};

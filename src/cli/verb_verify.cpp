@@ -14,7 +14,15 @@ namespace tarnel {
 namespace {
 
 const char* WordOf(Verdict verdict) {
-  return verdict == Verdict::Intact ? "intact" : "damaged";
+  switch (verdict) {
+    case Verdict::Intact:
+      return "intact";
+    case Verdict::Unreadable:
+      return "unreadable";
+    case Verdict::Damaged:
+      break;
+  }
+  return "damaged";
 }
 
 std::string JsonText(const VerifyOptions& options, const VerifyResult& result) {
@@ -25,19 +33,33 @@ std::string JsonText(const VerifyOptions& options, const VerifyResult& result) {
     Json file;
     PutBytes(file, "name", ToPlatform(entry.name));
     PutBytes(file, "folder", FolderOfEntry(entry.folder));
+    file["start"] = entry.at.value;
     file["verdict"] = WordOf(entry.verdict);
     if (!entry.reason.empty()) file["reason"] = entry.reason;
     object["files"].push_back(std::move(file));
   }
+  PutFaults(object, result.chain);
   object["leftovers"] = JsonOfNames(result.leftovers);
   return JsonLine(object);
 }
 
 std::string LineOf(const VerifiedEntry& entry) {
-  const std::string name =
-      entry.name.empty() ? "(name unknown)" : Printable(PathOfEntry(entry.folder, entry.name));
-  const std::string line = std::string(entry.verdict == Verdict::Intact ? "intact   " : "damaged  ") + name;
-  return line + (entry.reason.empty() ? "" : ": " + entry.reason) + "\n";
+  const std::string name = entry.name.empty() ? "(the entry at byte " + std::to_string(entry.at.value) + ")"
+                                              : Printable(PathOfEntry(entry.folder, entry.name));
+  std::string line = WordOf(entry.verdict);
+  line.resize(std::max<std::size_t>(line.size(), 7), ' ');
+  return line + "  " + name + (entry.reason.empty() ? "" : ": " + entry.reason) + "\n";
+}
+
+/// Damage counts before what could only not be read.
+ExitCode CodeOf(const VerifyResult& result) {
+  const auto has = [&](Verdict verdict) {
+    return std::any_of(result.entries.begin(), result.entries.end(),
+                       [verdict](const VerifiedEntry& entry) { return entry.verdict == verdict; });
+  };
+  if (has(Verdict::Damaged) || result.chain.IsDamage()) return ExitCode::Damaged;
+  if (has(Verdict::Unreadable)) return ExitCode::Unreadable;
+  return result.chain.closedBy ? ExitCode::PartlyDone : ExitCode::Done;
 }
 
 }  // namespace
@@ -57,9 +79,9 @@ ExitCode RunVerb(const VerifyOptions& options, Surroundings& around) {
   }
   for (const Path& path : result.leftovers)
     around.messages.Warn(LeftoverAdvice(path));
-  const bool isIntact = std::all_of(result.entries.begin(), result.entries.end(),
-                                    [](const VerifiedEntry& e) { return e.verdict == Verdict::Intact; });
-  return isIntact ? bench.CodeOfReading(ExitCode::Done) : ExitCode::Damaged;
+  for (const std::string& sentence : SentencesOf(result.chain))
+    around.messages.Warn(sentence);
+  return CodeOf(result);
 }
 
 }  // namespace tarnel

@@ -17,5 +17,6 @@ ExitCode RunVerb(const UpdateOptions& options, Surroundings& around);
 ExitCode RunVerb(const PasswdOptions& options, Surroundings& around);
 ExitCode RunVerb(const SearchOptions& options, Surroundings& around);
 ExitCode RunVerb(const RecoverOptions& options, Surroundings& around);
+ExitCode RunVerb(const SalvageOptions& options, Surroundings& around);
 
 }  // namespace tarnel

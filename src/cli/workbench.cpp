@@ -22,11 +22,6 @@ Path FindCarrier(const std::string& given, Files& files) {
   return real;
 }
 
-/// A body of 79 bytes ends every walk with the same error as a damaged carrier, and is none.
-bool IsBodyOfSeventyNineBytes(const std::vector<MirrorRow>& rows) {
-  return !rows.empty() && rows.back().start == Position{kTrailerSize};
-}
-
 }  // namespace
 
 Workbench::Workbench(const std::string& given, Surroundings& around)
@@ -49,7 +44,15 @@ void Workbench::Open() {
   const GivenPassword password =
       ObtainPassword(m_around.options, m_around.variables, m_around.terminal, m_around.messages);
   if (TryOpen(password.secret)) return;
-  std::string message = "no hideout in " + Printable(m_given) + " opens with this password";
+  const std::string name = Printable(m_given);
+  if (!m_faults.None()) {
+    WarnOfFaults();
+    throw CliFailure(m_faults.IsDamage() ? ExitCode::Damaged : ExitCode::Failed,
+                     "nothing in " + name + " can be read with this password");
+  }
+  std::string message = "no hideout in " + name +
+                        " opens with this password; if files were hidden in it and its end was damaged or "
+                        "added to, \"tarnel-cli salvage\" finds them";
   for (const Path& path : LeftoversBeside(m_carrier, m_around.files))
     message += "\n" + LeftoverAdvice(path);
   throw CliFailure(ExitCode::NoHideout, message);
@@ -60,12 +63,16 @@ bool Workbench::TryOpen(const Secret& password) {
   OpeningOnTerminal screen(m_around.talk, m_guards);
   const LoadResult result = TryPassword(m_carrier, password, m_reading, screen);
   m_around.talk.Progress().Clear();
+  m_faults = screen.Faults();
   if (m_around.talk.CancelRequested()) throw CliFailure(ExitCode::Cancelled, "cancelled");
-  if (result != LoadResult::Loaded) return false;
-  if (m_around.talk.BrokenWalk() && !IsBodyOfSeventyNineBytes(Rows())) {
-    m_around.messages.Warn(*m_around.talk.BrokenWalk() + "; older entries may be out of reach");
-  }
-  return true;
+  if (result == LoadResult::Loaded) return true;
+  if (const auto& failure = m_around.talk.Failure()) throw CliFailure(ExitCode::Unreadable, failure->what());
+  return false;
+}
+
+void Workbench::WarnOfFaults() const {
+  for (const std::string& sentence : SentencesOf(m_faults))
+    m_around.messages.Warn(sentence);
 }
 
 std::string Workbench::Title() const {
@@ -77,8 +84,8 @@ std::string Workbench::Algorithm() const {
 }
 
 ExitCode Workbench::CodeOfReading(ExitCode otherwise) const {
-  const bool isBroken = m_around.talk.BrokenWalk() && !IsBodyOfSeventyNineBytes(Rows());
-  return isBroken ? ExitCode::Damaged : otherwise;
+  if (m_faults.IsDamage()) return ExitCode::Damaged;
+  return m_faults.closedBy && otherwise == ExitCode::Done ? ExitCode::PartlyDone : otherwise;
 }
 
 Path FullPath(const std::string& given) {

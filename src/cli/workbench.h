@@ -30,11 +30,15 @@ class Workbench {
   /// beside the real one. Throws CliFailure(CarrierNotFound), or Error for what is no readable regular file.
   Workbench(const std::string& given, Surroundings& around);
 
-  /// Gets the password and opens the hideout. Throws CliFailure: what ObtainPassword throws, NoHideout,
-  /// Cancelled.
+  /// Gets the password and opens the hideout. Throws CliFailure: what ObtainPassword and TryOpen throw,
+  /// NoHideout, and where nothing can be read of a hideout that is or may be there, Damaged or Failed.
   void Open();
-  /// False if no hideout opens. Throws CliFailure(Cancelled).
+  /// False if no hideout opens. Throws CliFailure: Cancelled, Unreadable for what the disk doesn't give.
   bool TryOpen(const Secret& password);
+
+  /// What the last opening has found wrong with the carrier.
+  const ChainFaults& Faults() const { return m_faults; }
+  void WarnOfFaults() const;
 
   const Path& Carrier() const { return m_carrier; }
   const std::string& GivenName() const { return m_given; }
@@ -47,7 +51,8 @@ class Workbench {
   /// The title as the platform's bytes.
   std::string Title() const;
   std::string Algorithm() const;
-  /// Damaged if the walk broke off at an entry that can't be, else `otherwise`.
+  /// Damaged where something is wrong with the carrier's chain, PartlyDone where entries are closed to this
+  /// version and `otherwise` is Done; else `otherwise`.
   ExitCode CodeOfReading(ExitCode otherwise) const;
 
  private:
@@ -59,6 +64,7 @@ class Workbench {
   ReadingGuards m_guards;
   CurrentHideout m_current;
   Reading m_reading;
+  ChainFaults m_faults;
 };
 
 /// Throws CliFailure(Busy) if another process works on the carrier.

@@ -69,6 +69,8 @@ class CarrierRewrite {
   CarrierRewrite(const Path& carrier, const std::vector<KnownEntry>& treated, RewriteManner manner,
                  Leftover leftover, Files& files, RewriteScreen& screen);
 
+  /// The carrier as it still is, for reading.
+  File& Carrier() { return *m_carrier; }
   Length CarrierSize() const { return m_carrierSize; }
   Length Written() const { return m_written; }
   const Path& TemporaryPath() const { return m_temporaryPath; }
@@ -98,6 +100,9 @@ class CarrierRewrite {
   /// Ignore.
   bool Replace();
 
+  /// Runs a statement under the manner's handler; Ignore ends the run as Abort does.
+  void Must(const std::function<void()>& statement);
+
  private:
   class TemporarySink;
 
@@ -110,7 +115,6 @@ class CarrierRewrite {
   void SetCarrierMode(mode_t mode);
   void LockTemporary();
   bool RenameOver();
-  void Must(const std::function<void()>& statement);
 
   Files& m_files;
   RewriteScreen& m_screen;

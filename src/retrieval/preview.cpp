@@ -78,7 +78,8 @@ void Viewing::Extract() {
 void Viewing::TakeOut(File& plain) {
   const CurrentHideout& current = m_reading.current;
   const std::unique_ptr<File> carrier = m_reading.files.OpenToRead(current.CurrentCarrierPath);
-  MustLieInside(m_parcel.ViewStart, m_parcel.ViewSize, carrier->Size(), current.CurrentCarrierPath);
+  MustStillStand(*carrier, m_parcel.ViewStart, m_parcel.ViewSize, m_parcel.ViewTail,
+                 current.CurrentCarrierPath);
   FileSource stretch(*carrier, current.CurrentCarrierPath, m_parcel.ViewStart, m_parcel.ViewSize);
   Length passed = 0;
   BlockSource payload(stretch,

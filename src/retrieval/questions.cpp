@@ -40,8 +40,18 @@ Question NotReplaced(const char* id, const char* advice, const Path& temporary, 
 }  // namespace
 
 Question ExtractError(const Error& error, ExtractFault fault) {
-  const char* id = fault == ExtractFault::Damaged ? "extract.damaged" : "extract.error";
+  const char* id = "extract.error";
+  if (fault == ExtractFault::Damaged) id = "extract.damaged";
+  if (fault == ExtractFault::Name) id = "extract.name";
   return ErrorQuestion(error, id, kExtracting, LineBreak::LfCr, Answer::Abort);
+}
+
+Question PasswordLeavesBehind(const ChainFaults& faults, const Path& carrier) {
+  std::string text = "cannot take all of " + Printable(carrier.native()) + " along to the new password";
+  for (const std::string& sentence : SentencesOf(faults))
+    text += "; " + sentence;
+  return ErrorQuestion(Error(ErrorNumber::BadRecordNumber, text, carrier), "password.left-behind", kTitle,
+                       LineBreak::LfCr, Answer::Abort);
 }
 
 Question Overwrite(const Path& target) {

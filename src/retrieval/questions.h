@@ -5,6 +5,7 @@
 #include "base/dialogue.h"
 #include "base/error.h"
 #include "base/files.h"
+#include "carrier/chain.h"
 #include "retrieval/run_password.h"
 
 /// All that the retrieving and rewriting operations ask. The ids are stable.
@@ -17,12 +18,20 @@ inline constexpr const char* kViewing = "Tarnel [View/Edit...]";
 inline constexpr const char* kUpdating = "Tarnel [Updating...]";
 inline constexpr const char* kChangingPassword = "Tarnel [Password]";
 
-/// "extract.damaged" or "extract.error". On Ignore the entry is passed over.
-enum class ExtractFault { Damaged, Other };
+/// "extract.damaged", "extract.name" or "extract.error". On Ignore the entry is passed over.
+enum class ExtractFault {
+  Damaged,
+  Name,  ///< nothing can be made under the entry's name or folder
+  Other
+};
 Question ExtractError(const Error& error, ExtractFault fault);
 
 /// "extract.overwrite": the target stands already.
 Question Overwrite(const Path& target);
+
+/// "password.left-behind": entries that a change of password can't take along. Ignore changes the others,
+/// Abort nothing.
+Question PasswordLeavesBehind(const ChainFaults& faults, const Path& carrier);
 
 /// "delete.error"; "password.error", also for a damaged payload; "update.error"; "view.error".
 Question DeleteError(const Error& error);

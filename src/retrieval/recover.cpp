@@ -120,7 +120,7 @@ void Planning::CountEntries(CarrierCopy& copy) {
   if (result.cancelled) throw Stop{StopReason::Cancelled};
   copy.entries = result.entries.size();
   for (const VerifiedEntry& entry : result.entries)
-    if (entry.verdict == Verdict::Damaged) ++copy.damaged;
+    if (entry.verdict != Verdict::Intact) ++copy.damaged;
 }
 
 CarrierCopy::Relation Planning::RelationOf(const CarrierCopy& copy) {
@@ -195,6 +195,14 @@ std::vector<Path> ApplyRecovery(const RecoverPlan& plan, std::size_t choice, Fil
     if (copy.path != chosen.path) kept.push_back(KeepAsOld(copy.path, plan.carrier, files));
   if (chosen.path != plan.carrier) files.Rename(chosen.path, plan.carrier);
   files.SyncFolder(plan.carrier.parent_path());
+  return kept;
+}
+
+Path PutInPlace(const Path& fresh, const Path& carrier, Files& files) {
+  if (const std::optional<FileStat> stat = files.Stat(carrier)) files.SetMode(fresh, stat->mode);
+  const Path kept = KeepAsOld(carrier, carrier, files);
+  files.Rename(fresh, carrier);
+  files.SyncFolder(carrier.parent_path());
   return kept;
 }
 

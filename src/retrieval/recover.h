@@ -54,6 +54,10 @@ RecoverPlan PlanRecovery(const Path& carrier, const Secret& password, Files& fil
 /// finishes the work.
 std::vector<Path> ApplyRecovery(const RecoverPlan& plan, std::size_t choice, Files& files);
 
+/// Makes `fresh`, a whole carrier that is on the medium, the carrier, with its mode, and keeps the old one
+/// under a new name, which it gives; both exist at every moment. Throws Error.
+Path PutInPlace(const Path& fresh, const Path& carrier, Files& files);
+
 /// One sentence on a file that lies beside a carrier: what it may be and what to do.
 std::string LeftoverAdvice(const Path& leftover);
 

@@ -1,37 +1,24 @@
 #include "retrieval/run_extract.h"
 
-#include <charconv>
 #include <memory>
 #include <optional>
 #include <utility>
 
 #include "base/attempt.h"
-#include "base/attributes.h"
 #include "base/file_streams.h"
 #include "base/printable.h"
 #include "carrier/format.h"
 #include "carrier/payload.h"
 #include "carrier/stored_text.h"
-#include "carrier/tags.h"
 #include "crypto/keys.h"
 #include "retrieval/block_source.h"
 #include "retrieval/pending_file.h"
 #include "retrieval/questions.h"
+#include "retrieval/restored_file.h"
 #include "retrieval/work_list.h"
 
 namespace tarnel {
 namespace {
-
-mode_t ModeOf(const MirrorRow& row) {
-  const std::string_view text = row.Field(tag::kMode);
-  unsigned bits = 0;
-  const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), bits, 8);
-  const bool isMode = fault == std::errc() && end == text.data() + text.size();
-  const double word = ReadNumber(row.Field(tag::kAttributes));
-  const bool isWord = word >= 0 && word <= 0xFFFF;
-  return RestoredMode(isMode ? std::optional<mode_t>(bits & 0777) : std::nullopt,
-                      isWord ? static_cast<int>(word) : attribute::Archive);
-}
 
 Path WithoutClosingSeparator(const Path& folder) {
   return folder.has_filename() || folder == folder.root_path() ? folder : folder.parent_path();
@@ -72,6 +59,7 @@ class Extraction {
   void WriteTarget(const MirrorRow& row, Target& target);
   void TakeOut(const MirrorRow& row, File& plain);
 
+  questions::ExtractFault FaultOf(const Error& error) const;
   template <class Statement>
   Outcome Try(const MirrorRow& row, Statement&& statement);
   void End(const Stop& stop);
@@ -169,14 +157,14 @@ void Extraction::WriteTarget(const MirrorRow& row, Target& target) {
   m_screen.ShowProgress(0, row.size);
   m_screen.Yield();
   TakeOut(row, pending.Opened());
-  pending.Complete(target.name, ModeOf(row));
+  pending.Complete(target.name, RestoredModeOf(row.record));
   m_screen.ShowProgress(row.size, row.size);
   m_screen.Yield();
 }
 
 void Extraction::TakeOut(const MirrorRow& row, File& plain) {
   const std::unique_ptr<File> carrier = m_files.OpenToRead(m_request.carrier);
-  MustLieInside(row.start, row.size, carrier->Size(), m_request.carrier);
+  MustStillStand(*carrier, row.start, row.size, row.tail, m_request.carrier);
   FileSource stretch(*carrier, m_request.carrier, row.start, row.size);
   Length passed = 0;
   BlockSource payload(stretch, BlockCount(row.size, CancelLook::BehindFullBlock, m_screen, [&](Length block) {
@@ -190,17 +178,24 @@ void Extraction::TakeOut(const MirrorRow& row, File& plain) {
   throw DamagedPayload("extract", row.Name(), fault);
 }
 
+questions::ExtractFault Extraction::FaultOf(const Error& error) const {
+  if (m_damaged) return questions::ExtractFault::Damaged;
+  return error.Number() == ErrorNumber::BadFileName ? questions::ExtractFault::Name
+                                                    : questions::ExtractFault::Other;
+}
+
 template <class Statement>
 Outcome Extraction::Try(const MirrorRow& row, Statement&& statement) {
-  const ErrorHandler handler{[this](const Error& error) {
-    return questions::ExtractError(
-        error, m_damaged ? questions::ExtractFault::Damaged : questions::ExtractFault::Other);
-  }};
+  const ErrorHandler handler{
+      [this](const Error& error) { return questions::ExtractError(error, FaultOf(error)); }};
   const Outcome outcome = Attempt(m_screen, handler, [&] {
     m_damaged = nullptr;
     statement();
   });
-  if (outcome == Outcome::Ignored) (m_damaged ? m_result.damaged : m_result.leftOut).emplace_back(row.Name());
+  if (outcome == Outcome::Ignored) {
+    (m_damaged ? m_result.damaged : m_result.leftOut).emplace_back(row.Name());
+    m_damaged = nullptr;
+  }
   return outcome;
 }
 

@@ -59,6 +59,7 @@ class PasswordChange {
  private:
   enum class Damage { Refused, Accepted };
 
+  void AskAboutLeftBehind();
   void WriteAnew(const MirrorRow& row);
   void WriteEntry(const MirrorRow& row, Damage damage, ByteSink& sink);
   void Reencrypt(const MirrorRow& row, Damage damage, PayloadSink& sink);
@@ -70,12 +71,13 @@ class PasswordChange {
   const Path m_carrier;
   const std::vector<const MirrorRow*> m_rows;
   CarrierRewrite m_rewrite;
+  PasswordResult m_result;
 };
 
 PasswordResult PasswordChange::Run() {
-  PasswordResult result;
   try {
     PrepareKey(m_reading.current.CurrentPassword, [this] { m_screen.Yield(); });
+    AskAboutLeftBehind();
     PrepareKey(m_newPassword, [this] { m_screen.Yield(); });
     for (const MirrorRow* row : m_rows) {
       m_rewrite.KeepUntil(row->start);
@@ -85,24 +87,35 @@ PasswordResult PasswordChange::Run() {
     }
     m_rewrite.KeepRest();
     if (!m_rewrite.Replace()) {
-      result.ending = RewriteEnding::NotReplaced;
-      result.temporary = m_rewrite.TemporaryPath();
-      return result;
+      m_result.ending = RewriteEnding::NotReplaced;
+      m_result.temporary = m_rewrite.TemporaryPath();
+      return std::move(m_result);
     }
   } catch (const Stop& stop) {
-    result.ending = EndingOf(stop);
-    return result;
+    return {.refused = {}, .ending = EndingOf(stop), .damaged = {}, .leftBehind = {}, .temporary = {}};
   }
-  result.changed = m_rows.size();
+  m_result.changed = m_rows.size();
   ReloadHideout();
-  return result;
+  return std::move(m_result);
+}
+
+void PasswordChange::AskAboutLeftBehind() {
+  const CurrentHideout& current = m_reading.current;
+  m_rewrite.Must([&] {
+    m_result.leftBehind = ExamineChain(m_rewrite.Carrier(), m_carrier, current.CurrentAlgorithmId,
+                                       current.CurrentPassword, m_screen);
+  });
+  if (m_result.leftBehind.None()) return;
+  const Question question = questions::PasswordLeavesBehind(m_result.leftBehind, m_carrier);
+  if (m_screen.Ask(question) != Answer::Ignore) throw Stop{StopReason::Aborted};
 }
 
 void PasswordChange::WriteAnew(const MirrorRow& row) {
   const Outcome outcome =
       m_rewrite.TryAppend([&](ByteSink& sink) { WriteEntry(row, Damage::Refused, sink); });
-  if (outcome == Outcome::Ignored)
-    m_rewrite.Append([&](ByteSink& sink) { WriteEntry(row, Damage::Accepted, sink); });
+  if (outcome == Outcome::Done) return;
+  m_result.damaged.emplace_back(row.Name());
+  m_rewrite.Append([&](ByteSink& sink) { WriteEntry(row, Damage::Accepted, sink); });
 }
 
 void PasswordChange::WriteEntry(const MirrorRow& row, Damage damage, ByteSink& sink) {
@@ -136,7 +149,7 @@ void PasswordChange::ReloadHideout() {
 PasswordResult RunPassword(const PasswordRequest& request, Reading& reading, RewriteScreen& screen) {
   if (const std::optional<PasswordFault> fault = FaultOf(request, reading.current.CurrentPassword)) {
     screen.Ask(questions::PasswordRefused(*fault));
-    return {.refused = fault, .temporary = {}};
+    return {.refused = fault, .damaged = {}, .leftBehind = {}, .temporary = {}};
   }
   return PasswordChange(request, reading, screen).Run();
 }

@@ -2,7 +2,10 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
+#include <vector>
 
+#include "carrier/chain.h"
 #include "retrieval/carrier_rewrite.h"
 
 namespace tarnel {
@@ -20,15 +23,19 @@ struct PasswordRequest {
 struct PasswordResult {
   std::optional<PasswordFault> refused;  ///< set: the person was told, nothing was done
   RewriteEnding ending = RewriteEnding::Done;
-  std::size_t changed = 0;  ///< entries under the new password
-  Path temporary;           ///< set where the complete new carrier was left beside the old one
+  std::size_t changed = 0;           ///< entries under the new password
+  std::vector<std::string> damaged;  ///< stored names of those whose contents are damaged, before and after
+  ChainFaults leftBehind;            ///< what could not be taken along and stays under the old password
+  Path temporary;                    ///< set where the complete new carrier was left beside the old one
 };
 
 /// Encrypts every entry of the current hideout anew, in the place it has, and reloads the hideout under the
 /// new password, which becomes the current one. The algorithm stays, and so do all other bytes. Plain
 /// contents never touch a disk.
+/// What can't be taken along (damaged records, all behind a break of the chain, entries of another format) is
+/// asked about before anything is written: Ignore leaves it behind, Abort leaves all as it was.
 /// A payload that turns out to be damaged is asked about, as an error of the handler: Ignore takes it over as
-/// it decrypts, which makes it pass for intact afterwards; Abort leaves all as it was.
+/// damaged as it is; Abort leaves all as it was.
 /// Cancel is looked at before each full block. Errors before the first byte is written are thrown, as
 /// CarrierRewrite does.
 PasswordResult RunPassword(const PasswordRequest& request, Reading& reading, RewriteScreen& screen);

@@ -1,5 +1,6 @@
 #include "retrieval/verify.h"
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
@@ -28,7 +29,8 @@ class Verification {
  private:
   void CheckEntries();
   std::optional<EntryPlace> NextEntry(Walk& walk);
-  void CheckEntry(Walk& walk, const EntryPlace& place);
+  bool CheckEntry(Walk& walk, const EntryPlace& place);
+  void CheckPayload(const EntryPlace& place, std::string_view record, VerifiedEntry& entry);
   std::string FaultOfPayload(const EntryPlace& place, std::string_view record);
 
   const Path& m_path;
@@ -57,41 +59,50 @@ void Verification::CheckEntries() {
   while (const std::optional<EntryPlace> place = NextEntry(walk)) {
     m_screen.Yield();
     if (m_screen.CancelRequested()) throw Stop{StopReason::Cancelled};
-    CheckEntry(walk, *place);
+    if (!CheckEntry(walk, *place)) break;
     m_passed = walk.CarrierSize() - (place->start.value - 1);
     m_screen.ShowProgress(m_passed, walk.CarrierSize());
   }
+  m_result.chain.brokenAt = walk.BrokenAt();
   m_screen.ShowProgress(walk.CarrierSize(), walk.CarrierSize());
 }
 
-/// Where the walk can't go on behind at least one entry, all that lies before is lost, and is reported as one
-/// entry. A body too short for a trailer is no such place, though the walk throws over one of 79 bytes.
+/// Where the walk can't go on behind at least one entry, the rest is out of reach.
 std::optional<EntryPlace> Verification::NextEntry(Walk& walk) {
   try {
     return walk.Next();
   } catch (const Error& error) {
     if (error.Number() != ErrorNumber::BadRecordNumber || m_passed == 0) throw;
-    if (walk.CarrierSize() - m_passed >= static_cast<Length>(kTrailerSize))
-      m_result.entries.push_back(
-          {.name = {}, .folder = {}, .verdict = Verdict::Damaged, .reason = error.Description()});
     return std::nullopt;
   }
 }
 
-void Verification::CheckEntry(Walk& walk, const EntryPlace& place) {
-  std::string secondKey;
-  const WipedText record = walk.DecryptRecord(m_key.algorithm, m_key.password, secondKey);
-  VerifiedEntry entry;
-  entry.name = GetTag(record, tag::kName);
-  entry.folder = GetTag(record, tag::kFolder);
-  if (!entry.name.empty())
-    entry.reason = FaultOfPayload(place, record);
-  else if (walk.KeyFits(m_key.algorithm, m_key.password))
-    entry.reason = "its record is damaged";
-  else
-    return;
-  if (!entry.reason.empty()) entry.verdict = Verdict::Damaged;
+/// False where an entry closes the hideout.
+bool Verification::CheckEntry(Walk& walk, const EntryPlace& place) {
+  const JudgedEntry judged = Judge(walk, place, m_key.algorithm, m_key.password);
+  if (judged.state == JudgedEntry::State::Closed)
+    m_result.chain.closedBy = GetTag(judged.record, tag::kFormat);
+  const bool isWhole = judged.state == JudgedEntry::State::Whole;
+  if (!isWhole && judged.state != JudgedEntry::State::Damaged)
+    return judged.state != JudgedEntry::State::Closed;
+  VerifiedEntry entry{.at = place.start,
+                      .name = std::string(GetTag(judged.record, tag::kName)),
+                      .folder = std::string(GetTag(judged.record, tag::kFolder)),
+                      .verdict = isWhole ? Verdict::Intact : Verdict::Damaged,
+                      .reason = judged.fault};
+  if (isWhole) CheckPayload(place, judged.record, entry);
   m_result.entries.push_back(std::move(entry));
+  return true;
+}
+
+void Verification::CheckPayload(const EntryPlace& place, std::string_view record, VerifiedEntry& entry) {
+  try {
+    entry.reason = FaultOfPayload(place, record);
+    if (!entry.reason.empty()) entry.verdict = Verdict::Damaged;
+  } catch (const Error& error) {
+    entry.reason = error.Description();
+    entry.verdict = Verdict::Unreadable;
+  }
 }
 
 std::string Verification::FaultOfPayload(const EntryPlace& place, std::string_view record) {
@@ -106,6 +117,12 @@ std::string Verification::FaultOfPayload(const EntryPlace& place, std::string_vi
 }
 
 }  // namespace
+
+bool VerifyResult::IsWhole() const {
+  return chain.None() && std::all_of(entries.begin(), entries.end(), [](const VerifiedEntry& entry) {
+           return entry.verdict == Verdict::Intact;
+         });
+}
 
 VerifyResult RunVerify(const Path& carrier, const HideoutKey& key, Files& files, VerifyScreen& screen) {
   return Verification(carrier, key, files, screen).Run();

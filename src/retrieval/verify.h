@@ -7,22 +7,28 @@
 #include "base/dialogue.h"
 #include "base/files.h"
 #include "carrier/catalogue.h"
+#include "carrier/chain.h"
 
 namespace tarnel {
 
-enum class Verdict { Intact, Damaged };
+enum class Verdict { Intact, Damaged, Unreadable };
 
 struct VerifiedEntry {
+  Position at;         ///< first byte of the entry
   std::string name;    ///< stored text; empty for an entry whose record is damaged
   std::string folder;  ///< stored text
   Verdict verdict = Verdict::Intact;
-  std::string reason;  ///< empty when intact, else a plain sentence
+  std::string reason;  ///< empty when intact, else a clause
 };
 
 struct VerifyResult {
   bool cancelled = false;
   std::vector<VerifiedEntry> entries;  ///< newest first
+  ChainFaults chain;                   ///< without its entries, which stand above
   std::vector<Path> leftovers;         ///< the ".bak" and ".tmp" that lie beside the carrier
+
+  /// True if everything that the chain leads to is intact and nothing is known to be out of its reach.
+  bool IsWhole() const;
 };
 
 /// What verifying shows.
@@ -32,8 +38,8 @@ class VerifyScreen : public virtual Dialogue {
 };
 
 /// Decrypts every payload of the hideout to nowhere. An entry written under this key whose record fails its
-/// tag counts as damaged, and so does, as one nameless entry, all that lies before a place where the walk
-/// can't go on. Throws Error for a carrier that can't be read, or whose end is no entry and leads before its
+/// tag counts as damaged. A payload that the disk doesn't give is unreadable; the others are read all the
+/// same. Throws Error for a carrier whose chain can't be read, or whose end is no entry and leads before its
 /// begin.
 VerifyResult RunVerify(const Path& carrier, const HideoutKey& key, Files& files, VerifyScreen& screen);
 

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/files.h"
+#include "base/secret.h"
+#include "crypto/algorithm.h"
+#include "crypto/keys.h"
+
+namespace tarnel {
+
+/// Records sought by how their text looks (record_text.h), whatever the chain of entries says.
+
+struct RecordText {
+  Position begin;
+  Position linesEnd;  ///< behind its last full line; a shorter line and a trailer may follow
+};
+
+/// Goes through a whole file from front to back, reading it once. A record of fewer than one full line isn't
+/// found; every record that a file name and a size stand in is longer.
+class RecordScan {
+ public:
+  /// `passed` is called with the bytes read so far, at least once a mebibyte, and may throw to end the scan.
+  RecordScan(File& carrier, std::function<void(Length)> passed);
+
+  /// The next text, or nothing at the end. Throws Error.
+  std::optional<RecordText> Next();
+
+ private:
+  bool ReadOn();
+  std::optional<Position> NextLine();
+  bool IsLine(Position begin);
+
+  File& m_carrier;
+  std::function<void(Length)> m_passed;
+  Length m_size;
+  std::string m_block;  ///< from m_blockStart on
+  Position m_blockStart;
+  std::size_t m_next = 0;  ///< in m_block: where to look for a line end
+  std::optional<RecordText> m_text;
+};
+
+/// A record that a key opens, with the place that its own tag proves.
+struct OpenedRecord {
+  Algorithm algorithm = Algorithm::Rijndael256;
+  bool isWhole = false;  ///< false: written under this key, and damaged
+  WipedText plain;
+  Length length = 0;  ///< of the text
+};
+
+/// The text under the key, with whichever algorithm fits; nothing if none does. Throws Error.
+std::optional<OpenedRecord> OpenText(File& carrier, const RecordText& text, const Key& key);
+
+/// The places behind the text where a trailer of which at least one field holds stands.
+std::optional<Position> TrailerOf(File& carrier, const RecordText& text);
+
+}  // namespace tarnel
