@@ -62,7 +62,7 @@ TEST(Recover, ProposesTheCopyWithTheMostWholeEntriesAndThenTheFewestDamagedOnes)
     const RecoverPlan plan = bench.Plan();
     EXPECT_EQ(CopiesOf(plan), c.copies);
     ASSERT_EQ(plan.best, c.best);
-    EXPECT_EQ(plan.copies[c.best].algorithm, Algorithm::Twofish);
+    EXPECT_EQ(plan.copies.at(c.best).algorithm, Algorithm::Twofish);
     ApplyRecovery(plan, c.best, bench.files);
     EXPECT_EQ(bench.ContentsUnder(bench.twofish), Strings{"a=aaa"});
     EXPECT_FALSE(std::filesystem::exists(bench.backup));
