@@ -75,6 +75,10 @@ class Program {
     termios settings{};
     return ::tcgetattr(m_terminal, &settings) == 0 && (settings.c_lflag & ECHO) != 0;
   }
+  bool ForbidsCoreDumps() const {
+    rlimit limit{};
+    return ::prlimit(m_process, RLIMIT_CORE, nullptr, &limit) == 0 && limit.rlim_max <= 1;
+  }
   bool HasEnded() const {
     siginfo_t info{};
     return ::waitid(P_PID, static_cast<id_t>(m_process), &info, WEXITED | WNOHANG | WNOWAIT) != 0 ||
@@ -154,6 +158,14 @@ TEST_F(RealProgram, EchoComesBackWhateverEndsThePrompt) {
     EXPECT_EQ(program.Wait(), 130) << program.Err();
     EXPECT_TRUE(program.EchoIsOn());
   }
+}
+
+TEST_F(RealProgram, NohupHoldsAndCoreDumpsAreForbiddenBeforeThePasswordComes) {
+  ASSERT_EQ(Run(Words("hide", {"@a.txt"})), 0);
+  Program program({"list", At("carrier")}, Terminal::Given, [] { std::signal(SIGHUP, SIG_IGN); });
+  program.Expect("Password: ").Signal(SIGHUP);
+  EXPECT_TRUE(program.ForbidsCoreDumps());
+  EXPECT_EQ(program.Type("secret\n").Wait(), 0) << program.Err();
 }
 
 TEST_F(RealProgram, WithoutATerminalNobodyIsAsked) {

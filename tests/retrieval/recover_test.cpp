@@ -99,6 +99,20 @@ TEST(Recover, LosesNoCopyWhateverFailsAndGivesATemporaryCarrierTheModeOfTheCarri
   }
 }
 
+TEST(Recover, SyncsTheCopyBeforeItTakesItsPlaceAndTheFolderBehindIt) {
+  RecoverBench bench;
+  std::filesystem::copy_file(bench.carrier, bench.backup);
+  const RecoverPlan plan = bench.Plan();
+  FaultyFiles files(bench.posix);
+  ApplyRecovery(plan, 1, files);
+  std::string calls;
+  for (const Operation& operation : files.Record())
+    if ((operation.path == bench.backup && operation.name != "File.Close") ||
+        operation.name == "Files.SyncFolder")
+      calls += " " + operation.name;
+  EXPECT_TRUE(calls.ends_with(" File.Sync Files.Rename Files.SyncFolder")) << calls;
+}
+
 TEST(Recover, AdvisesByNameInOneLine) {
   const std::string advice = LeftoverAdvice("/x/a\nb.bak");
   EXPECT_EQ(advice.find('\n'), std::string::npos);
