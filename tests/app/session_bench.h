@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -53,7 +54,11 @@ class SessionBench : public SessionView {
     return *this;
   }
 
-  TreeNode& Root(const Path& carrier) { return *session.catalogue.FindRoot(carrier); }
+  TreeNode& Root(const Path& carrier) {
+    TreeNode* const root = session.catalogue.FindRoot(carrier);
+    if (root == nullptr) throw std::runtime_error("no hideout of " + carrier.native());
+    return *root;
+  }
 
   SessionBench& Click(const Path& carrier, const std::string& folder = {}) {
     session.DirView_NodeClick(session.catalogue.EnsureFolderNode(Root(carrier), folder));

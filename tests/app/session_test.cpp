@@ -20,6 +20,7 @@ TEST_F(SessionTest, ClickMakesTheHideoutCurrentUnlessItIsBlocked) {
   Click("/a.png", "pics");
   session.guards.TreeClickBlocked = true;
   Click("/b.png");
+  ASSERT_NE(session.SelectedNode(), nullptr);
   EXPECT_EQ(session.SelectedNode()->text, "pics");
   EXPECT_EQ(session.current.CurrentCarrierPath, "/a.png");
   EXPECT_EQ(session.current.CurrentCarrierName, "a.png");
@@ -32,11 +33,11 @@ TEST_F(SessionTest, ClickMakesTheHideoutCurrentUnlessItIsBlocked) {
 
 TEST_F(SessionTest, FolderRowOpensTheFirstNodeOfItsNameInItsCarrier) {
   Click("/b.png");
-  EXPECT_EQ(session.NodeOfFolderRow(session.fileList.Rows()[0]), Root("/b.png").children[0].get());
+  EXPECT_EQ(session.NodeOfFolderRow(session.fileList.Rows().at(0)), Root("/b.png").children.at(0).get());
   Click("/a.png", "docs");
-  const FileListRow& pics = session.fileList.Rows()[0];
+  const FileListRow& pics = session.fileList.Rows().at(0);
   EXPECT_EQ(pics.itemFolder, "docs\\pics");
-  EXPECT_EQ(session.NodeOfFolderRow(pics), Root("/a.png").children[0].get()) << "the earlier one wins";
+  EXPECT_EQ(session.NodeOfFolderRow(pics), Root("/a.png").children.at(0).get()) << "the earlier one wins";
 }
 
 TEST_F(SessionTest, ClosingMakesTheNextHideoutCurrentAndBlanksThePanelsAfterTheLast) {

@@ -4,6 +4,7 @@
 
 #include "app/config_values.h"
 #include "tests/support/faulty_files.h"
+#include "tests/support/surroundings.h"
 #include "tests/support/temp_folder.h"
 
 namespace tarnel::test {
@@ -108,10 +109,9 @@ TEST_F(SettingsTest, TakeRubbishForNoSettings) {
 }
 
 TEST_F(SettingsTest, PathFollowsTheConfigurationFolder) {
-  setenv("XDG_CONFIG_HOME", "/somewhere", 1);
+  const Variable config("XDG_CONFIG_HOME", "/somewhere");
   EXPECT_EQ(UserSettingsPath(), "/somewhere/tarnel/settings.ini");
-  setenv("XDG_CONFIG_HOME", "relative", 1);
-  setenv("HOME", "/home/me", 1);
+  const Variable relative("XDG_CONFIG_HOME", "relative"), home("HOME", "/home/me");
   EXPECT_EQ(UserSettingsPath(), "/home/me/.config/tarnel/settings.ini");
 }
 
@@ -126,7 +126,7 @@ TEST_F(SettingsTest, ConfigComesBackAsWritten) {
   const ConfigValues again = ReadConfig(file);
   for (std::size_t i = 0; i < values.flags.size(); ++i) {
     const bool isName = ConfigFlags()[i].setting.key == "Name";
-    EXPECT_EQ(again.flags[i], isName || values.flags[i]) << ConfigFlags()[i].control;
+    EXPECT_EQ(again.flags.at(i), isName || values.flags[i]) << ConfigFlags()[i].control;
   }
   EXPECT_EQ(again.chosen, values.chosen);
   EXPECT_EQ(again.folders, values.folders);
@@ -138,8 +138,8 @@ TEST_F(SettingsTest, ConfigComesBackAsWritten) {
 TEST_F(SettingsTest, ConfigKeepsAWordThatChoosesNoneAndAFolderWhoseOptionIsOff) {
   file.Set("options", "Folder Hide", "7");
   ConfigValues values = ReadConfig(file);
-  EXPECT_FALSE(values.chosen[2]);
-  values.folders[1] = "/open";
+  EXPECT_FALSE(values.chosen.at(2));
+  values.folders.at(1) = "/open";
   WriteConfig(values, file);
   EXPECT_EQ(file.Get("options", "Folder Hide", ""), "7");
   EXPECT_FALSE(file.Find("options", "Folder Open Spec"));

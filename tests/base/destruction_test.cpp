@@ -64,11 +64,11 @@ TEST_F(DestructionTest, ALinkIsNotFollowedNotEvenOneSlippedInBeforeTheOpen) {
 
 TEST_F(DestructionTest, AReadOnlyFileStaysAfterAbortAndGoesUnwipedAfterIgnore) {
   const Path path = folder.Put("f", "secret", 0444);
-  const OrdinaryUser user(folder);
+  const OrdinaryUser user;
   person.script.Expect("destroy.error", Answer::Abort).Expect("destroy.error", Answer::Ignore);
   EXPECT_FALSE(OverwriteAndKill(path, person, posix));
   EXPECT_EQ(ReadAll(path), "secret");
-  EXPECT_EQ(person.script.Asked()[0].text,
+  EXPECT_EQ(person.script.Asked().at(0).text,
             "Error: 70\n\rcannot open " + path.native() + ": permission denied");
   EXPECT_TRUE(OverwriteAndKill(path, person, posix));
 }
@@ -106,7 +106,7 @@ TEST_F(DestructionTest, RemovePathTakesAWriteProtectedTreeAndLeavesWhatLinksPoin
   Link("../outside", "tree/link");
   Link("outside", "link");
   posix.SetMode(folder / "tree/a/b", 0555);
-  const OrdinaryUser user(folder);
+  const OrdinaryUser user;
   for (const char* name : {"tree/", "link", "missing/deeper/"})
     RemovePath(folder / name, person, posix);
   EXPECT_THAT(folder.Names(), ElementsAre("outside", "outside/keep"));

@@ -8,6 +8,7 @@
 
 #include "tests/support/faulty_files.h"
 #include "tests/support/scripted_dialogue.h"
+#include "tests/support/surroundings.h"
 #include "tests/support/temp_folder.h"
 
 namespace tarnel::test {

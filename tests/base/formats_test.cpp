@@ -1,7 +1,6 @@
 #include "base/formats.h"
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 #include <time.h>
 
 #include <cmath>
@@ -10,6 +9,7 @@
 
 #include "base/attributes.h"
 #include "base/printable.h"
+#include "tests/support/surroundings.h"
 
 namespace tarnel {
 namespace {
@@ -39,10 +39,11 @@ TEST(Formats, SurviveTheFirstMomentAndTellLocalTime) {
   EXPECT_EQ(Rate(3 << 20, 2) + Rate(5, 0) + Rate(INT64_MAX, 1e-300), "1.5 MiB/s-7.8 EiB/s");
   EXPECT_EQ(All(Duration, {0.1, 59.5, 3599.2, 7384.0, -1.0, HUGE_VAL, std::nan("")}),
             "0:01|1:00|1:00:00|2:03:04|-|-|-");
-  ::setenv("TZ", "XYZ-2", 1);
-  ::tzset();
-  EXPECT_EQ(DateAndTime(1000000000), "09/09/01 03:46:40");
-  ::unsetenv("TZ");
+  {
+    const test::Variable zone("TZ", "XYZ-2");
+    ::tzset();
+    EXPECT_EQ(DateAndTime(1000000000), "09/09/01 03:46:40");
+  }
   ::tzset();
 }
 

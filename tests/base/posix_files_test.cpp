@@ -23,8 +23,8 @@ TEST_F(PosixFilesTest, OpensNothingButRegularFilesAndNeverBlocks) {
 }
 
 TEST_F(PosixFilesTest, NewFilesAndFoldersHaveExactlyTheirModeWhateverTheUmask) {
-  for (const mode_t umask : {0000U, 0777U}) {
-    const mode_t old = ::umask(umask);
+  for (const mode_t umask : {0000U, 0377U}) {
+    const Umask changed(umask);
     for (const mode_t mode : {0400U, 0600U, 0644U, 0777U}) {
       const std::string name = std::to_string(umask) + "-" + std::to_string(mode);
       posix.CreateNew(folder / name, mode);
@@ -33,7 +33,6 @@ TEST_F(PosixFilesTest, NewFilesAndFoldersHaveExactlyTheirModeWhateverTheUmask) {
       for (const char* kind : {"", "b", "d"})
         EXPECT_EQ(posix.Stat(folder / (name + kind))->mode, mode) << name << kind;
     }
-    ::umask(old);
   }
 }
 
@@ -129,8 +128,7 @@ TEST_F(PosixFilesTest, CopyAtPutsWhatReadingAndWritingWould) {
 }
 
 TEST_F(PosixFilesTest, TakesNoPathForTheCurrentFolderAndListsByteForByteInOrder) {
-  const Path old = std::filesystem::current_path();
-  std::filesystem::current_path(folder.Where());
+  const CurrentFolder here(folder.Where());
   for (const char* name : {"a\n", "b\xff", "bare", "c"})
     folder.Put(name, "x");
   EXPECT_NO_THROW(posix.SyncFolder(""));
@@ -140,7 +138,6 @@ TEST_F(PosixFilesTest, TakesNoPathForTheCurrentFolderAndListsByteForByteInOrder)
   EXPECT_EQ(listed, "a\n|bare|b\xff|c|");
   EXPECT_GT(posix.FreeSpace(""), 0);
   EXPECT_TRUE(posix.OpenFolder("")->Stat("bare"));
-  std::filesystem::current_path(old);
 }
 
 }  // namespace

@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
-#include <stdlib.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
 #include "base/core_dumps.h"
 #include "base/temp_names.h"
+#include "tests/support/surroundings.h"
 #include "tests/support/temp_folder.h"
 
 namespace tarnel {
@@ -25,19 +25,17 @@ TEST(CoreDumps, ThePipedHandlerIsStoppedTooAndPortalsWorkInTheWindow) {
 TEST(TempNames, TheFolderIsPrivateWhateverTheUmaskAndItsNameIsRandom) {
   const test::TempFolder root;
   PosixFiles files;
-  ::setenv("TMPDIR", root.Where().c_str(), 1);
-  const mode_t old = ::umask(0);
+  const test::Variable temp("TMPDIR", root.Where());
+  const test::Umask none(0);
   const Path folder = MakeTempFolder(files);
-  ::umask(old);
   EXPECT_EQ(files.Stat(folder)->mode, 0700U);
   EXPECT_EQ(folder.parent_path(), root.Where());
   EXPECT_NE(MakeTempFolderName(), folder);
   const std::string name = folder.filename();
   EXPECT_EQ(name.size(), 16U);
   EXPECT_EQ(name.find_first_not_of("abcdefghijklmnopqrstuvwxyz234567"), std::string::npos);
-  ::setenv("TMPDIR", "relative", 1);
+  const test::Variable relative("TMPDIR", "relative");
   EXPECT_EQ(SystemTempFolder(), "/tmp");
-  ::unsetenv("TMPDIR");
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include "base/trash.h"
 
-#include <stdlib.h>
 #include <unistd.h>
 
 #include "base/destruction.h"
@@ -30,9 +29,6 @@ class MountedFiles : public PosixFiles {
 
 class TrashTest : public FilesBench {
  protected:
-  TrashTest() { ::setenv("XDG_DATA_HOME", (folder / "data").c_str(), 1); }
-  ~TrashTest() override { ::unsetenv("XDG_DATA_HOME"); }
-
   std::string Info(const std::string& name) {
     return ReadAll(folder / ("data/Trash/info/" + name + ".trashinfo"));
   }
@@ -40,6 +36,7 @@ class TrashTest : public FilesBench {
     return posix.Stat(folder / name, Files::Links::DontFollow).has_value();
   }
 
+  Variable dataHome{"XDG_DATA_HOME", folder / "data"};
   MountedFiles mounted{folder / "mnt"};
 };
 
@@ -105,7 +102,7 @@ TEST_F(TrashTest, WithoutAUsableTrashTheFileStaysAndTheResultSaysSo) {
   EXPECT_TRUE(result.isAborted);
   EXPECT_THAT(result.outcomes, ElementsAre(TrashOutcome::Failed, TrashOutcome::Moved, TrashOutcome::Failed,
                                            TrashOutcome::NotTried));
-  EXPECT_EQ(person.script.Asked()[1].text,
+  EXPECT_EQ(person.script.Asked().at(1).text,
             "Error: 75\n\rcannot move " + path.native() +
                 " to the trash: its file system has no trash that can be used");
   EXPECT_TRUE(IsThere("mnt/a") && IsThere("c"));
@@ -115,7 +112,7 @@ TEST_F(TrashTest, NoMovesNothingAndIsNoFailure) {
   person.script.Expect("trash.confirm", Answer::No);
   const ShellDeleteResult result = ShellDelete({folder.Put("a\n", "x")}, person, posix);
   EXPECT_TRUE(result.Succeeded() && result.isAborted);
-  EXPECT_EQ(person.script.Asked()[0].text, "Are you sure you want to move \"a\\n\" to the trash?");
+  EXPECT_EQ(person.script.Asked().at(0).text, "Are you sure you want to move \"a\\n\" to the trash?");
   EXPECT_THAT(folder.Names(), ElementsAre("a\n"));
 }
 

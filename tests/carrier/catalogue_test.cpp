@@ -68,7 +68,7 @@ TEST(MirrorRow, HoldsItsColumns) {
   CarrierBench bench(1000);
   const Hidden hidden{"Se\xC3\xBC.TXT", std::string(2000, 'x'), std::string(5000, 'f'), "T", "755"};
   bench.Hide(hidden).Load();
-  const MirrorRow& row = bench.catalogue.Rows()[0];
+  const MirrorRow& row = bench.catalogue.Rows().at(0);
   const std::string record(CarrierBench::RecordOf(hidden, 2032));
   const std::string tag = record + "?CarrierFile=<" + bench.carrier.native() + ">?Start=<1001>?Size=<2032>";
   const Strings wanted = {"2 KB",

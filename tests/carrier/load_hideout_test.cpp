@@ -35,7 +35,7 @@ TEST(LoadHideout, ListsTheEntriesOfOneKeyNewestFirst) {
   Interleaved bench;
   ASSERT_EQ(bench.Load(mine), LoadResult::Loaded);
   EXPECT_EQ(bench.Names(), mineNewestFirst);
-  EXPECT_EQ(bench.screen.script.Transcript().back(), "loaded Title 3 3")
+  EXPECT_EQ(Last(bench.screen.script.Transcript()), "loaded Title 3 3")
       << "the newest entry names the hideout";
   EXPECT_EQ(bench.current.CurrentCarrierPath, bench.carrier);
   EXPECT_EQ(bench.current.CurrentCarrierName, "carrier.bin");
@@ -59,7 +59,7 @@ TEST(LoadHideout, ReadsTheExampleOfTheFormatPageForEver) {
   ASSERT_EQ(bench.Size(), 359);
   ASSERT_EQ(bench.TryPassword("secret"), LoadResult::Loaded);
   EXPECT_EQ(bench.Names(), Strings{"a>b.txt"});
-  EXPECT_EQ(bench.ContentOf(bench.catalogue.Rows()[0]), "hello");
+  EXPECT_EQ(bench.ContentOf(bench.catalogue.Rows().at(0)), "hello");
 }
 
 TEST(LoadHideout, ReplacesAnOpenHideoutByTheseRules) {
@@ -128,7 +128,7 @@ TEST(LoadHideout, AbortedAtAnyYieldClosesWhatItHadBegunToRead) {
     EXPECT_EQ(bench.Load(mine), hasBegun ? LoadResult::Aborted : LoadResult::NotFound) << n;
     EXPECT_EQ(bench.Names(), hasBegun ? Strings{} : theirsNewestFirst) << n;
     EXPECT_EQ(bench.catalogue.Roots().empty(), hasBegun) << n;
-    EXPECT_EQ(bench.screen.script.Transcript().back(), "gone");
+    EXPECT_EQ(Last(bench.screen.script.Transcript()), "gone");
     EXPECT_FALSE(bench.guards.ReadingBusy || bench.guards.TreeClickBlocked);
   }
 }
@@ -171,7 +171,7 @@ TEST(LoadHideout, AsksInOneFixedFormAtAFileThatIsTooShort) {
   CarrierBench bench(20);
   bench.screen.script.Expect("load.error", Answer::Abort);
   EXPECT_EQ(bench.Load(), LoadResult::NotFound);
-  const Question& question = bench.screen.script.Asked()[0];
+  const Question& question = bench.screen.script.Asked().at(0);
   EXPECT_EQ(question.text,
             "Error: 63\r\n" + bench.carrier.native() +
                 " is too short or its hidden part is damaged: an entry would begin before the file");
@@ -195,7 +195,7 @@ TEST(LoadHideout, NeverShowsAWrongRowWhateverBitIsFlippedAndWhereverItIsCut) {
   ASSERT_EQ(intact.size(), 2u);
   const auto expectNoOther = [&] {
     for (const std::string& row : rows())
-      EXPECT_TRUE(row == intact[0] || row == intact[1]) << row;
+      EXPECT_TRUE(row == intact.at(0) || row == intact.at(1)) << row;
   };
   for (Length position = 101; position <= bench.Size(); ++position) {
     for (unsigned bit = 0; bit < 8; ++bit) {

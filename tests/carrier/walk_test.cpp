@@ -53,9 +53,9 @@ TEST(Walk, EndsByTheLengthOfTheBody) {
     const auto [places, endsBadly] = WalkThrough(bench);
     EXPECT_EQ(endsBadly, c.withEntriesIsBad) << c.body;
     ASSERT_EQ(places.size(), 2u) << c.body;
-    EXPECT_EQ(places[1].start.value, static_cast<Length>(c.body) + 1);
-    EXPECT_EQ(places[0].start, places[1].End());
-    EXPECT_EQ(places[0].End().value, bench.Size() + 1);
+    EXPECT_EQ(places.at(1).start.value, static_cast<Length>(c.body) + 1);
+    EXPECT_EQ(places.at(0).start, places.at(1).End());
+    EXPECT_EQ(places.at(0).End().value, bench.Size() + 1);
   }
 }
 

@@ -31,13 +31,15 @@ enum class Terminal { None, Given };
 ///   EXPECT_EQ(program.Wait(), 0);
 class Program {
  public:
-  /// `inChild` runs before the program takes over.
+  /// `inChild` runs before the program takes over. A program that never ends is ended after a minute.
   explicit Program(std::vector<std::string> words, Terminal terminal = Terminal::None,
                    const std::function<void()>& inChild = {}) {
     const bool isGiven = terminal == Terminal::Given;
     m_process = isGiven ? ::forkpty(&m_terminal, nullptr, nullptr, nullptr) : ::fork();
     if (m_process != 0) return;
+    ::alarm(60);
     ::setsid();
+    ::unsetenv("TARNEL_PASSWORD_FILE");
     if (!isGiven) Redirect(STDIN_FILENO, "/dev/null", O_RDONLY);
     Redirect(STDOUT_FILENO, m_folder / "out", O_WRONLY);
     Redirect(STDERR_FILENO, m_folder / "err", O_WRONLY);
@@ -72,6 +74,15 @@ class Program {
   bool EchoIsOn() const {
     termios settings{};
     return ::tcgetattr(m_terminal, &settings) == 0 && (settings.c_lflag & ECHO) != 0;
+  }
+  bool ForbidsCoreDumps() const {
+    rlimit limit{};
+    return ::prlimit(m_process, RLIMIT_CORE, nullptr, &limit) == 0 && limit.rlim_max <= 1;
+  }
+  bool HasEnded() const {
+    siginfo_t info{};
+    return ::waitid(P_PID, static_cast<id_t>(m_process), &info, WEXITED | WNOHANG | WNOWAIT) != 0 ||
+           info.si_pid != 0;
   }
   /// The exit code; 128 and the signal where one ended it.
   int Wait() {
@@ -149,8 +160,16 @@ TEST_F(RealProgram, EchoComesBackWhateverEndsThePrompt) {
   }
 }
 
+TEST_F(RealProgram, NohupHoldsAndCoreDumpsAreForbiddenBeforeThePasswordComes) {
+  ASSERT_EQ(Run(Words("hide", {"@a.txt"})), 0);
+  Program program({"list", At("carrier")}, Terminal::Given, [] { std::signal(SIGHUP, SIG_IGN); });
+  program.Expect("Password: ").Signal(SIGHUP);
+  EXPECT_TRUE(program.ForbidsCoreDumps());
+  EXPECT_EQ(program.Type("secret\n").Wait(), 0) << program.Err();
+}
+
 TEST_F(RealProgram, WithoutATerminalNobodyIsAsked) {
-  Program program({"list", At("carrier")}, Terminal::None, [] { ::unsetenv("TARNEL_PASSWORD_FILE"); });
+  Program program({"list", At("carrier")});
   EXPECT_EQ(program.Wait(), 2);
   EXPECT_THAT(program.Err(), HasSubstr("--password-file"));
 }
@@ -176,7 +195,7 @@ TEST_F(RealProgram, ASignalInTheMiddleOfAHideLeavesTheCarrierAsItWas) {
   std::filesystem::resize_file(folder.Put("large", ""), 1500U << 20);  // takes time, but no room
   for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
     Program hide(Words("hide", {"@large"}));
-    while (std::filesystem::file_size(folder / "carrier") < 1000000)
+    while (std::filesystem::file_size(folder / "carrier") < 1000000 && !hide.HasEnded())
       std::this_thread::sleep_for(std::chrono::milliseconds(2));
     hide.Signal(number);
     hide.Signal(number);

@@ -2,6 +2,7 @@
 #include <sys/stat.h>
 
 #include "carrier/companions.h"
+#include "cli/leftovers.h"
 #include "tests/cli/cli_bench.h"
 #include "tests/support/faulty_files.h"
 
@@ -155,6 +156,16 @@ TEST_F(Verbs, ADamagedEntryIsNamedAndTheOthersComeOut) {
   EXPECT_EQ(bench.Run("extract @carrier --to @out2 --on-error=abort"), 7);
 }
 
+TEST_F(Verbs, AHideoutWhoseChainIsBrokenIsReadAndSaysSo) {
+  Hide("@other");
+  Hide("@key");
+  bench.Put("carrier", bench.Get("carrier").substr(1010));  // into the older entry
+  EXPECT_EQ(bench.Run("list @carrier"), 7);
+  EXPECT_THAT(bench.terminal.out, HasSubstr("key"));
+  EXPECT_EQ(bench.Run("extract @carrier --to @out"), 7);
+  EXPECT_EQ(bench.Get("out/key"), "secret\n");
+}
+
 TEST_F(Verbs, PasswordsOfNewHideoutsAreCheckedAndConfirmedWhereTyped) {
   bench.Put("key", "a<b\n", 0600);
   EXPECT_EQ(bench.Run("hide @carrier @other"), 2);
@@ -167,6 +178,10 @@ TEST_F(Verbs, PasswordsOfNewHideoutsAreCheckedAndConfirmedWhereTyped) {
   Hide("@other");
   Hide("@other");
   EXPECT_THAT(bench.terminal.secrets, IsEmpty()) << "joining needs no second prompt";
+  bench.terminal.secrets = {"secret", "new", "nwe"};
+  EXPECT_EQ(bench.Run("passwd @carrier"), 2);
+  bench.terminal.secrets = {"secret"};
+  EXPECT_EQ(bench.Run("list @carrier"), 0);
 }
 
 TEST_F(Verbs, JoiningSaysThatTitleAndAlgorithmAreNotUsedEvenWhereQuiet) {
@@ -322,6 +337,15 @@ TEST_F(Verbs, NoFailingOperationOfAHideLosesTheCarrier) {
             << option << ", operation " << k << ": " << bench.terminal.err;
       }
     }
+  }
+}
+
+TEST_F(Verbs, ABackupThatIsNotTheWholeCarrierIsNotPutBack) {
+  for (const std::size_t size : {std::size_t{0}, std::size_t{999}}) {
+    bench.Put("carrier.bak", Pattern(size));
+    EXPECT_THROW(PutBackCarrier(bench.folder / "carrier", bench.folder / "carrier.bak", 1000, bench.posix),
+                 CliFailure);
+    EXPECT_EQ(bench.Get("carrier"), Pattern(1000));
   }
 }
 

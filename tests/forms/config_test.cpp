@@ -26,7 +26,7 @@ TEST_F(ConfigTest, HasAControlForEverySettingThatShowsThePreset) {
     EXPECT_EQ(IsChecked(flag.control), flag.setting.preset == "1") << flag.control;
   }
   for (const ConfigGroup& group : ConfigGroups()) {
-    EXPECT_TRUE(IsChecked(group.options[0].control)) << group.key;
+    EXPECT_TRUE(IsChecked(group.options.at(0).control)) << group.key;
   }
   EXPECT_EQ(Find<QSlider>(form, "CompressLevel").value(), 6);
 }

@@ -14,6 +14,7 @@
 #include "formkit/fit_path_text.h"
 #include "formkit/guarded.h"
 #include "tests/forms/forms_bench.h"
+#include "tests/support/surroundings.h"
 
 namespace tarnel::test {
 namespace {
@@ -91,16 +92,15 @@ TEST(Guarded, ShowsWhatAnErrorSaysAndGoesOn) {
   Guarded(person, [] { throw Error(ErrorNumber::FileNotFound, "cannot open x"); });
   Guarded(person, [] { throw std::runtime_error("other"); });
   Guarded(person, [] { throw 1; });
-  EXPECT_EQ(person.script.Asked()[0].text, "Error: 53\r\ncannot open x");
-  EXPECT_EQ(person.script.Asked()[1].text, "Error: 57\r\nother");
+  EXPECT_EQ(person.script.Asked().at(0).text, "Error: 53\r\ncannot open x");
+  EXPECT_EQ(person.script.Asked().at(1).text, "Error: 57\r\nother");
 }
 
 TEST(TracelessFileDialogs, LeaveTheHomeFolderAsItWas) {
   TempFolder home;
   home.Put("pictures/carrier.png", "x");
-  qputenv("HOME", home.Where().c_str());
-  qputenv("XDG_CONFIG_HOME", (home / "config").c_str());
-  qputenv("XDG_DATA_HOME", (home / "data").c_str());
+  const Variable variables[] = {
+      {"HOME", home.Where()}, {"XDG_CONFIG_HOME", home / "config"}, {"XDG_DATA_HOME", home / "data"}};
   const auto before = home.Names();
   TracelessFileDialogs dialogs;
   QTimer accept;

@@ -96,7 +96,12 @@ class ModalSteps {
     const auto action = m_steps.front().second;
     m_steps.pop_front();
     m_isBusy = true;
-    action(*form);
+    try {
+      action(*form);
+    } catch (const std::exception& error) {
+      ADD_FAILURE() << error.what();
+      form->close();
+    }
     m_isBusy = false;
   }
 

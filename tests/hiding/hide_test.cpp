@@ -3,6 +3,7 @@
 #include "base/attempt.h"
 #include "hiding/entry_writer.h"
 #include "tests/hiding/hide_bench.h"
+#include "tests/support/surroundings.h"
 
 namespace tarnel::test {
 
@@ -87,7 +88,7 @@ TEST(Hide, BringsTheCarriersModeBackUnlessAllIsHiddenAndToBeProtected) {
   for (const auto& c : cases) {
     HideBench bench;
     bench.Row("a.txt", "small").Row("b.txt", Pattern(5000)).Mode(c.mode);
-    const OrdinaryUser user(bench.folder);  // one's own write-protected carrier is no obstacle
+    const OrdinaryUser user;  // one's own write-protected carrier is no obstacle
     bench.request.writeProtect = c.writeProtect;
     bench.request.originals = Originals::Destroy;
     mode_t backupMode = 0;
@@ -200,7 +201,7 @@ TEST(Hide, AbortKeepsWholeEntriesAndTheBackupAndClosesAHideoutWithAPartOfOne) {
     EXPECT_EQ(result.backup, BackupPath(bench.carrier));
     EXPECT_TRUE(bench.BackupIsOld());
     EXPECT_EQ(HideBench::ModeOf(bench.carrier), 0644U);
-    EXPECT_EQ(bench.script.Transcript().back(), isInside ? "gone" : "loaded 2");
+    EXPECT_EQ(Last(bench.script.Transcript()), isInside ? "gone" : "loaded 2");
     EXPECT_EQ(bench.catalogue.FindRoot(bench.carrier) == nullptr, isInside);
     EXPECT_EQ(bench.script.Asked().at(0).text.substr(0, 11), "Error: 57\n\r");
     EXPECT_EQ(bench.script.Asked().at(0).preset, Answer::Retry);
@@ -275,7 +276,7 @@ TEST(HideRefusal, ComesForALockedCarrierAndForAnAlgorithmWithoutCipher) {
   for (const bool isLocked : {false, true}) {
     HideBench bench;
     bench.Row("a.txt", "content").Mode(0444);
-    const auto held = isLocked ? OpenLocked(bench.carrier, bench.posix) : nullptr;
+    const auto held = isLocked ? OpenLocked(bench.carrier, bench.posix, LockAccess::Read) : nullptr;
     if (!isLocked) bench.current.CurrentAlgorithmId = Algorithm::Rc4;
     EXPECT_THROW(bench.RunHide(), Error);
     EXPECT_TRUE(bench.IsOld());

@@ -1,8 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
 #include "tests/hiding/hide_bench.h"
+#include "tests/support/surroundings.h"
 
 namespace tarnel::test {
 
@@ -11,11 +10,9 @@ namespace {
 /// Rows in "sources", of which "sources" itself was chosen; the trash lies beside it.
 struct OriginalsBench : HideBench {
   OriginalsBench() {
-    ::setenv("XDG_DATA_HOME", (folder / "data").c_str(), 1);
     request.chosen = {folder / "sources"};
     script.Always("trash.confirm", Answer::Yes);
   }
-  ~OriginalsBench() { ::unsetenv("XDG_DATA_HOME"); }
 
   /// The originals that are left.
   std::vector<Path> Run(Originals originals) {
@@ -23,6 +20,8 @@ struct OriginalsBench : HideBench {
     return RunHide().originalsLeft;
   }
   bool Stands(const std::string& name) const { return std::filesystem::exists(folder / name); }
+
+  Variable dataHome{"XDG_DATA_HOME", folder / "data"};
 };
 
 }  // namespace

@@ -60,7 +60,7 @@ TEST_F(SelectionTest, TakesPathsOnceFoldersBeforeTheirSubfoldersAndTurnsTheOrder
   EXPECT_EQ(Rows(), (Strings{"4 in top\\c", "3 in top\\b\\sub", "2 in top\\b", "z in top", "a in "}));
   EXPECT_EQ(selection.TotalSelectedBytes(), 10);
   EXPECT_EQ(selection.FoldersCounted(), 7);
-  EXPECT_EQ(screen.script.Transcript().front(), "a 1");
+  EXPECT_EQ(screen.script.Transcript().at(0), "a 1");
 }
 
 TEST_F(SelectionTest, FollowsLinksToFilesAndNamesWhatItPassesOver) {

@@ -241,7 +241,7 @@ TEST_F(Hostile, ABombThatTellsTheTruthLeavesNothingOnAFullDisk) {
   ASSERT_TRUE(Open(record, CarrierBench::Encrypt(FormOfZeros(kSize, kSize), {})));
   bench.files.LimitSpace(1 << 20);
   EXPECT_EQ(Extracted(), "refused");
-  EXPECT_EQ(bench.extractScreen.script.Asked().back().cause->Number(), ErrorNumber::DiskFull);
+  EXPECT_EQ(Last(bench.extractScreen.script.Asked()).cause.value().Number(), ErrorNumber::DiskFull);
 }
 
 TEST_F(Hostile, ARecordBeyondTheLimitIsNeitherWrittenNorRead) {

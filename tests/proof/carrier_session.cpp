@@ -162,7 +162,7 @@ std::string CarrierSession::ExtractOne(const std::string& path, const Path& scra
 
 std::size_t CarrierSession::RowOf(const std::string& path) const {
   for (std::size_t row = 0; row < m_catalogue.Rows().size(); ++row)
-    if (PathOf(m_catalogue.Rows()[row]) == path) return row;
+    if (PathOf(m_catalogue.Rows().at(row)) == path) return row;
   throw std::runtime_error("not listed: " + path);
 }
 

@@ -30,6 +30,7 @@ Victim::End Victim::Run(const std::vector<std::string>& words, const Blow& blow)
   int terminal = -1;
   const pid_t process = ::forkpty(&terminal, nullptr, nullptr, nullptr);
   if (process < 0) throw std::runtime_error("cannot fork");
+  if (process == 0) ::alarm(60);  // should it never end
   if (process == 0) m_program.empty() ? RunForked(words, blow, count) : RunProgram(words, blow, count);
   if (::write(terminal, "y\ny\n", 4) != 4) throw std::runtime_error("cannot type");
   if (blow.after) KillAfter(process, *blow.after);

@@ -115,8 +115,8 @@ TEST_F(Extract, AsksBeforeItReplacesAndRemembersOverwriteAll) {
   EXPECT_EQ(result.keptExisting, 1u);
   EXPECT_EQ(result.extracted, 3u);
   EXPECT_EQ(Content("z") + Content("a") + Content("b") + Content("c"), "oldnewnewnew");
-  EXPECT_EQ(script().Asked()[0].text, "The file: " + (bench.target / "z").string() +
-                                          " is already existing!\r\n\r\nDo you want to overwrite?");
+  EXPECT_EQ(script().Asked().at(0).text, "The file: " + (bench.target / "z").string() +
+                                             " is already existing!\r\n\r\nDo you want to overwrite?");
 }
 
 TEST_F(Extract, NeverReplacesTheCarrierItselfNorAFolder) {
@@ -130,7 +130,7 @@ TEST_F(Extract, NeverReplacesTheCarrierItselfNorAFolder) {
   request.target = bench.folder.Where();
   script().Always("extract.error", Answer::Ignore);
   EXPECT_EQ(bench.Extract(request).leftOut, (Strings{"folder", "link.bin", "carrier.bin"}));
-  EXPECT_EQ(script().Asked()[0].cause->Number(), ErrorNumber::PathFileAccess);
+  EXPECT_EQ(script().Asked().at(0).cause.value().Number(), ErrorNumber::PathFileAccess);
   EXPECT_EQ(ReadAll(bench.folder / "carrier.bin"), before);
   EXPECT_TRUE(std::filesystem::is_symlink(bench.carrier));
 }
@@ -153,7 +153,8 @@ TEST_F(Extract, NeverWritesOutsideTheTargetWhateverTheRecordSays) {
     ASSERT_EQ(bench.Load(), LoadResult::Loaded) << name;
     script().Expect("extract.error", Answer::Ignore);
     EXPECT_EQ(bench.Extract(bench.All()).leftOut.size(), 1u) << folder << " " << name;
-    EXPECT_EQ(script().Asked().back().cause->Number(), ErrorNumber::BadFileName) << folder << " " << name;
+    EXPECT_EQ(Last(script().Asked()).cause.value().Number(), ErrorNumber::BadFileName)
+        << folder << " " << name;
   }
   EXPECT_EQ(bench.folder.Names(),
             (Strings{"carrier.bin", "out", "out/keep", "out/link", "outside", "outside/keep"}));
@@ -193,18 +194,18 @@ TEST_F(Extract, NeverGivesWrongBytesWhateverBitIsFlipped) {
       const ExtractResult result = bench.Extract(bench.All());
       ASSERT_EQ(result.damaged, Strings{std::string(row.Name())});
       ASSERT_EQ(Out().size(), 1u);
-      std::filesystem::remove(bench.target / Out()[0]);
+      std::filesystem::remove(bench.target / Out().at(0));
     }
 }
 
 TEST_F(Extract, SaysWhatIsDamagedAndGoesOnOrEnds) {
   bench.Hide({"b", "fine"}).Hide({"a", "bad"}).Load();
-  bench.FlipBit(bench.catalogue.Rows()[0].start.value + 20, 3);
+  bench.FlipBit(bench.catalogue.Rows().at(0).start.value + 20, 3);
   script().Expect("extract.damaged", Answer::Ignore);
   ExtractResult result = bench.Extract(bench.All());
   EXPECT_EQ(result.damaged, Strings{"a"});
   EXPECT_EQ(Out(), Strings{"b"});
-  EXPECT_EQ(script().Asked()[0].text, "Error: 57\n\rcannot extract a: it is damaged or was altered");
+  EXPECT_EQ(script().Asked().at(0).text, "Error: 57\n\rcannot extract a: it is damaged or was altered");
   script().Expect("extract.damaged", Answer::Abort);
   result = bench.Extract(bench.All());
   EXPECT_EQ(result.ending, ExtractEnding::Aborted);

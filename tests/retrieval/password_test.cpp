@@ -32,7 +32,7 @@ TEST_F(Password, ChecksOldThenNewThenConfirmation) {
         {.oldPassword = Secret(c.old), .newPassword = Secret(c.now), .confirmation = Secret("New")},
         bench.faulty, bench.rewriteScreen);
     EXPECT_EQ(result.refused, c.fault);
-    EXPECT_EQ(script().Asked().back().text, c.text);
+    EXPECT_EQ(Last(script().Asked()).text, c.text);
   }
   EXPECT_EQ(bench.files.Count(), 0u);
 }
@@ -40,12 +40,12 @@ TEST_F(Password, ChecksOldThenNewThenConfirmation) {
 TEST_F(Password, OpensEveryEntryInItsOldPlaceAndLeavesOthersByteForByte) {
   bench.Hide({.name = "a", .content = Pattern(40000), .mode = "755"}).Hide({"x", "his"}, kOther);
   bench.Compressed({"b", SampleText(20000)}).Load(kOther);
-  const std::string foreignTail = bench.catalogue.Rows()[0].tail;
+  const std::string foreignTail = bench.catalogue.Rows().at(0).tail;
   bench.ContentsUnder({});
   EXPECT_EQ(bench.ChangePassword("secret", "new").changed, 2u);
   EXPECT_EQ(bench.current.CurrentPassword, Secret("new"));
   EXPECT_EQ(bench.Names(), (Strings{"b", "a"}));
-  const MirrorRow& row = bench.catalogue.Rows()[1];
+  const MirrorRow& row = bench.catalogue.Rows().at(1);
   EXPECT_EQ(row.Field(tag::kDate), "11/22/26 10:00:00");
   EXPECT_EQ(row.Field(tag::kMode), "755");
   EXPECT_EQ(row.Field(tag::kStoredSize), std::to_string(row.size));
@@ -54,7 +54,7 @@ TEST_F(Password, OpensEveryEntryInItsOldPlaceAndLeavesOthersByteForByte) {
   EXPECT_EQ(ReadAll(bench.target / "a"), Pattern(40000));
   EXPECT_EQ(ReadAll(bench.target / "b"), SampleText(20000));
   EXPECT_EQ(bench.ContentsUnder(kOther), Strings{"x=his"});
-  EXPECT_EQ(bench.catalogue.Rows()[0].tail, foreignTail);
+  EXPECT_EQ(bench.catalogue.Rows().at(0).tail, foreignTail);
   EXPECT_EQ(bench.ContentsUnder({}), Strings{});
 }
 
@@ -66,7 +66,7 @@ TEST_F(Password, LeavesAllAsItWasOverADamagedPayloadUnlessTold) {
   EXPECT_EQ(bench.ChangePassword("secret", "new").ending, RewriteEnding::Aborted);
   EXPECT_EQ(ReadAll(bench.carrier), before);
   EXPECT_EQ(bench.folder.Names(), Strings{"carrier.bin"});
-  EXPECT_EQ(script().Asked()[0].text, "Error: 57\n\rcannot re-encrypt a: it is damaged or was altered");
+  EXPECT_EQ(script().Asked().at(0).text, "Error: 57\n\rcannot re-encrypt a: it is damaged or was altered");
 
   script().Expect("password.error", Answer::Ignore);
   EXPECT_EQ(bench.ChangePassword("secret", "new").ending, RewriteEnding::Done);
@@ -79,7 +79,7 @@ TEST_F(Password, TakesTheHideoutAwayIfTheReloadFindsNothing) {
   EXPECT_EQ(bench.ChangePassword("secret", "secret").ending, RewriteEnding::Done);
   EXPECT_EQ(bench.catalogue.FindRoot(bench.carrier), nullptr);
   EXPECT_TRUE(bench.catalogue.Rows().empty());
-  EXPECT_EQ(script().Transcript().back(), "emptied");
+  EXPECT_EQ(Last(script().Transcript()), "emptied");
 }
 
 }  // namespace tarnel::test

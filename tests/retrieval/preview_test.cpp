@@ -5,6 +5,7 @@
 #include "carrier/tags.h"
 #include "retrieval/run_update.h"
 #include "tests/retrieval/retrieval_bench.h"
+#include "tests/support/surroundings.h"
 
 namespace tarnel::test {
 namespace {
@@ -17,11 +18,8 @@ class ViewScript : public Scripted<ViewScreen> {
 
 class Preview : public testing::Test {
  protected:
-  Preview() { ::setenv("TMPDIR", temp.Where().c_str(), 1); }
-  ~Preview() override { ::unsetenv("TMPDIR"); }
-
   void View(const std::string& name) {
-    parcel = ParcelOf(bench.catalogue.Rows()[bench.RowNamed(name)]);
+    parcel = ParcelOf(bench.catalogue.Rows().at(bench.RowNamed(name)));
     view = RunView(parcel, bench.faulty, screen, [this](const Path& path) { opened.push_back(path); });
   }
   UpdateResult Update(int level = 9) {
@@ -32,6 +30,7 @@ class Preview : public testing::Test {
 
   TempFolder temp;
   RetrievalBench bench{100};
+  Variable tempFolder{"TMPDIR", temp.Where()};
   ViewScript screen;
   PreviewParcel parcel;
   ViewResult view;
@@ -74,11 +73,11 @@ TEST_F(Preview, MovesAnUpdatedEntryToTheEndAndFindsItAgain) {
     WriteAll(view.PreviewFile, content);
     const std::string sizeBefore = parcel.ViewPlainSize;
     EXPECT_EQ(Update().ending, RewriteEnding::Done);
-    EXPECT_EQ(script().Asked().back().text,
+    EXPECT_EQ(Last(script().Asked()).text,
               "The original file size is: " + sizeBefore + " Bites\r\nThe new file size is: " +
                   std::to_string(content.size()) + " Bites\r\n\r\nDo you really want to update?");
     EXPECT_EQ(bench.Contents(), (Strings{"b=bb", "a=" + content}));
-    const MirrorRow& row = bench.catalogue.Rows()[0];
+    const MirrorRow& row = bench.catalogue.Rows().at(0);
     EXPECT_EQ(std::tuple(parcel.ViewStart, parcel.ViewSize, parcel.ViewTail),
               std::tuple(row.start, row.size, row.tail));
     EXPECT_EQ(row.Field(tag::kPlainSize), std::to_string(content.size()));
@@ -97,8 +96,8 @@ TEST_F(Preview, KeepsAnEntryCompressedAtThePresentLevel) {
   script().Always("update.confirm", Answer::Yes);
   WriteAll(view.PreviewFile, SampleText(90000));
   EXPECT_EQ(Update(3).ending, RewriteEnding::Done);
-  EXPECT_EQ(bench.catalogue.Rows()[0].Field(tag::kCompressed), "3");
-  EXPECT_LT(bench.catalogue.Rows()[0].size, 60000);
+  EXPECT_EQ(bench.catalogue.Rows().at(0).Field(tag::kCompressed), "3");
+  EXPECT_LT(bench.catalogue.Rows().at(0).size, 60000);
   bench.Extract(bench.All());
   EXPECT_EQ(ReadAll(bench.target / "a"), SampleText(90000));
 }

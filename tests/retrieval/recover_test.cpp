@@ -62,7 +62,7 @@ TEST(Recover, ProposesTheCopyWithTheMostWholeEntriesAndThenTheFewestDamagedOnes)
     const RecoverPlan plan = bench.Plan();
     EXPECT_EQ(CopiesOf(plan), c.copies);
     ASSERT_EQ(plan.best, c.best);
-    EXPECT_EQ(plan.copies[c.best].algorithm, Algorithm::Twofish);
+    EXPECT_EQ(plan.copies.at(c.best).algorithm, Algorithm::Twofish);
     ApplyRecovery(plan, c.best, bench.files);
     EXPECT_EQ(bench.ContentsUnder(bench.twofish), Strings{"a=aaa"});
     EXPECT_FALSE(std::filesystem::exists(bench.backup));
@@ -97,6 +97,20 @@ TEST(Recover, LosesNoCopyWhateverFailsAndGivesATemporaryCarrierTheModeOfTheCarri
       contents.push_back(ReadAll(bench.folder / name));
     EXPECT_THAT(contents, testing::UnorderedElementsAre("backup", "temporary", "taken", carrier)) << k;
   }
+}
+
+TEST(Recover, SyncsTheCopyBeforeItTakesItsPlaceAndTheFolderBehindIt) {
+  RecoverBench bench;
+  std::filesystem::copy_file(bench.carrier, bench.backup);
+  const RecoverPlan plan = bench.Plan();
+  FaultyFiles files(bench.posix);
+  ApplyRecovery(plan, 1, files);
+  std::string calls;
+  for (const Operation& operation : files.Record())
+    if ((operation.path == bench.backup && operation.name != "File.Close") ||
+        operation.name == "Files.SyncFolder")
+      calls += " " + operation.name;
+  EXPECT_TRUE(calls.ends_with(" File.Sync Files.Rename Files.SyncFolder")) << calls;
 }
 
 TEST(Recover, AdvisesByNameInOneLine) {

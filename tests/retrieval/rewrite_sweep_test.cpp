@@ -2,12 +2,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <functional>
 #include <set>
 
 #include "retrieval/run_update.h"
 #include "tests/retrieval/retrieval_bench.h"
+#include "tests/support/surroundings.h"
 
 namespace tarnel::test {
 namespace {
@@ -25,7 +25,7 @@ struct Rewriter {
 const std::string kBig = Pattern(33000, 7);
 
 RewriteEnding UpdateB(RetrievalBench& bench) {
-  PreviewParcel parcel = ParcelOf(bench.catalogue.Rows()[bench.RowNamed("b")]);
+  PreviewParcel parcel = ParcelOf(bench.catalogue.Rows().at(bench.RowNamed("b")));
   const std::string tail = parcel.ViewTail;
   const RewriteEnding ending =
       RunUpdate({.previewFile = bench.folder.Put("edited", kBig)}, parcel, bench.faulty, bench.rewriteScreen)
@@ -38,9 +38,9 @@ class Rewrite : public testing::TestWithParam<Rewriter> {
  protected:
   /// Thousands of carriers are written through to the medium: one that is memory does that at once.
   static void SetUpTestSuite() {
-    if (::access("/dev/shm", W_OK) == 0) ::setenv("TMPDIR", "/dev/shm", 1);
+    if (::access("/dev/shm", W_OK) == 0) inMemory.emplace("TMPDIR", "/dev/shm");
   }
-  static void TearDownTestSuite() { ::unsetenv("TMPDIR"); }
+  static void TearDownTestSuite() { inMemory.reset(); }
 
   /// A bench with the carrier as it was before, loaded.
   std::unique_ptr<RetrievalBench> Bench() {
@@ -80,6 +80,7 @@ class Rewrite : public testing::TestWithParam<Rewriter> {
     EXPECT_EQ(ReadAll(bench.carrier).substr(0, 20000), before.substr(0, 20000));
   }
 
+  static inline std::optional<Variable> inMemory;
   std::string before;
 };
 
@@ -151,7 +152,7 @@ TEST_P(Rewrite, KeepsTheModeOfACarrierAndALinkToIt) {
     std::filesystem::create_symlink(real, bench->carrier);
     ::chmod(real.c_str(), mode);
     bench->folder.Put("edited", kBig);
-    const OrdinaryUser user(bench->folder);
+    const OrdinaryUser user;
     EXPECT_EQ(Run(*bench), RewriteEnding::Done);
     ExpectOldOrNew(*bench, RewriteEnding::Done);
     EXPECT_TRUE(std::filesystem::is_symlink(bench->carrier));

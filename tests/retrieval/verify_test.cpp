@@ -48,8 +48,8 @@ TEST(Verify, TellsDamagedContentsFromADamagedRecordAndAWrongSize) {
   const std::string payload = CarrierBench::Encrypt("four", {});
   bench.Hide({"a", Pattern(50)}).Hide({"b"}).HideRecord("?Fnm=<c>?Fls=<5>?Cmpr=<0>?CompVers=<701>", payload);
   bench.Load();
-  bench.FlipBit(bench.catalogue.Rows()[2].start.value + 30, 0);
-  const MirrorRow& middle = bench.catalogue.Rows()[1];
+  bench.FlipBit(bench.catalogue.Rows().at(2).start.value + 30, 0);
+  const MirrorRow& middle = bench.catalogue.Rows().at(1);
   bench.FlipBit(middle.start.value + middle.size + 60, 1);
   EXPECT_EQ(bench.Verdicts(),
             (Strings{"c: its record says another size than the 4 bytes that it has",
@@ -63,8 +63,8 @@ TEST(Verify, ReportsWhatLiesBeforeATrailerThatLeadsNowhere) {
   bench.Hide({"b"});
   const Strings verdicts = bench.Verdicts();
   ASSERT_EQ(verdicts.size(), 2u);
-  EXPECT_EQ(verdicts[0], "b");
-  EXPECT_TRUE(verdicts[1].starts_with(": ")) << verdicts[1];
+  EXPECT_EQ(verdicts.at(0), "b");
+  EXPECT_TRUE(verdicts.at(1).starts_with(": ")) << verdicts.at(1);
 }
 
 TEST(Verify, EndsAtTheNextBlockOnceCancelled) {

@@ -67,8 +67,8 @@ TEST_F(WorkList, FollowsTheRowsOrTheChoices) {
 TEST_F(WorkList, OfADeletionShrinksUntilItRunsAndClosesTheFormOnlyByUnchecking) {
   DeleteList list({Folder("Pics"), File(1)}, bench.catalogue, bench.carrier);
   EXPECT_EQ(list.MirrorRows(), (Rows{0, 2, 3, 1}));
-  EXPECT_EQ(list.Rows()[1].size, "0 KB");
-  EXPECT_EQ(list.Rows()[1].folder, "Pics2\\a");
+  EXPECT_EQ(list.Rows().at(1).size, "0 KB");
+  EXPECT_EQ(list.Rows().at(1).folder, "Pics2\\a");
   EXPECT_EQ(list.Uncheck(1), DeleteList::Unchecked::Removed);
   list.RemoveSelected({0, 1});
   EXPECT_EQ(list.MirrorRows(), Rows{1});

@@ -61,9 +61,9 @@ TEST_F(SearchTest, TriesAllAlgorithmsOrJustTheChosenOne) {
     std::string name(kSearchAlgorithms[i]);
     request.algorithm = AlgorithmId(name);
     ASSERT_EQ(Found().size(), 1u) << name;
-    std::string stem = results.Rows()[0].carrier.stem();
+    std::string stem = results.Rows().at(0).carrier.stem();
     EXPECT_EQ(AlgorithmId(stem), *request.algorithm);
-    EXPECT_EQ(results.Rows()[0].algorithm, *request.algorithm);
+    EXPECT_EQ(results.Rows().at(0).algorithm, *request.algorithm);
   }
 }
 
@@ -71,7 +71,7 @@ TEST_F(SearchTest, ARowSaysWhatWasFoundWhere) {
   Carrier("in/Sea.PNG");
   request.subfolders = true;
   ASSERT_EQ(Run().found, 1u);
-  const SearchRow& row = results.Rows()[0];
+  const SearchRow& row = results.Rows().at(0);
   EXPECT_EQ(row.carrier, folder / "in/Sea.PNG");
   EXPECT_EQ(row.name, "Sea.PNG");
   EXPECT_EQ(row.title, "Title");
@@ -175,8 +175,8 @@ TEST_F(SearchTest, WhatCannotBeReadIsNamedAndTheRestIsSearched) {
   const SearchSummary summary = Run();
   EXPECT_EQ(Listed(), (Strings{"d.png", "b/b.png"}));
   ASSERT_EQ(summary.notSearched.size(), 2u);
-  EXPECT_EQ(summary.notSearched[0].path, folder / "c.png");
-  EXPECT_EQ(summary.notSearched[1].path, folder / "a");
+  EXPECT_EQ(summary.notSearched.at(0).path, folder / "c.png");
+  EXPECT_EQ(summary.notSearched.at(1).path, folder / "a");
   EXPECT_THROW(SearchFolder(folder / "a", request, results, searching, person), Error);
 }
 

@@ -66,6 +66,12 @@ class Script {
   std::vector<std::string> m_transcript;
 };
 
+/// The last of `all`; throws std::out_of_range if there is none.
+template <class Each>
+const Each& Last(const std::vector<Each>& all) {
+  return all.at(all.size() - 1);
+}
+
 /// A screen played by a script: `Scripted<>` is a Dialogue; for a port derived from Dialogue derive from
 /// `Scripted<HideScreen>` and implement what it adds, with script.Note.
 template <class Screen = Dialogue>

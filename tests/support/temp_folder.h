@@ -32,23 +32,10 @@ class TempFolder {
 /// The whole file. Throws std::runtime_error if it can't be read.
 std::string ReadAll(const Path& path);
 
-/// Makes or replaces the file, with exactly this mode.
+/// Makes or replaces the file, write-protected or not, with exactly this mode.
 void WriteAll(const Path& path, std::string_view bytes, mode_t mode = 0644);
 
 /// `size` bytes that repeat with no short period, the same for the same `seed`.
 std::string Pattern(std::size_t size, unsigned seed = 1);
-
-/// While it lives, a test that runs as root acts as a user without privileges, so that permissions count.
-class OrdinaryUser {
- public:
-  /// Hands `folder` over to that user first.
-  explicit OrdinaryUser(const TempFolder& folder);
-  ~OrdinaryUser();
-  OrdinaryUser(const OrdinaryUser&) = delete;
-  OrdinaryUser& operator=(const OrdinaryUser&) = delete;
-
- private:
-  bool m_wasRoot;
-};
 
 }  // namespace tarnel::test
