@@ -37,11 +37,11 @@ TEST_F(FileListTest, ShowsFoldersThenFilesOfTheClickedFolderOnly) {
   Open("/a.png").File("top", 1).File("deep", 1, "docs\\old").File("near", 2048, "docs").File("docs", 1);
   Click("/a.png");
   EXPECT_EQ(Shown(), (Strings{"docs/", "top", "docs"}));
-  EXPECT_EQ(session.fileList.Rows()[0].itemFolder, "docs");
+  EXPECT_EQ(session.fileList.Rows().at(0).itemFolder, "docs");
   Click("/a.png", "docs");
   EXPECT_EQ(Shown(), (Strings{"old/", "near"}));
-  EXPECT_EQ(session.fileList.Rows()[0].itemFolder, "docs\\old");
-  EXPECT_EQ(session.fileList.Rows()[1].relativeIndex, 3U);
+  EXPECT_EQ(session.fileList.Rows().at(0).itemFolder, "docs\\old");
+  EXPECT_EQ(session.fileList.Rows().at(1).relativeIndex, 3U);
   EXPECT_EQ(session.filesPanel, "4 File(s) ") << "the whole carrier counts";
   EXPECT_EQ(Shown(Column::Size), (Strings{"/", "2 KB"}));
   EXPECT_EQ(Shown(Column::Type), (Strings{"/", "type of near"}));
@@ -75,7 +75,7 @@ TEST_F(FileListTest, SortsWithFoldersAmongTextsAndBehindSizesUntilAClickInTheTre
     session.ColumnClick(column);
     EXPECT_EQ(Shown(), shown);
   }
-  EXPECT_EQ(session.fileList.Rows()[0].relativeIndex, 1U);
+  EXPECT_EQ(session.fileList.Rows().at(0).relativeIndex, 1U);
   EXPECT_EQ(session.fileList.Sorting()->column, Column::Size) << "an attribute sorts nothing";
   EXPECT_TRUE(session.fileList.Sorting()->isDescending);
   Click("/a.png");

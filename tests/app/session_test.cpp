@@ -32,11 +32,11 @@ TEST_F(SessionTest, ClickMakesTheHideoutCurrentUnlessItIsBlocked) {
 
 TEST_F(SessionTest, FolderRowOpensTheFirstNodeOfItsNameInItsCarrier) {
   Click("/b.png");
-  EXPECT_EQ(session.NodeOfFolderRow(session.fileList.Rows()[0]), Root("/b.png").children[0].get());
+  EXPECT_EQ(session.NodeOfFolderRow(session.fileList.Rows().at(0)), Root("/b.png").children.at(0).get());
   Click("/a.png", "docs");
-  const FileListRow& pics = session.fileList.Rows()[0];
+  const FileListRow& pics = session.fileList.Rows().at(0);
   EXPECT_EQ(pics.itemFolder, "docs\\pics");
-  EXPECT_EQ(session.NodeOfFolderRow(pics), Root("/a.png").children[0].get()) << "the earlier one wins";
+  EXPECT_EQ(session.NodeOfFolderRow(pics), Root("/a.png").children.at(0).get()) << "the earlier one wins";
 }
 
 TEST_F(SessionTest, ClosingMakesTheNextHideoutCurrentAndBlanksThePanelsAfterTheLast) {
@@ -65,6 +65,45 @@ TEST_F(SessionTest, AbortedReloadLeavesTheFirstHideoutCurrentAndNoNodeThatIsGone
   session.HideoutGone();
   EXPECT_EQ(session.SelectedNode(), nullptr);
   EXPECT_TRUE(Shown().empty());
+}
+
+TEST_F(SessionTest, AfterAReadingRowsPointAtTheirFilesOrAreGone) {
+  Click("/b.png", "pics");
+  session.catalogue.RemoveCarrier("/a.png");
+  session.SettleTree();
+  ASSERT_EQ(Shown(), Strings{"four"});
+  EXPECT_EQ(session.catalogue.Rows().at(session.fileList.Rows().at(0).relativeIndex).Name(), "four");
+  session.catalogue.RemoveCarrier("/b.png");
+  Open("/b.png").File("five", 1, "pics");
+  session.SettleTree();
+  EXPECT_EQ(session.SelectedNode(), nullptr) << "another hideout, wherever it lies in memory";
+  EXPECT_EQ(Shown(), Strings{});
+}
+
+TEST_F(SessionTest, SettlingLeavesAListThatStillHoldsAsItIs) {
+  Click("/a.png");
+  session.ColumnClick(Column::File);
+  const Strings sorted = Shown();
+  const int before = listChanges;
+  session.SettleTree();
+  session.ReloadSettings();
+  EXPECT_EQ(listChanges, before);
+  EXPECT_EQ(Shown(), sorted);
+}
+
+TEST_F(SessionTest, AnEmptiedHideoutListsNothingAndKeepsNoMoreThanItsRoot) {
+  Click("/a.png", "pics");
+  session.catalogue.RemoveRows("/a.png");
+  session.catalogue.RemoveFolderNodes("/a.png");
+  session.HideoutEmptied();
+  EXPECT_EQ(session.SelectedNode(), &Root("/a.png"));
+  EXPECT_EQ(Shown(), Strings{});
+  Click("/b.png");
+  session.catalogue.RemoveCarrier("/b.png");
+  session.HideoutEmptied();
+  EXPECT_EQ(session.SelectedNode(), nullptr);
+  EXPECT_EQ(Shown(), Strings{});
+  EXPECT_EQ(session.filesPanel, "0 File(s) ");
 }
 
 TEST(InstanceLock, IsHeldByOneAtATimeAndFreeAfterItOrWhereItCannotBe) {

@@ -51,6 +51,7 @@ MainWindow::MainWindow(Session& session, const WindowPorts& ports)
   m_session.SetView(this);
   RestoreGeometry();
   FileListChanged();
+  SettingsChanged();
   ShowFolders(true);
   ShowStatusBar(
       m_session.settingsFile.Flag(section::kOptions, setting::kStatusBar.key, setting::kStatusBar.preset));
@@ -220,9 +221,12 @@ void MainWindow::FileListChanged() {
   } else {
     m_fileModel->Rebuild();
   }
+  ShowSorting();
+}
+
+void MainWindow::SettingsChanged() {
   m_fileList->SetFullRowSelect(m_session.settings.fullRowSelect);
   m_fileList->SetGridLines(m_session.settings.gridLines);
-  ShowSorting();
 }
 
 /// A column keeps its width; one that comes anew has the width of the last start.

@@ -38,6 +38,7 @@ class MainWindow : public QMainWindow, private SessionView, private CommandedWin
  private:
   void TreeChanged() override;
   void FileListChanged() override;
+  void SettingsChanged() override;
   void ShowStatusBar(bool isShown) override;
   void ShowFolders(bool isShown) override;
   bool IsStatusBarShown() const override;
