@@ -197,8 +197,8 @@ void MainWindow::SetAttention(Attention view) {
 }
 
 void MainWindow::TreeChanged() {
-  QSet<QString> known;
-  QSet<QString> expanded;
+  QSet<quint64> known;
+  QSet<quint64> expanded;
   for (const QModelIndex& index : m_dirModel->All()) {
     known << m_dirModel->KeyAt(index);
     if (m_dirView->isExpanded(index)) expanded << m_dirModel->KeyAt(index);
@@ -206,7 +206,7 @@ void MainWindow::TreeChanged() {
   m_dirModel->Rebuild();
   const Attention attention = m_session.ActiveListHwnd;
   for (const QModelIndex& index : m_dirModel->All()) {
-    const QString key = m_dirModel->KeyAt(index);
+    const quint64 key = m_dirModel->KeyAt(index);
     const bool isNewRoot = !index.parent().isValid() && !known.contains(key);
     if (isNewRoot || expanded.contains(key)) m_dirView->expand(index);
   }
