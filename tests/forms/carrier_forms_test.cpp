@@ -2,6 +2,7 @@
 
 #include <QComboBox>
 #include <QLabel>
+#include <QTabBar>
 #include <QTabWidget>
 
 #include "base/formats.h"
@@ -91,6 +92,32 @@ TEST_F(OpenTest, WrongPasswordIsDeniedAndLeadsToANewHideout) {
   EXPECT_EQ(Tab(form), 1);
   EXPECT_TRUE(form.isVisible());
   EXPECT_TRUE(session->catalogue.Roots().empty());
+}
+
+TEST_F(OpenTest, NoKeyChangesTheSideWhileTrying) {
+  bool isSameSide = false;
+  dialogue.script.onYield = [&](std::size_t) {
+    QTest::keyClick(&Find(form, "txt_Pass"), Qt::Key_Tab, Qt::ControlModifier);
+    isSameSide = Tab(form) == 0;
+  };
+  Enter("secret");
+  EXPECT_TRUE(isSameSide);
+}
+
+TEST_F(CarrierFormsTest, AClickOnATabFocusesTheFieldOfItsSide) {
+  settings->DeleteSection("option");
+  CarrierPass form(carrier.carrier, *session, dialogue, nullptr);
+  form.show();
+  form.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&form));
+  QTabBar& tabs = *Find<QTabWidget>(form, "TabStrip").tabBar();
+  const std::pair<int, const char*> clicks[] = {{0, "txt_Pass"}, {1, "txt_hideout_titel"}, {0, "txt_Pass"}};
+  for (const auto& [tab, field] : clicks) {
+    QTest::mouseClick(&tabs, Qt::LeftButton, {}, tabs.tabRect(tab).center());
+    QCoreApplication::processEvents();
+    ASSERT_NE(QApplication::focusWidget(), nullptr) << tab;
+    EXPECT_EQ(QApplication::focusWidget()->objectName().toStdString(), field);
+  }
 }
 
 TEST_F(OpenTest, CancelWhileTryingStopsTheTriesAndOnlyThenLeaves) {
