@@ -194,6 +194,14 @@ TEST_F(CarrierFileTest, BrowsingRemembersTheFolderAndPassesTheFileOn) {
   EXPECT_EQ(passedOn, std::vector<Path>{carrier.carrier});
 }
 
+TEST_F(CarrierFileTest, PassesAFileOnByItsBytes) {
+  const Path latin = temp.Put("caf\xe9.png", "x");
+  files.answers = {latin};
+  Press(form, "BrowseCmd");
+  Press(form, "Command2");
+  EXPECT_EQ(passedOn, std::vector<Path>{latin});
+}
+
 TEST_F(CarrierFileTest, StartsWhereTheSettingSaysIfThatFolderExists) {
   const Path there = temp.Where();
   const struct {
