@@ -44,6 +44,7 @@ TEST(DroppedPath, IsTheFirstFileByteForByte) {
   const std::pair<const char*, const char*> cases[] = {
       {"file:///tmp/a%20b%FF%0A.png\r\nfile:///tmp/second\r\n", "/tmp/a b\xFF\n.png"},
       {"# note\r\nfile://localhost/x", "/x"},
+      {"file://elsewhere.example/etc/passwd", ""},
       {"https://host/x\r\nfile:///y", ""},
       {"", ""},
   };
@@ -83,6 +84,9 @@ TEST(DialogueInWindows, ShowsTextsButtonsPresetAndTheSafeWayOut) {
     EXPECT_EQ(answerOf(box.defaultButton()), preset);
     EXPECT_EQ(answerOf(box.escapeButton()), escape);
   }
+  QMessageBox box;
+  FillBox(box, {.id = "x", .title = "", .text = "", .buttons = Buttons::YesNoOverwriteAll});
+  EXPECT_EQ(box.button(QMessageBox::YesToAll)->text(), QStringLiteral("Overwrite All"));
 }
 
 TEST(Guarded, ShowsWhatAnErrorSaysAndGoesOn) {
@@ -91,8 +95,8 @@ TEST(Guarded, ShowsWhatAnErrorSaysAndGoesOn) {
   Guarded(person, [] { throw Error(ErrorNumber::FileNotFound, "cannot open x"); });
   Guarded(person, [] { throw std::runtime_error("other"); });
   Guarded(person, [] { throw 1; });
-  EXPECT_EQ(person.script.Asked()[0].text, "Error: 53\r\ncannot open x");
-  EXPECT_EQ(person.script.Asked()[1].text, "Error: 57\r\nother");
+  EXPECT_EQ(person.script.Asked().at(0).text, "Error: 53\r\ncannot open x");
+  EXPECT_EQ(person.script.Asked().at(1).text, "Error: 57\r\nother");
 }
 
 TEST(TracelessFileDialogs, LeaveTheHomeFolderAsItWas) {

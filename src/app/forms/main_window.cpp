@@ -35,6 +35,11 @@ bool IsFile(const Path& path, Files& files) {
   return stat && stat->kind != FileKind::Folder;
 }
 
+void AcceptCopy(QDropEvent& event) {
+  event.setDropAction(Qt::CopyAction);
+  event.setAccepted(event.possibleActions().testFlag(Qt::CopyAction));
+}
+
 }  // namespace
 
 MainWindow::MainWindow(Session& session, const WindowPorts& ports)
@@ -115,12 +120,17 @@ void MainWindow::ConnectAll() {
 }
 
 void MainWindow::ShowContextMenus() {
-  const std::pair<QWidget*, const char*> menus[] = {
-      {m_dirView, "Menu_File"}, {m_fileList, "Menu_Actions"}, {m_status, "mnuStatusbar"}};
-  for (const auto& [widget, menu] : menus) {
+  const struct {
+    QWidget* widget;
+    QWidget* place;  ///< what the widget counts points from
+    const char* menu;
+  } menus[] = {{m_dirView, m_dirView->viewport(), "Menu_File"},
+               {m_fileList, m_fileList->viewport(), "Menu_Actions"},
+               {m_status, m_status, "mnuStatusbar"}};
+  for (const auto& [widget, place, menu] : menus) {
     connect(widget, &QWidget::customContextMenuRequested, this,
-            [this, widget = widget, menu = menu](const QPoint& at) {
-              m_actions->MenuOf(menu)->popup(widget->mapToGlobal(at));
+            [this, place = place, menu = menu](const QPoint& at) {
+              m_actions->MenuOf(menu)->popup(place->mapToGlobal(at));
             });
   }
 }
@@ -167,12 +177,13 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
-  if (event->mimeData()->hasUrls()) event->acceptProposedAction();
+  if (event->mimeData()->hasUrls()) AcceptCopy(*event);
 }
 
 void MainWindow::dropEvent(QDropEvent* event) {
-  event->acceptProposedAction();
-  StartWith(FirstDroppedPath(*event->mimeData()));
+  AcceptCopy(*event);
+  if (!event->isAccepted()) return;
+  QTimer::singleShot(0, this, [this, path = FirstDroppedPath(*event->mimeData())] { StartWith(path); });
 }
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {

@@ -31,7 +31,9 @@ class MainWindow : public QMainWindow, private SessionView, private CommandedWin
  protected:
   /// Gate, then geometry and columns go to the settings if the user wants that.
   void closeEvent(QCloseEvent* event) override;
+  /// A drop copies, whatever its source proposes, for one that is told of a move deletes its file.
   void dragEnterEvent(QDragEnterEvent* event) override;
+  /// The carrier is opened when the source of the drop has been answered.
   void dropEvent(QDropEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
