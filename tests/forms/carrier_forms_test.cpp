@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QTabBar>
 #include <QTabWidget>
+#include <set>
 
 #include "base/formats.h"
 #include "carrier/forms/carrier_pass.h"
@@ -95,13 +96,13 @@ TEST_F(OpenTest, WrongPasswordIsDeniedAndLeadsToANewHideout) {
 }
 
 TEST_F(OpenTest, NoKeyChangesTheSideWhileTrying) {
-  bool isSameSide = false;
+  std::set<int> sides;
   dialogue.script.onYield = [&](std::size_t) {
     QTest::keyClick(&Find(form, "txt_Pass"), Qt::Key_Tab, Qt::ControlModifier);
-    isSameSide = Tab(form) == 0;
+    sides.insert(Tab(form));
   };
   Enter("secret");
-  EXPECT_TRUE(isSameSide);
+  EXPECT_EQ(sides, std::set<int>{0});
 }
 
 TEST_F(CarrierFormsTest, AClickOnATabFocusesTheFieldOfItsSide) {
