@@ -225,6 +225,19 @@ TEST_F(MainWindowTest, TheMenuOfTheListOpensUnderThePointer) {
   menu.close();
 }
 
+TEST_F(MainWindowTest, SurvivesFoldersOfAnyDepth) {
+  std::string folder = "a";
+  for (int i = 1; i < 30'000; ++i)
+    folder += "\\a";
+  carrier.Hide({.name = "deep.txt", .folder = folder});
+  OpenCarrier();
+  DoubleClick(List(), Row(0));
+  QTest::keyClick(&Tree(), Qt::Key_Asterisk);
+  EXPECT_TRUE(Tree().isExpanded(Tree().currentIndex()));
+  Trigger("manu_close");
+  EXPECT_EQ(Tree().model()->rowCount(), 0);
+}
+
 TEST_F(MainWindowTest, SortsByAClickOnAHeader) {
   OpenCarrier();
   QHeaderView& header = *List().header();

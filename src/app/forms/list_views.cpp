@@ -9,6 +9,9 @@ namespace tarnel {
 
 namespace {
 
+/// Levels that open at once. The toolkit lays open levels out by recursion, and hostile folders have no end.
+constexpr int kDeepestAtOnce = 100;
+
 /// Paints a line at the right and at the bottom of each cell.
 class GridDelegate : public QStyledItemDelegate {
  public:
@@ -60,6 +63,7 @@ void DirTree::ClickIfMoved() {
 
 void DirTree::keyPressEvent(QKeyEvent* event) {
   if (event->matches(QKeySequence::Copy)) return;
+  if (event->key() == Qt::Key_Asterisk) return expandRecursively(currentIndex(), kDeepestAtOnce);
   const QModelIndex before = currentIndex();
   QTreeView::keyPressEvent(event);
   if (currentIndex().isValid() && currentIndex() != before) emit NodeClicked(currentIndex());
