@@ -180,6 +180,10 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
   if (event->mimeData()->hasUrls()) AcceptCopy(*event);
 }
 
+void MainWindow::dragMoveEvent(QDragMoveEvent* event) {
+  AcceptCopy(*event);
+}
+
 void MainWindow::dropEvent(QDropEvent* event) {
   AcceptCopy(*event);
   if (!event->isAccepted()) return;

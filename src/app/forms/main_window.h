@@ -33,6 +33,7 @@ class MainWindow : public QMainWindow, private SessionView, private CommandedWin
   void closeEvent(QCloseEvent* event) override;
   /// A drop copies, whatever its source proposes, for one that is told of a move deletes its file.
   void dragEnterEvent(QDragEnterEvent* event) override;
+  void dragMoveEvent(QDragMoveEvent* event) override;
   /// The carrier is opened when the source of the drop has been answered.
   void dropEvent(QDropEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;

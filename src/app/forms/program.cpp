@@ -1,6 +1,5 @@
 #include "app/forms/program.h"
 
-#include <QApplication>
 #include <QTimer>
 
 #include "app/forms/file_list_model.h"
