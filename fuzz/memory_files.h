@@ -28,6 +28,7 @@ class MemoryFiles : public Files {
 
   std::unique_ptr<File> OpenToRead(const Path& path) override;
   std::optional<FileStat> Stat(const Path&, Links) override { Refuse(); }
+  Path Canonical(const Path&) override { Refuse(); }
   std::unique_ptr<File> OpenToChange(const Path&) override { Refuse(); }
   std::unique_ptr<File> CreateNew(const Path&, mode_t) override { Refuse(); }
   void Remove(const Path&) override { Refuse(); }

@@ -164,7 +164,7 @@ std::vector<Command> HelpCommands() {
        .item = "Menu_Quickstart",
        .caption = " Quick Start - Step by Step Instructions",
        .later = "The step by step instructions come with a later version of Tarnel."},
-      {.id = CommandId::Info, .item = "Menu_Info", .caption = " &Info"},
+      {.id = CommandId::Info, .item = "Menu_Info", .caption = " &Info", .icon = "info"},
   };
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cwctype>
 #include <numeric>
+#include <tuple>
 #include <utility>
 
 #include "app/size_order.h"
@@ -64,9 +65,25 @@ void FileList::Clear() {
 
 void FileList::Show(const TreeNode& node, const Catalogue& catalogue) {
   Clear();
-  m_rows = FolderRows(node);
+  m_rows = AllRows(node, catalogue);
+}
+
+bool FileList::Shows(const TreeNode& node, const Catalogue& catalogue) const {
+  const auto inReadingOrder = [](std::vector<FileListRow> rows) {
+    std::sort(rows.begin(), rows.end(), [](const FileListRow& a, const FileListRow& b) {
+      return std::tie(a.kind, a.relativeIndex, a.itemFolder) <
+             std::tie(b.kind, b.relativeIndex, b.itemFolder);
+    });
+    return rows;
+  };
+  return inReadingOrder(m_rows) == inReadingOrder(AllRows(node, catalogue));
+}
+
+std::vector<FileListRow> FileList::AllRows(const TreeNode& node, const Catalogue& catalogue) const {
+  std::vector<FileListRow> rows = FolderRows(node);
   auto files = FileRows(node, catalogue);
-  std::move(files.begin(), files.end(), std::back_inserter(m_rows));
+  std::move(files.begin(), files.end(), std::back_inserter(rows));
+  return rows;
 }
 
 std::vector<FileListRow> FileList::FolderRows(const TreeNode& node) const {

@@ -29,6 +29,8 @@ struct FileListRow {
   double size = 0;                ///< of a file: its plain size in bytes
   Path carrier = {};
   std::string itemFolder = {};  ///< of a folder: its path inside the hideout
+
+  bool operator==(const FileListRow&) const = default;
 };
 
 /// The contents of one folder, as FileList shows them. Rows are valid until rows leave the catalogue; whoever
@@ -47,6 +49,9 @@ class FileList {
   /// Folders in tree order, then files in the order of reading.
   void Show(const TreeNode& node, const Catalogue& catalogue);
 
+  /// The rows are those that Show would make, in any order.
+  bool Shows(const TreeNode& node, const Catalogue& catalogue) const;
+
   /// What a click on a column's header does: turns the direction, which all columns share, and sorts. The
   /// first click of all sorts texts downwards and sizes upwards. Texts are compared without regard to case;
   /// sizes as OrderBySize says, folders behind all files. Nothing on an empty list.
@@ -60,6 +65,7 @@ class FileList {
   std::optional<SortState> Sorting() const { return m_sorting; }
 
  private:
+  std::vector<FileListRow> AllRows(const TreeNode& node, const Catalogue& catalogue) const;
   std::vector<FileListRow> FolderRows(const TreeNode& node) const;
   std::vector<FileListRow> FileRows(const TreeNode& node, const Catalogue& catalogue) const;
   FileListRow FileRow(const MirrorRow& mirror, std::size_t index) const;

@@ -2,23 +2,38 @@
 
 #include <cstdlib>
 
+#include "app/private_folder.h"
+
 namespace tarnel {
 
 namespace {
 
+/// Another instance may make the file at the same moment.
 std::unique_ptr<File> OpenOrCreate(Files& files, const Path& path) {
-  if (files.Stat(path, Files::Links::DontFollow)) return files.OpenToChange(path);
-  return files.CreateNew(path, 0600);
+  try {
+    return files.CreateNew(path, 0600);
+  } catch (const Error& error) {
+    if (error.Number() != ErrorNumber::FileExists) throw;
+  }
+  return files.OpenToChange(path);
+}
+
+std::unique_ptr<File> LockFileIn(const std::vector<Path>& places, Files& files) {
+  for (const Path& path : places) {
+    try {
+      MakePrivateFolder(path.parent_path(), files);
+      return OpenOrCreate(files, path);
+    } catch (const Error&) {  // no place for a lock file
+    }
+  }
+  return nullptr;
 }
 
 }  // namespace
 
-InstanceLock::InstanceLock(Files& files, const Path& path) {
-  try {
-    m_file = OpenOrCreate(files, path);
-  } catch (const Error&) {  // no place for a lock file
-    return;
-  }
+InstanceLock::InstanceLock(Files& files, const std::vector<Path>& places)
+    : m_file(LockFileIn(places, files)) {
+  if (m_file == nullptr) return;
   try {
     m_file->Lock();
   } catch (const Error& error) {
@@ -26,10 +41,13 @@ InstanceLock::InstanceLock(Files& files, const Path& path) {
   }
 }
 
-Path InstanceLockPath(const Path& settings) {
-  const char* runtime = std::getenv("XDG_RUNTIME_DIR");
-  const Path folder = runtime == nullptr ? Path() : Path(runtime);
-  return folder.is_absolute() ? folder / "tarnel.lock" : settings.parent_path() / "tarnel.lock";
+std::vector<Path> InstanceLockPlaces(const Path& settings) {
+  std::vector<Path> folders = {settings.parent_path()};
+  const char* const runtime = std::getenv("XDG_RUNTIME_DIR");
+  if (runtime != nullptr && Path(runtime).is_absolute()) folders.insert(folders.begin(), runtime);
+  for (Path& folder : folders)
+    folder /= "tarnel.lock";
+  return folders;
 }
 
 }  // namespace tarnel

@@ -1,17 +1,19 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "base/files.h"
 
 namespace tarnel {
 
-/// The mark of the one running instance: a locked file in the user's runtime folder. The platform drops the
-/// lock with the process, however that ends.
+/// The mark of the one running instance: a locked file of this user's. The platform drops the lock with the
+/// process, however that ends.
 class InstanceLock {
  public:
-  /// Where no lock file can be made, this instance counts as the only one.
-  InstanceLock(Files& files, const Path& path);
+  /// Takes the first of `places` where a lock file can be had, making its folder if need be. Where there is
+  /// none, this instance counts as the only one.
+  InstanceLock(Files& files, const std::vector<Path>& places);
 
   bool IsOtherRunning() const { return m_isOtherRunning; }
 
@@ -20,7 +22,7 @@ class InstanceLock {
   bool m_isOtherRunning = false;
 };
 
-/// "tarnel.lock" in $XDG_RUNTIME_DIR, or beside `settings` where there is no such folder.
-Path InstanceLockPath(const Path& settings);
+/// "tarnel.lock" in $XDG_RUNTIME_DIR, and beside `settings` for where there is no such folder.
+std::vector<Path> InstanceLockPlaces(const Path& settings);
 
 }  // namespace tarnel

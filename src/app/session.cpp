@@ -1,25 +1,26 @@
 #include "app/session.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tarnel {
 
 namespace {
 
-/// The first node at or below `node`, in the order of the tree, that `fits`.
-template <class Predicate>
-TreeNode* FindNode(TreeNode& node, const Predicate& fits) {
-  if (fits(node)) return &node;
-  for (const auto& child : node.children) {
-    if (TreeNode* found = FindNode(*child, fits)) return found;
-  }
-  return nullptr;
-}
-
+/// The first node in the order of the tree that `fits`. Hostile folder texts nest deeper than a stack goes.
 template <class Predicate>
 TreeNode* FindNode(const Catalogue& catalogue, const Predicate& fits) {
-  for (const auto& root : catalogue.Roots()) {
-    if (TreeNode* found = FindNode(*root, fits)) return found;
+  std::vector<TreeNode*> waiting;
+  const auto add = [&waiting](const auto& nodes) {
+    for (auto node = nodes.rbegin(); node != nodes.rend(); ++node)
+      waiting.push_back(node->get());
+  };
+  add(catalogue.Roots());
+  while (!waiting.empty()) {
+    TreeNode* const node = waiting.back();
+    waiting.pop_back();
+    if (fits(*node)) return node;
+    add(node->children);
   }
   return nullptr;
 }
@@ -45,7 +46,7 @@ void Session::DirView_NodeClick(TreeNode& node) {
   current.CurrentAlgorithmId = IdOf(key.algorithmName);
   current.CurrentPassword = key.password;
   current.CurrentHideoutTitle = key.title;
-  m_selected = &node;
+  KeepAsSelected(node);
   fileList.Show(node, catalogue);
   filesPanel = std::to_string(FilesOf(key.carrier)) + " File(s) ";
   algorithmPanel = " " + AlgorithmName(current.CurrentAlgorithmId);
@@ -53,7 +54,7 @@ void Session::DirView_NodeClick(TreeNode& node) {
 }
 
 void Session::HideoutLoaded(TreeNode& root, std::size_t fileCount) {
-  Select(&root);
+  Select(root);
   DirView_NodeClick(root);
   filesPanel = std::to_string(fileCount) + " File(s) ";
 }
@@ -62,21 +63,34 @@ void Session::HideoutGone() {
   ShowNothing();
   SettleTree();
   if (!catalogue.Roots().empty()) {
-    Select(catalogue.Roots().front().get());
-    DirView_NodeClick(*m_selected);
+    TreeNode& first = *catalogue.Roots().front();
+    Select(first);
+    DirView_NodeClick(first);
   }
 }
 
 void Session::HideoutCreated(TreeNode& root, std::string_view algorithmName) {
   filesPanel = " 0 File(s) ";
   algorithmPanel = " " + std::string(algorithmName);
-  Select(&root);
+  Select(root);
   ShowNothing();
 }
 
+void Session::HideoutEmptied() {
+  filesPanel = "0 File(s) ";
+  ShowNothing();
+  if (const TreeNode* const root = catalogue.FindRoot(current.CurrentCarrierPath)) KeepAsSelected(*root);
+  SettleTree();
+}
+
 void Session::SettleTree() {
-  if (FindNode(catalogue, [this](const TreeNode& node) { return &node == m_selected; }) == nullptr) {
-    m_selected = nullptr;
+  const TreeNode* const node = SelectedNode();
+  if (node == nullptr) {
+    m_selectedHideout.reset();
+    ShowNothing();
+  } else if (!fileList.Shows(*node, catalogue)) {
+    fileList.Show(*node, catalogue);
+    TellList();
   }
   TellTree();
 }
@@ -92,8 +106,22 @@ void Session::CloseCarrier() {
     algorithmPanel.clear();
     return;
   }
-  if (m_selected == nullptr) Select(catalogue.Roots().front().get());
-  DirView_NodeClick(*m_selected);
+  if (SelectedNode() == nullptr) Select(*catalogue.Roots().front());
+  DirView_NodeClick(*SelectedNode());
+}
+
+TreeNode* Session::SelectedNode() const {
+  for (const auto& root : catalogue.Roots()) {
+    if (m_selectedHideout == nullptr || root->hideout != m_selectedHideout) continue;
+    TreeNode* node = root.get();
+    for (const std::string& text : m_selectedFolder) {
+      const auto child = node->childByText.find(text);
+      if (child == node->childByText.end()) return nullptr;
+      node = child->second;
+    }
+    return node;
+  }
+  return nullptr;
 }
 
 TreeNode* Session::NodeOfFolderRow(const FileListRow& row) const {
@@ -103,7 +131,7 @@ TreeNode* Session::NodeOfFolderRow(const FileListRow& row) const {
 }
 
 void Session::ColumnClick(Column column) {
-  fileList.ColumnClick(column, m_selected, catalogue);
+  fileList.ColumnClick(column, SelectedNode(), catalogue);
   TellList();
 }
 
@@ -117,8 +145,10 @@ void Session::Remember(std::string_view sectionName, std::string_view key, std::
 
 void Session::ReloadSettings() {
   LoadSettings(settingsFile, settings);
+  const std::vector<Column> before = fileList.Columns();
   fileList.ApplyColumns(settings);
-  TellList();
+  if (fileList.Columns() != before) TellList();
+  if (m_view != nullptr) m_view->SettingsChanged();
 }
 
 RefreshResult Session::RefreshNow() const {
@@ -129,9 +159,17 @@ RefreshResult Session::RefreshNow() const {
                   .isFileRowSelected = isFileRowSelected});
 }
 
-void Session::Select(TreeNode* node) {
-  m_selected = node;
+void Session::Select(const TreeNode& node) {
+  KeepAsSelected(node);
   TellTree();
+}
+
+void Session::KeepAsSelected(const TreeNode& node) {
+  m_selectedHideout = node.hideout;
+  m_selectedFolder.clear();
+  for (const TreeNode* each = &node; !each->IsRoot(); each = each->parent)
+    m_selectedFolder.push_back(each->text);
+  std::reverse(m_selectedFolder.begin(), m_selectedFolder.end());
 }
 
 void Session::ShowNothing() {

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "app/file_list.h"
 #include "app/program_lock.h"
@@ -23,8 +25,10 @@ class SessionView {
 
   /// Nodes came or went, or another one is selected.
   virtual void TreeChanged() = 0;
-  /// The rows or their order changed.
+  /// The rows, their order or their columns changed.
   virtual void FileListChanged() = 0;
+  /// The settings were loaded again. Where they changed a column, FileListChanged has come before.
+  virtual void SettingsChanged() = 0;
 };
 
 /// The state of the running program, and what the two views do with it. One object for the whole process.
@@ -61,7 +65,9 @@ class Session {
   /// Null for none.
   void SetView(SessionView* view) { m_view = view; }
 
-  TreeNode* SelectedNode() const { return m_selected; }
+  /// The node that was selected, as long as its hideout is open and has its folder; else null. It is looked
+  /// up by what it stands for, so it never is a node that is no more.
+  TreeNode* SelectedNode() const;
 
   /// Makes the node's hideout current and shows its folder. Nothing while TreeClickBlocked.
   void DirView_NodeClick(TreeNode& node);
@@ -75,8 +81,13 @@ class Session {
   /// A hideout without files was made; `algorithmName` as the list of algorithms has it.
   void HideoutCreated(TreeNode& root, std::string_view algorithmName);
 
-  /// Tells the view that nodes may have changed, and lets go of a selected node that is no more. Whoever let
-  /// the catalogue be read calls it when the reading has ended, however it ended.
+  /// The last file of the current hideout has left the catalogue: nothing is listed, "0 File(s) ", and its
+  /// root is selected if it still stands.
+  void HideoutEmptied();
+
+  /// Puts both views in line with the catalogue: a selected node that is no more is let go and nothing
+  /// listed; the list of one that stays is made anew unless its rows are still those of the catalogue.
+  /// Whoever let the catalogue be read or rows leave it calls this at the end, whatever that end was.
   void SettleTree();
 
   /// Closes the current carrier and makes the next hideout current. The current values stay where none is
@@ -92,7 +103,8 @@ class Session {
   /// Keeps one value for the next start. In silence if that fails: it only makes the start handier.
   void Remember(std::string_view sectionName, std::string_view key, std::string value);
 
-  /// Loads the settings again and puts the columns on the file list.
+  /// Loads the settings again and puts the columns on the file list. Rows stay selected unless a column came
+  /// or went.
   void ReloadSettings();
 
   std::size_t FilesOf(const Path& carrier) const { return catalogue.RowsOf(carrier).size(); }
@@ -101,13 +113,15 @@ class Session {
   RefreshResult RefreshNow() const;
 
  private:
-  void Select(TreeNode* node);
+  void Select(const TreeNode& node);
+  void KeepAsSelected(const TreeNode& node);
   void ShowNothing();
   void TellTree();
   void TellList();
 
   SessionView* m_view = nullptr;
-  TreeNode* m_selected = nullptr;
+  std::shared_ptr<const HideoutKey> m_selectedHideout;  ///< kept, so that no other one gets its address
+  std::vector<std::string> m_selectedFolder;            ///< the texts from the root's child down
 };
 
 }  // namespace tarnel

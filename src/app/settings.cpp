@@ -53,7 +53,8 @@ void LoadSettings(const SettingsFile& file, Settings& settings) {
     settings.columns[i] = file.Flag(section::kOptions, kColumnSettings[i].key, kColumnSettings[i].preset);
   }
   settings.mouseEvent = file.Get(section::kOptions, setting::kMouseEvent, "None");
-  settings.compressLevel = Whole(file.Number(section::kOptions, setting::kCompressLevel, "6"));
+  settings.compressLevel =
+      std::clamp(Whole(file.Number(section::kOptions, setting::kCompressLevel, "6")), 1, 9);
   settings.previewTempFolder = file.Get(section::kOptions, setting::kPreviewTempFolder, "");
   LoadFolder(file, "Folder Open", settings.open);
   LoadFolder(file, "Folder Hide", settings.hide);

@@ -74,7 +74,7 @@ struct Settings {
   bool gridLines = false;
   std::string mouseEvent;
   bool compress = false;
-  int compressLevel = 0;
+  int compressLevel = 0;  ///< 1 to 9, whatever is stored
   bool writeProtection = false;
   bool folderInfo = false;
   bool extractOverwrite = false;

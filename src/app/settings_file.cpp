@@ -3,7 +3,9 @@
 #include <cstdlib>
 #include <utility>
 
+#include "app/private_folder.h"
 #include "base/partial_file.h"
+#include "base/printable.h"
 #include "base/temp_names.h"
 #include "carrier/tags.h"
 
@@ -44,34 +46,42 @@ std::string Unescaped(std::string_view text) {
 
 }  // namespace
 
-SettingsFile::SettingsFile(Files& files, Path path) : m_files(files), m_path(std::move(path)) {
+SettingsFile::SettingsFile(Files& files, Path path) : m_files(&files), m_path(std::move(path)) {
   try {
-    Read();
-  } catch (const Error&) {  // no settings yet, or none that can be had: the presets apply
+    m_sections = Read();
+  } catch (const Error&) {  // none that can be had: the presets apply
   }
 }
 
-void SettingsFile::Read() {
-  const auto file = m_files.OpenToRead(m_path);
+SettingsFile::Sections SettingsFile::Read() const {
+  if (!m_files->Stat(m_path)) return {};
+  const auto file = m_files->OpenToRead(m_path);
   const Length size = file->Size();
-  if (size > kSizeLimit) return;
+  if (size > kSizeLimit) {
+    throw Error(ErrorNumber::PathFileAccess,
+                "cannot read " + Printable(m_path.native()) + ": it is too large for settings", m_path);
+  }
   std::vector<std::uint8_t> text(static_cast<std::size_t>(size));
   text.resize(file->ReadAt(Position{1}, text));
-  Parse(AsText(text));
+  return Parse(AsText(text));
 }
 
-void SettingsFile::Parse(std::string_view text) {
+SettingsFile::Sections SettingsFile::Parse(std::string_view text) {
+  Sections sections;
   std::string section;
   while (!text.empty()) {
-    const std::string_view line = text.substr(0, text.find('\n'));
+    std::string_view line = text.substr(0, text.find('\n'));
     text.remove_prefix(std::min(text.size(), line.size() + 1));
+    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
     const std::size_t equals = line.find('=');
     if (line.size() > 1 && line.front() == '[' && line.back() == ']') {
       section = line.substr(1, line.size() - 2);
     } else if (equals != std::string_view::npos) {
-      Set(section, line.substr(0, equals), Unescaped(line.substr(equals + 1)));
+      sections[section].insert_or_assign(std::string(line.substr(0, equals)),
+                                         Unescaped(line.substr(equals + 1)));
     }
   }
+  return sections;
 }
 
 std::optional<std::string> SettingsFile::Find(std::string_view section, std::string_view key) const {
@@ -95,17 +105,26 @@ bool SettingsFile::Flag(std::string_view section, std::string_view key, std::str
 }
 
 void SettingsFile::Set(std::string_view section, std::string_view key, std::string value) {
-  m_sections[std::string(section)].insert_or_assign(std::string(key), std::move(value));
+  m_changes.push_back({std::string(section), std::string(key), std::move(value)});
+  Apply(m_changes.back(), m_sections);
 }
 
 void SettingsFile::DeleteSection(std::string_view section) {
-  const auto keys = m_sections.find(section);
-  if (keys != m_sections.end()) m_sections.erase(keys);
+  m_changes.push_back({std::string(section)});
+  Apply(m_changes.back(), m_sections);
 }
 
-std::string SettingsFile::Text() const {
+void SettingsFile::Apply(Change change, Sections& sections) {
+  if (change.value) {
+    sections[change.section].insert_or_assign(change.key, *std::move(change.value));
+  } else {
+    sections.erase(change.section);
+  }
+}
+
+std::string SettingsFile::Text(const Sections& sections) {
   std::string text;
-  for (const auto& [section, keys] : m_sections) {
+  for (const auto& [section, keys] : sections) {
     text += "[" + section + "]\n";
     for (const auto& [key, value] : keys)
       text += key + "=" + Escaped(value) + "\n";
@@ -113,24 +132,26 @@ std::string SettingsFile::Text() const {
   return text;
 }
 
-void SettingsFile::MakeFolder() {
-  const Path folder = m_path.parent_path();
-  for (const Path& missing : {folder.parent_path(), folder}) {
-    if (!m_files.Stat(missing)) m_files.CreateFolder(missing, 0700);
-  }
+void SettingsFile::Save() {
+  Sections sections = Read();
+  for (const Change& change : m_changes)
+    Apply(change, sections);
+  MakePrivateFolder(m_path.parent_path(), *m_files);
+  Write(m_files->Stat(m_path) ? m_files->Canonical(m_path) : m_path, Text(sections));
+  m_sections = std::move(sections);
+  m_changes.clear();
 }
 
-void SettingsFile::Save() {
-  MakeFolder();
-  const Path fresh = m_path.parent_path() / RandomName(".settings-");
-  const auto file = m_files.CreateNew(fresh, 0600);
-  PartialFile partial(m_files, fresh);
-  file->WriteAt(Position{1}, AsBytes(Text()));
+void SettingsFile::Write(const Path& target, const std::string& text) const {
+  const Path fresh = target.parent_path() / RandomName(".settings-");
+  const auto file = m_files->CreateNew(fresh, 0600);
+  PartialFile partial(*m_files, fresh);
+  file->WriteAt(Position{1}, AsBytes(text));
   file->Sync();
   file->Close();
-  m_files.Rename(fresh, m_path);
+  m_files->Rename(fresh, target);
   partial.Keep();
-  m_files.SyncFolder(m_path.parent_path());
+  m_files->SyncFolder(target.parent_path());
 }
 
 Path UserSettingsPath() {

@@ -138,6 +138,10 @@ class Files {
   /// Nothing if there is no such file (or no folder on the way to it).
   virtual std::optional<FileStat> Stat(const Path& path, Links links = Links::Follow) = 0;
 
+  /// The absolute path of what `path` leads to, without symbolic links, "." and "..", so that one file or
+  /// folder has one such path however it is spelled. FileNotFound if it isn't there.
+  virtual Path Canonical(const Path& path) = 0;
+
   /// Regular files only: a folder, pipe, socket or device is a PathFileAccess that says what it is. Never
   /// blocks.
   virtual std::unique_ptr<File> OpenToRead(const Path& path) = 0;
@@ -169,6 +173,7 @@ class Files {
 class PosixFiles : public Files {
  public:
   std::optional<FileStat> Stat(const Path& path, Links links = Links::Follow) override;
+  Path Canonical(const Path& path) override;
   std::unique_ptr<File> OpenToRead(const Path& path) override;
   std::unique_ptr<File> OpenToChange(const Path& path) override;
   std::unique_ptr<File> CreateNew(const Path& path, mode_t mode) override;

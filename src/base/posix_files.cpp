@@ -54,6 +54,13 @@ std::optional<FileStat> PosixFiles::Stat(const Path& path, Links links) {
   throw ErrnoError(errno, "look at", path);
 }
 
+Path PosixFiles::Canonical(const Path& path) {
+  std::error_code failed;
+  Path real = std::filesystem::canonical(ForCall(path), failed);
+  if (failed) throw ErrnoError(failed.value(), "open", path);
+  return real;
+}
+
 std::unique_ptr<File> PosixFiles::OpenToRead(const Path& path) {
   return OpenRegular(path, O_RDONLY);
 }

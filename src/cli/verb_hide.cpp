@@ -66,7 +66,7 @@ class HideVerb {
 
 void HideVerb::Collect() {
   for (const std::string& given : m_options.paths) {
-    m_chosen.push_back(FullPath(given));
+    m_chosen.push_back(FullPath(given, m_around.files));
     if (!m_around.files.Stat(m_chosen.back())) {
       throw CliFailure(ExitCode::Failed, "cannot find " + Printable(given) + "; nothing was hidden");
     }

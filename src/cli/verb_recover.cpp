@@ -22,7 +22,7 @@ class PlainOnTerminal : public OnTerminal<Dialogue> {
 class RecoverVerb {
  public:
   RecoverVerb(const RecoverOptions& options, Surroundings& around)
-      : m_options(options), m_around(around), m_carrier(FullPath(options.carrier)) {}
+      : m_options(options), m_around(around), m_carrier(FullPath(options.carrier, around.files)) {}
 
   ExitCode Run() {
     MustExist();

@@ -46,7 +46,7 @@ ExitCode Report(const SearchSummary& summary, Surroundings& around) {
 }  // namespace
 
 ExitCode RunVerb(const SearchOptions& options, Surroundings& around) {
-  const Path folder = FullPath(options.folder);
+  const Path folder = FullPath(options.folder, around.files);
   GivenPassword password = ObtainPassword(around.options, around.variables, around.terminal, around.messages);
   SearchOnTerminal screen(around.talk, [&around](const SearchRow& row) {
     around.terminal.Write(around.options.json ? JsonOf(row) : LineOf(row));

@@ -50,8 +50,9 @@ ExitCode RunVerb(const UpdateOptions& options, Surroundings& around) {
   bench.Open();
   bench.WarnOfFaults();
   PreviewParcel parcel = ParcelOf(FindEntry(bench, options.entry, around.messages));
-  const UpdateRequest request{
-      .previewFile = FullPath(options.file), .compressionLevel = LevelOf(parcel), .leftover = leftover};
+  const UpdateRequest request{.previewFile = FullPath(options.file, around.files),
+                              .compressionLevel = LevelOf(parcel),
+                              .leftover = leftover};
   RewriteOnTerminal screen(around.talk, "Updating " + options.entry);
   const UpdateResult result = RunUpdate(request, parcel, bench.GetReading(), screen);
   if (result.refused != UpdateResult::Refused::No) {

@@ -15,9 +15,7 @@ Path FindCarrier(const std::string& given, Files& files) {
   if (!files.Stat(given)) {
     throw CliFailure(ExitCode::CarrierNotFound, "cannot find the carrier " + Printable(given));
   }
-  std::error_code failed;
-  Path real = std::filesystem::canonical(given, failed);
-  if (failed) throw ErrnoError(failed.value(), "open", given);
+  Path real = files.Canonical(given);
   files.OpenToRead(real);
   return real;
 }
@@ -88,15 +86,11 @@ ExitCode Workbench::CodeOfReading(ExitCode otherwise) const {
   return m_faults.closedBy && otherwise == ExitCode::Done ? ExitCode::PartlyDone : otherwise;
 }
 
-Path FullPath(const std::string& given) {
+Path FullPath(const std::string& given, Files& files) {
   const Path path = std::filesystem::absolute(given);
   const std::string last = path.filename();
-  std::error_code failed;
   const bool isWhole = !last.empty() && last != "." && last != "..";
-  Path full = isWhole ? std::filesystem::canonical(path.parent_path(), failed) / last
-                      : std::filesystem::canonical(path, failed);
-  if (failed) throw ErrnoError(failed.value(), "open", given);
-  return full;
+  return isWhole ? files.Canonical(path.parent_path()) / last : files.Canonical(path);
 }
 
 }  // namespace tarnel

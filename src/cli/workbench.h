@@ -71,6 +71,6 @@ class Workbench {
 void RefuseBusy(const Path& carrier, Files& files);
 
 /// The absolute path that names the same file; a last component that is a symbolic link stays one.
-Path FullPath(const std::string& given);
+Path FullPath(const std::string& given, Files& files);
 
 }  // namespace tarnel

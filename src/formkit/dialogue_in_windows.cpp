@@ -63,7 +63,7 @@ void FillBox(QMessageBox& box, const Question& question) {
   for (const AnswerButton& each : ButtonsOf(question.buttons)) {
     QPushButton* const button = box.addButton(each.button);
     button->setProperty(kAnswerProperty, static_cast<int>(each.answer));
-    if (each.answer == Answer::OverwriteAll) button->setText(Translated("Overwrite &all"));
+    if (each.answer == Answer::OverwriteAll) button->setText(Translated("Overwrite All"));
     if (each.answer == question.preset) box.setDefaultButton(button);
     if (each.answer == SafeAnswer(question.buttons)) box.setEscapeButton(button);
   }

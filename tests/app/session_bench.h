@@ -77,6 +77,7 @@ class SessionBench : public SessionView {
 
   void TreeChanged() override {}
   void FileListChanged() override { ++listChanges; }
+  void SettingsChanged() override {}
 
   TempFolder temp;
   PosixFiles posix;

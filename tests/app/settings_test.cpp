@@ -45,6 +45,11 @@ TEST_F(SettingsTest, ReadNumbersLeniently) {
     file.Set("options", "Grid lines", value);
     EXPECT_EQ(Loaded().gridLines, flag) << value;
   }
+  const std::pair<const char*, int> levels[] = {{"99", 9}, {"0", 1}, {"-1", 1}, {"4", 4}};
+  for (const auto& [value, level] : levels) {
+    file.Set("options", "CompressLevel", value);
+    EXPECT_EQ(Loaded().compressLevel, level) << value;
+  }
   file.Set("form", "Height", "1e300");
   EXPECT_GT(LoadGeometry(file).height, 0) << "a number of any size stays a height";
 }
@@ -99,6 +104,45 @@ TEST_F(SettingsTest, SurviveEveryFailureOfTheDiskWhole) {
     EXPECT_EQ(folder.Names().size(), 3U) << k << ": nothing stays beside the file";
   }
   FAIL() << "the sweep never ended";
+}
+
+TEST_F(SettingsTest, AreOnTheMediumBeforeTheyTakeTheirName) {
+  FaultyFiles files(posix);
+  SettingsFile saved(files, path);
+  std::string order;
+  files.before = [&order](const Operation& operation) {
+    for (const char* name : {"File.Sync", "Files.Rename", "Files.SyncFolder"})
+      if (operation.name == name) order += operation.name + " ";
+  };
+  saved.Save();
+  EXPECT_EQ(order, "File.Sync Files.Rename Files.SyncFolder ");
+}
+
+TEST_F(SettingsTest, SavingKeepsWhatOthersDidToTheFile) {
+  const Path real = folder.Put("real.ini", "[options]\r\nGrid lines=1\r\n[StepbyStep]\r\nShow=No\r\n");
+  const Path link = folder / "link.ini";
+  std::filesystem::create_symlink("real.ini", link);
+  SettingsFile linked(posix, link);
+  EXPECT_EQ(linked.Get("options", "Grid lines", ""), "1") << "lines end by CR LF";
+  WriteAll(real, "[options]\nSize=0\n");
+  linked.Set("option", "Tabs", "1");
+  linked.Save();
+  EXPECT_TRUE(std::filesystem::is_symlink(link));
+  EXPECT_EQ(ReadAll(real), "[option]\nTabs=1\n[options]\nSize=0\n");
+  EXPECT_FALSE(linked.Find("StepbyStep", "Show")) << "removed by hand";
+}
+
+TEST_F(SettingsTest, WhatCannotBeReadIsNotReplaced) {
+  const std::string large((1 << 20) + 1, '\n');
+  SettingsFile other(posix, folder.Put("large.ini", large));
+  EXPECT_THROW(other.Save(), Error);
+  EXPECT_EQ(ReadAll(folder / "large.ini").size(), large.size());
+  FaultyFiles files(posix);
+  const Path mine = folder.Put("mine.ini", "[a]\nb=c\n");
+  files.Fail({.times = Times::FromThenOn,
+              .counts = [](const auto& each) { return each.name == "Files.OpenToRead"; }});
+  EXPECT_THROW(SettingsFile(files, mine).Save(), Error);
+  EXPECT_EQ(ReadAll(mine), "[a]\nb=c\n");
 }
 
 TEST_F(SettingsTest, TakeRubbishForNoSettings) {

@@ -22,6 +22,15 @@ TEST_F(PosixFilesTest, OpensNothingButRegularFilesAndNeverBlocks) {
   }
 }
 
+TEST_F(PosixFilesTest, CanonicalIsOnePathForEverySpelling) {
+  folder.Put("dir/f", "x");
+  Link("dir/f", "link");
+  const Path real = posix.Canonical(folder.Where()) / "dir/f";
+  for (const char* spelling : {"dir/f", "./dir/../dir//f", "link"})
+    EXPECT_EQ(posix.Canonical(folder / spelling), real) << spelling;
+  EXPECT_EQ(NumberOf([&] { posix.Canonical(folder / "gone"); }), ErrorNumber::FileNotFound);
+}
+
 TEST_F(PosixFilesTest, NewFilesAndFoldersHaveExactlyTheirModeWhateverTheUmask) {
   for (const mode_t umask : {0000U, 0377U}) {
     const Umask changed(umask);

@@ -2,7 +2,9 @@
 
 #include <QComboBox>
 #include <QLabel>
+#include <QTabBar>
 #include <QTabWidget>
+#include <set>
 
 #include "base/formats.h"
 #include "carrier/forms/carrier_pass.h"
@@ -93,6 +95,32 @@ TEST_F(OpenTest, WrongPasswordIsDeniedAndLeadsToANewHideout) {
   EXPECT_TRUE(session->catalogue.Roots().empty());
 }
 
+TEST_F(OpenTest, NoKeyChangesTheSideWhileTrying) {
+  std::set<int> sides;
+  dialogue.script.onYield = [&](std::size_t) {
+    QTest::keyClick(&Find(form, "txt_Pass"), Qt::Key_Tab, Qt::ControlModifier);
+    sides.insert(Tab(form));
+  };
+  Enter("secret");
+  EXPECT_EQ(sides, std::set<int>{0});
+}
+
+TEST_F(CarrierFormsTest, AClickOnATabFocusesTheFieldOfItsSide) {
+  settings->DeleteSection("option");
+  CarrierPass form(carrier.carrier, *session, dialogue, nullptr);
+  form.show();
+  form.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&form));
+  QTabBar& tabs = *Find<QTabWidget>(form, "TabStrip").tabBar();
+  const std::pair<int, const char*> clicks[] = {{0, "txt_Pass"}, {1, "txt_hideout_titel"}, {0, "txt_Pass"}};
+  for (const auto& [tab, field] : clicks) {
+    QTest::mouseClick(&tabs, Qt::LeftButton, {}, tabs.tabRect(tab).center());
+    QCoreApplication::processEvents();
+    ASSERT_NE(QApplication::focusWidget(), nullptr) << tab;
+    EXPECT_EQ(QApplication::focusWidget()->objectName().toStdString(), field);
+  }
+}
+
 TEST_F(OpenTest, CancelWhileTryingStopsTheTriesAndOnlyThenLeaves) {
   bool wasLive = false;
   dialogue.script.onYield = [&](std::size_t) {
@@ -165,6 +193,14 @@ TEST_F(CarrierFileTest, BrowsingRemembersTheFolderAndPassesTheFileOn) {
   EXPECT_EQ(Find<QLineEdit>(form, "CarrierTxt").text().toStdString(), carrier.carrier) << "cancelled";
   Press(form, "Command2");
   EXPECT_EQ(passedOn, std::vector<Path>{carrier.carrier});
+}
+
+TEST_F(CarrierFileTest, PassesAFileOnByItsBytes) {
+  const Path latin = temp.Put("caf\xe9.png", "x");
+  files.answers = {latin};
+  Press(form, "BrowseCmd");
+  Press(form, "Command2");
+  EXPECT_EQ(passedOn, std::vector<Path>{latin});
 }
 
 TEST_F(CarrierFileTest, StartsWhereTheSettingSaysIfThatFolderExists) {

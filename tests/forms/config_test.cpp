@@ -44,6 +44,29 @@ TEST_F(ConfigTest, OkWritesAndCancelDoesNot) {
   EXPECT_EQ(statusBar, false);
 }
 
+TEST_F(ConfigTest, AFailedOkChangesNothing) {
+  temp.Put("home", "a file where the folder of the settings should be");
+  dialogue.script.Expect("main.fault", Answer::Ok);
+  Press(form, "Chk_View_Gridlines");
+  Press(form, "Chk_StatusBar");
+  Press(form, "Cmd_Ok");
+  EXPECT_FALSE(settings->Find("options", "Grid lines"));
+  EXPECT_FALSE(statusBar);
+  Press(form, "Command1");
+  EXPECT_EQ(folders, true) << "the defaults say nothing of the disk";
+}
+
+TEST_F(ConfigTest, FoldersKeepTheirBytes) {
+  const std::string latin = "/data/caf\xe9";
+  for (const char* key : {"Folder Hide Spec", "PreviewTempFolder"})
+    settings->Set("options", key, latin);
+  settings->Set("options", "Folder Hide", "3");
+  Config shown(*session, *this, dialogue, files, nullptr);
+  Press(shown, "Cmd_Ok");
+  EXPECT_EQ(settings->Get("options", "Folder Hide Spec", ""), latin);
+  EXPECT_EQ(settings->Get("options", "PreviewTempFolder", ""), latin);
+}
+
 TEST_F(ConfigTest, SpecifiedFolderAsksForOneAndFallsBackWhereNoneIsChosen) {
   Press(form, "Opt_Hide_Spec");
   EXPECT_EQ(files.asked, 1);

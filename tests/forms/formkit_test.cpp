@@ -45,6 +45,7 @@ TEST(DroppedPath, IsTheFirstFileByteForByte) {
   const std::pair<const char*, const char*> cases[] = {
       {"file:///tmp/a%20b%FF%0A.png\r\nfile:///tmp/second\r\n", "/tmp/a b\xFF\n.png"},
       {"# note\r\nfile://localhost/x", "/x"},
+      {"file://elsewhere.example/etc/passwd", ""},
       {"https://host/x\r\nfile:///y", ""},
       {"", ""},
   };
@@ -84,6 +85,9 @@ TEST(DialogueInWindows, ShowsTextsButtonsPresetAndTheSafeWayOut) {
     EXPECT_EQ(answerOf(box.defaultButton()), preset);
     EXPECT_EQ(answerOf(box.escapeButton()), escape);
   }
+  QMessageBox box;
+  FillBox(box, {.id = "x", .title = "", .text = "", .buttons = Buttons::YesNoOverwriteAll});
+  EXPECT_EQ(box.button(QMessageBox::YesToAll)->text(), QStringLiteral("Overwrite All"));
 }
 
 TEST(Guarded, ShowsWhatAnErrorSaysAndGoesOn) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractItemView>
+#include <QClipboard>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QHeaderView>
@@ -86,6 +87,7 @@ TEST_F(MainWindowTest, OpensACarrierThroughTheWholeRoadAndClosesIt) {
   window->show();
   EXPECT_EQ(window->windowTitle(), QStringLiteral(" Tarnel 7.0"));
   EXPECT_FALSE(Item("Menu_New_Carrier").isVisible());
+  EXPECT_FALSE(Item("Menu_Info").icon().isNull());
   EXPECT_TRUE(Item("New").isVisible());
   const auto expectUsable = [this](bool isOpen) {
     for (const char* item : {"manu_close", "Menu_Extract", "Extract"})
@@ -158,6 +160,82 @@ TEST_F(MainWindowTest, DoubleClickOnAFileDoesWhatTheSettingSays) {
   QTest::keyClick(&List(), Qt::Key_Return);
   QTest::keyClick(&List(), Qt::Key_Delete);
   EXPECT_EQ(LastText(), cases[2].second);
+}
+
+TEST_F(MainWindowTest, ADoubleClickRunsNothingWhileReading) {
+  OpenCarrier();
+  settings->Set("options", "Mouse_Event", "Extract");
+  session->ReloadSettings();
+  session->guards.ReadingBusy = true;
+  DoubleClick(List(), Row(1));
+  session->guards.ReadingBusy = false;
+  EXPECT_EQ(LastText(), "");
+}
+
+TEST_F(MainWindowTest, LoadingTheSettingsAgainKeepsTheSelectedRows) {
+  OpenCarrier();
+  Click(List(), Row(1));
+  session->ReloadSettings();
+  EXPECT_EQ(List().selectionModel()->selectedIndexes(), QModelIndexList{Row(1)});
+}
+
+TEST_F(MainWindowTest, CommandsOfTheTreeWorkOnTheHighlightedNode) {
+  OpenCarrier();
+  const auto expectCurrent = [this](const char* how, const char* name) {
+    EXPECT_EQ(Tree().currentIndex().data().toString().toStdString(), name) << how;
+    EXPECT_EQ(session->SelectedNode()->text, name) << how;
+  };
+  const QModelIndex root = Tree().model()->index(0, 0);
+  const QPoint title = Tree().visualRect(root).center();
+  const QPoint docs = Tree().visualRect(Tree().model()->index(0, 0, root)).center();
+  QTest::mousePress(Tree().viewport(), Qt::RightButton, {}, docs);
+  expectCurrent("right button", "docs");
+  QTest::mouseRelease(Tree().viewport(), Qt::RightButton, {}, docs);
+  QTest::mousePress(Tree().viewport(), Qt::LeftButton, {}, title);
+  QTest::mouseRelease(Tree().viewport(), Qt::LeftButton, {}, docs + QPoint(0, 200));
+  expectCurrent("released beside it", "Title");
+}
+
+TEST_F(MainWindowTest, OneFileHasOneRootHoweverItIsSpelled) {
+  OpenCarrier();
+  std::filesystem::create_symlink(carrier.carrier, temp / "link");
+  for (const Path& spelling : {carrier.folder / "./carrier.bin", temp / "link"}) {
+    ExpectPassword();
+    dialogue.script.Expect("load.reload", Answer::Yes);
+    window->StartWith(spelling);
+  }
+  EXPECT_EQ(session->catalogue.Roots().size(), 1U);
+}
+
+TEST_F(MainWindowTest, GivesNoHiddenNameToTheClipboard) {
+  OpenCarrier();
+  QGuiApplication::clipboard()->setText(QStringLiteral("before"));
+  for (QTreeView* const view : {&List(), &Tree()}) {
+    Click(*view, view->model()->index(0, 0));
+    QTest::keyClick(view, Qt::Key_C, Qt::ControlModifier);
+  }
+  EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("before"));
+}
+
+TEST_F(MainWindowTest, TheMenuOfTheListOpensUnderThePointer) {
+  OpenCarrier();
+  auto& menu = Find<QMenu>(*window, "Menu_Actions");
+  emit List().customContextMenuRequested({20, 10});
+  EXPECT_EQ(menu.pos(), List().viewport()->mapToGlobal(QPoint(20, 10)));
+  menu.close();
+}
+
+TEST_F(MainWindowTest, SurvivesFoldersOfAnyDepth) {
+  std::string folder = "a";
+  for (int i = 1; i < 30'000; ++i)
+    folder += "\\a";
+  carrier.Hide({.name = "deep.txt", .folder = folder});
+  OpenCarrier();
+  DoubleClick(List(), Row(0));
+  QTest::keyClick(&Tree(), Qt::Key_Asterisk);
+  EXPECT_TRUE(Tree().isExpanded(Tree().currentIndex()));
+  Trigger("manu_close");
+  EXPECT_EQ(Tree().model()->rowCount(), 0);
 }
 
 TEST_F(MainWindowTest, SortsByAClickOnAHeader) {
@@ -285,11 +363,16 @@ TEST_F(MainWindowTest, OpensTheFirstDroppedFileWhereverItFalls) {
       Press(form, "Cmd_Cancel");
     });
     QWidget& target = Find(*window, place);
-    QDragEnterEvent enter(QPoint(1, 1), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    const auto both = Qt::CopyAction | Qt::MoveAction;
+    QDragEnterEvent enter(QPoint(1, 1), both, &data, Qt::LeftButton, Qt::ShiftModifier);
     QApplication::sendEvent(&target, &enter);
-    QDropEvent drop(QPointF(1, 1), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QDropEvent drop(QPointF(1, 1), both, &data, Qt::LeftButton, Qt::ShiftModifier);
+    drop.setDropAction(Qt::MoveAction);
     QApplication::sendEvent(&target, &drop);
-    EXPECT_EQ(asked, 1) << place;
+    EXPECT_TRUE(drop.isAccepted());
+    EXPECT_EQ(drop.dropAction(), Qt::CopyAction) << "a source that was told of a move deletes its file";
+    EXPECT_EQ(asked, 0) << "the source is answered first";
+    EXPECT_TRUE(QTest::qWaitFor([&asked] { return asked == 1; })) << place;
   }
   window->StartWith(temp.Where());
   window->StartWith(temp / "missing");

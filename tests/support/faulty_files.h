@@ -57,6 +57,7 @@ class FaultyFiles : public Files {
   std::optional<FileStat> Stat(const Path& path, Links links = Links::Follow) override {
     return Enter("Files.Stat", path).Stat(path, links);
   }
+  Path Canonical(const Path& path) override { return Enter("Files.Canonical", path).Canonical(path); }
   std::unique_ptr<File> OpenToRead(const Path& path) override;
   std::unique_ptr<File> OpenToChange(const Path& path) override;
   std::unique_ptr<File> CreateNew(const Path& path, mode_t mode) override;

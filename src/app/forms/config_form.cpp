@@ -7,7 +7,6 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalBlocker>
@@ -16,12 +15,13 @@
 #include <QTabBar>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <utility>
 
 #include "app/forms/config_password_page.h"
 #include "app/questions.h"
 #include "formkit/guarded.h"
 #include "formkit/layouts.h"
-#include "formkit/text.h"
+#include "formkit/path_field.h"
 
 namespace tarnel {
 
@@ -118,8 +118,8 @@ QAbstractButton* Config::MakeOption(std::size_t group, std::size_t option, const
   return button;
 }
 
-QLineEdit* Config::MakeFolderText(const char* name) {
-  auto* const text = Named(new QLineEdit, name);
+PathField* Config::MakeFolderText(const char* name) {
+  auto* const text = Named(new PathField, name);
   text->setAccessibleName(tr("Specified folder"));
   text->installEventFilter(this);
   return text;
@@ -178,7 +178,7 @@ QWidget* Config::MakeFoldersPage() {
 QWidget* Config::MakeFolderBox(std::size_t group, const char* name, const QString& caption,
                                const QString& last) {
   QAbstractButton* const specified = MakeOption(group, 2, tr("Specified folder:"));
-  QLineEdit* const text = MakeFolderText(ConfigGroups()[group].folderControl);
+  PathField* const text = MakeFolderText(ConfigGroups()[group].folderControl);
   m_folders[group] = text;
   connect(specified, &QAbstractButton::clicked, this, [this, text] { AskForFolderIfEmpty(text); });
   return Box(
@@ -255,10 +255,10 @@ void Config::ShowValues(const ConfigValues& values) {
       button->setChecked(false);
     m_groups[i]->setExclusive(true);
     if (values.chosen[i]) m_groups[i]->button(static_cast<int>(*values.chosen[i]))->setChecked(true);
-    if (m_folders[i] != nullptr) m_folders[i]->setText(QString::fromStdString(values.folders[i]));
+    if (m_folders[i] != nullptr) m_folders[i]->SetPath(values.folders[i]);
   }
   m_level->setValue(values.compressLevel);
-  m_viewFolder->setText(QString::fromStdString(values.previewTempFolder));
+  m_viewFolder->SetPath(values.previewTempFolder);
 }
 
 ConfigValues Config::Values() const {
@@ -268,10 +268,10 @@ ConfigValues Config::Values() const {
   for (std::size_t i = 0; i < m_groups.size(); ++i) {
     const int chosen = m_groups[i]->checkedId();
     values.chosen.push_back(chosen < 0 ? std::nullopt : std::optional(static_cast<std::size_t>(chosen)));
-    values.folders.push_back(m_folders[i] == nullptr ? std::string() : m_folders[i]->text().toStdString());
+    values.folders.push_back(m_folders[i] == nullptr ? std::string() : m_folders[i]->EnteredPath().native());
   }
   values.compressLevel = m_level->value();
-  values.previewTempFolder = m_viewFolder->text().toStdString();
+  values.previewTempFolder = m_viewFolder->EnteredPath().native();
   return values;
 }
 
@@ -287,7 +287,7 @@ void Config::ChangeTab(int tab) {
 }
 
 bool Config::eventFilter(QObject* watched, QEvent* event) {
-  auto* const text = qobject_cast<QLineEdit*>(watched);
+  auto* const text = qobject_cast<PathField*>(watched);
   if (text != nullptr && event->type() == QEvent::MouseButtonRelease) {
     AskForFolderIfEmpty(text);
   } else if (text != nullptr && event->type() == QEvent::MouseButtonDblClick) {
@@ -297,16 +297,16 @@ bool Config::eventFilter(QObject* watched, QEvent* event) {
   return QDialog::eventFilter(watched, event);
 }
 
-void Config::AskForFolderIfEmpty(QLineEdit* text) {
+void Config::AskForFolderIfEmpty(PathField* text) {
   if (text->text().isEmpty()) AskForFolder(text);
 }
 
-void Config::AskForFolder(QLineEdit* text) {
+void Config::AskForFolder(PathField* text) {
   Guarded(m_dialogue, [this, text] {
     const auto folder = m_fileDialogs.ChooseFolder(this, tr("Select the default folder."),
-                                                   tr("Specified folder:"), PathOf(text->text()));
+                                                   tr("Specified folder:"), text->EnteredPath());
     if (folder) {
-      text->setText(QString::fromStdString(folder->native()));
+      text->SetPath(*folder);
     } else if (text->text().isEmpty()) {
       FallBack(text);
     }
@@ -314,26 +314,33 @@ void Config::AskForFolder(QLineEdit* text) {
 }
 
 /// The group of an empty folder box goes back to the system's folder.
-void Config::FallBack(const QLineEdit* text) {
+void Config::FallBack(const PathField* text) {
   for (std::size_t i = 0; i < m_folders.size(); ++i) {
     if (m_folders[i] == text) m_groups[i]->button(0)->setChecked(true);
   }
   if (text == m_viewFolder) m_flags[FlagIndex("Opt_viewtempfolder")]->setChecked(true);
 }
 
+/// Nothing changes before everything is on disk, so that Cancel still leaves all as it was.
 void Config::PressOk() {
+  SettingsFile changed = m_session.settingsFile;
+  WriteConfig(Values(), changed);
+  changed.Save();
+  m_session.settingsFile = std::move(changed);
   m_window.ShowStatusBar(m_flags[FlagIndex("Chk_StatusBar")]->isChecked());
-  WriteConfig(Values(), m_session.settingsFile);
-  m_session.settingsFile.Save();
   accept();
 }
 
+/// A disk that keeps the old settings changes nothing about the defaults of this run.
 void Config::LoadDefaults() {
   DeleteConfig(m_session.settingsFile);
+  try {
+    m_session.settingsFile.Save();
+  } catch (const Error&) {  // as above
+  }
   m_session.ReloadSettings();
   ShowValues(ReadConfig(m_session.settingsFile));
   m_window.ShowFolders(true);
-  m_session.settingsFile.Save();
 }
 
 }  // namespace tarnel

@@ -12,7 +12,6 @@ class QAbstractButton;
 class QButtonGroup;
 class QCheckBox;
 class QGroupBox;
-class QLineEdit;
 class QSlider;
 class QStackedWidget;
 class QTabBar;
@@ -21,6 +20,7 @@ class QVBoxLayout;
 namespace tarnel {
 
 class ConfigPasswordPage;
+class PathField;
 
 /// What Config does to the main window at once.
 class ConfigurableWindow {
@@ -56,14 +56,14 @@ class Config : public QDialog {
   QWidget* MakeLevelRow();
   QCheckBox* MakeFlag(const char* control, const QString& caption);
   QAbstractButton* MakeOption(std::size_t group, std::size_t option, const QString& caption);
-  QLineEdit* MakeFolderText(const char* name);
+  PathField* MakeFolderText(const char* name);
 
   void ShowValues(const ConfigValues& values);
   ConfigValues Values() const;
   void ChangeTab(int tab);
-  void AskForFolderIfEmpty(QLineEdit* text);
-  void AskForFolder(QLineEdit* text);
-  void FallBack(const QLineEdit* text);
+  void AskForFolderIfEmpty(PathField* text);
+  void AskForFolder(PathField* text);
+  void FallBack(const PathField* text);
   void PressOk();
   void LoadDefaults();
 
@@ -77,10 +77,10 @@ class Config : public QDialog {
   ConfigPasswordPage* m_passwordPage;
   std::vector<QAbstractButton*> m_flags;  ///< in the order of ConfigFlags
   std::vector<QButtonGroup*> m_groups;    ///< in the order of ConfigGroups
-  std::vector<QLineEdit*> m_folders;      ///< for each group; null where it has none
+  std::vector<PathField*> m_folders;      ///< for each group; null where it has none
   QSlider* m_level = nullptr;
   QAbstractButton* m_extractTo = nullptr;
-  QLineEdit* m_viewFolder = nullptr;
+  PathField* m_viewFolder = nullptr;
 };
 
 }  // namespace tarnel

@@ -11,22 +11,37 @@ DirViewModel::DirViewModel(const Catalogue& catalogue, QObject* parent)
 void DirViewModel::Rebuild() {
   beginResetModel();
   m_top.children.clear();
-  for (const auto& root : m_catalogue.Roots())
-    AddChild(m_top, *root);
+  m_itemOfNode.clear();
+  m_items.clear();
+  AddItems();
   endResetModel();
 }
 
-void DirViewModel::AddChild(Item& parent, TreeNode& node) {
-  auto item = std::make_unique<Item>();
-  item->node = &node;
-  item->parent = &parent;
-  item->row = static_cast<int>(parent.children.size());
-  item->text = ShownText(node.text);
-  const std::string key = node.hideout->carrier.string() + '\0' + node.FolderPath();
-  item->key = QString::fromLatin1(key.data(), static_cast<qsizetype>(key.size()));
-  for (const auto& child : node.children)
-    AddChild(*item, *child);
-  parent.children.push_back(std::move(item));
+/// Level by level: each item's children come when it is its turn.
+void DirViewModel::AddItems() {
+  Keys keys;
+  for (const auto& root : m_catalogue.Roots())
+    AddItem(m_top, *root, keys);
+  for (std::size_t next = 0; next < m_items.size(); ++next) {
+    Item& item = *m_items[next];
+    for (const auto& child : item.node->children)
+      AddItem(item, *child, keys);
+  }
+  m_keys = std::move(keys);
+}
+
+void DirViewModel::AddItem(Item& parent, TreeNode& node, Keys& keys) {
+  Place place(parent.key, node.IsRoot() ? node.hideout->carrier.native() : node.text);
+  const auto known = m_keys.find(place);
+  auto item = std::make_unique<Item>(Item{.node = &node,
+                                          .parent = &parent,
+                                          .row = static_cast<int>(parent.children.size()),
+                                          .text = ShownText(node.text),
+                                          .key = known == m_keys.end() ? ++m_lastKey : known->second});
+  keys.emplace(std::move(place), item->key);
+  m_itemOfNode.insert(&node, item.get());
+  parent.children.push_back(item.get());
+  m_items.push_back(std::move(item));
 }
 
 const DirViewModel::Item& DirViewModel::ItemAt(const QModelIndex& index) const {
@@ -41,29 +56,20 @@ TreeNode* DirViewModel::NodeAt(const QModelIndex& index) const {
   return ItemAt(index).node;
 }
 
-QString DirViewModel::KeyAt(const QModelIndex& index) const {
+quint64 DirViewModel::KeyAt(const QModelIndex& index) const {
   return ItemAt(index).key;
 }
 
 QModelIndexList DirViewModel::All() const {
   QModelIndexList indexes;
-  for (const auto& root : m_top.children)
-    Collect(*root, indexes);
+  for (const auto& item : m_items)
+    indexes << IndexOf(*item);
   return indexes;
 }
 
-void DirViewModel::Collect(const Item& item, QModelIndexList& indexes) const {
-  indexes << IndexOf(item);
-  for (const auto& child : item.children)
-    Collect(*child, indexes);
-}
-
 QModelIndex DirViewModel::IndexOf(const TreeNode* node) const {
-  if (node == nullptr) return {};
-  for (const QModelIndex& index : All()) {
-    if (NodeAt(index) == node) return index;
-  }
-  return {};
+  const Item* const item = m_itemOfNode.value(node);
+  return item == nullptr ? QModelIndex() : IndexOf(*item);
 }
 
 QModelIndex DirViewModel::index(int row, int column, const QModelIndex& parent) const {

@@ -1,7 +1,11 @@
 #pragma once
 
 #include <QAbstractItemModel>
+#include <QHash>
+#include <map>
 #include <memory>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "carrier/catalogue.h"
@@ -9,7 +13,8 @@
 namespace tarnel {
 
 /// The tree of open hideouts and their folders, as it was at the last Rebuild. Between two of them nodes may
-/// come and go in the catalogue; NodeAt is for use only while none did.
+/// come and go in the catalogue; NodeAt is for use only while none did. Hostile folder texts nest deeper than
+/// a stack goes, so nothing here calls itself, and a node costs the same at any depth.
 class DirViewModel : public QAbstractItemModel {
   Q_OBJECT
 
@@ -20,8 +25,8 @@ class DirViewModel : public QAbstractItemModel {
   TreeNode* NodeAt(const QModelIndex& index) const;
   QModelIndex IndexOf(const TreeNode* node) const;
 
-  /// Tells nodes apart beyond a Rebuild: carrier and folder.
-  QString KeyAt(const QModelIndex& index) const;
+  /// Tells nodes apart beyond a Rebuild: the same carrier and folder keep it as long as they are there.
+  quint64 KeyAt(const QModelIndex& index) const;
   /// All indexes, parents before children.
   QModelIndexList All() const;
 
@@ -37,17 +42,24 @@ class DirViewModel : public QAbstractItemModel {
     Item* parent = nullptr;
     int row = 0;
     QString text;
-    QString key;
-    std::vector<std::unique_ptr<Item>> children;
+    quint64 key = 0;
+    std::vector<Item*> children = {};
   };
+  /// The key of the node above and the carrier of a root, or the name of a folder.
+  using Place = std::pair<quint64, std::string>;
+  using Keys = std::map<Place, quint64>;
 
-  void AddChild(Item& parent, TreeNode& node);
+  void AddItems();
+  void AddItem(Item& parent, TreeNode& node, Keys& keys);
   const Item& ItemAt(const QModelIndex& index) const;
   QModelIndex IndexOf(const Item& item) const;
-  void Collect(const Item& item, QModelIndexList& indexes) const;
 
   const Catalogue& m_catalogue;
   Item m_top;
+  std::vector<std::unique_ptr<Item>> m_items;  ///< parents before children
+  QHash<const TreeNode*, const Item*> m_itemOfNode;
+  Keys m_keys;
+  quint64 m_lastKey = 0;
 };
 
 }  // namespace tarnel

@@ -44,7 +44,6 @@ void FileListModel::Rebuild() {
   beginResetModel();
   m_columns = m_session.fileList.Columns();
   m_rowCount = static_cast<int>(m_session.fileList.Rows().size());
-  m_hasFullRows = m_session.settings.fullRowSelect;
   endResetModel();
 }
 
@@ -82,7 +81,7 @@ QVariant FileListModel::headerData(int section, Qt::Orientation orientation, int
 
 Qt::ItemFlags FileListModel::flags(const QModelIndex& index) const {
   const Qt::ItemFlags plain = Qt::ItemIsEnabled | Qt::ItemNeverHasChildren;
-  return index.column() == 0 || m_hasFullRows ? plain | Qt::ItemIsSelectable : plain;
+  return index.column() == 0 || m_session.settings.fullRowSelect ? plain | Qt::ItemIsSelectable : plain;
 }
 
 QIcon FileListModel::IconOf(const FileListRow& row) const {

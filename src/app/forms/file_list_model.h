@@ -34,7 +34,6 @@ class FileListModel : public QAbstractTableModel {
   const Session& m_session;
   std::vector<Column> m_columns;
   int m_rowCount = 0;
-  bool m_hasFullRows = false;
   mutable QHash<int, QIcon> m_icons;
 };
 

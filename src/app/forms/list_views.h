@@ -1,11 +1,13 @@
 #pragma once
 
+#include <QPersistentModelIndex>
 #include <QStyledItemDelegate>
 #include <QTreeView>
 
 namespace tarnel {
 
-/// The tree of hideouts. A node is clicked by the mouse, or by the keys that move to it.
+/// The tree of hideouts. A node is clicked by the mouse, with either button, or by the keys that move to it,
+/// so that the highlighted node always is the one that was clicked last. Names don't go to the clipboard.
 class DirTree : public QTreeView {
   Q_OBJECT
 
@@ -17,9 +19,16 @@ class DirTree : public QTreeView {
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+
+ private:
+  void ClickIfMoved();
+
+  QPersistentModelIndex m_clicked;  ///< current when the mouse was pressed, or clicked since
 };
 
-/// The list of hidden files, with lines between the cells if wanted.
+/// The list of hidden files, with lines between the cells if wanted. Names don't go to the clipboard.
 class FileTable : public QTreeView {
   Q_OBJECT
 

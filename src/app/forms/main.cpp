@@ -1,13 +1,11 @@
 #include <QApplication>
 #include <QDesktopServices>
-#include <QTimer>
 #include <QUrl>
+#include <algorithm>
 #include <cstdlib>
 
-#include "app/forms/file_list_model.h"
-#include "app/forms/main_window.h"
+#include "app/forms/program.h"
 #include "app/instance_lock.h"
-#include "app/questions.h"
 #include "base/core_dumps.h"
 #include "crypto/keys.h"
 #include "formkit/dialogue_in_windows.h"
@@ -16,42 +14,30 @@
 
 namespace {
 
-constexpr int kEndDelay = 50;
-
 void EndProcess() {
   tarnel::ForgetKeys();
   std::_Exit(EXIT_SUCCESS);
 }
 
-/// The whole command line is one path, blanks included. A hideout is known by its carrier's path, so that a
-/// relative one would be another carrier than the same file chosen in a dialog.
-tarnel::Path CommandLinePath(int argc, char** argv) {
-  std::string line;
-  for (int i = 1; i < argc; ++i)
-    line += (i > 1 ? " " : "") + std::string(argv[i]);
-  return line.empty() ? tarnel::Path() : std::filesystem::absolute(line);
+int RunEvents() {
+  QApplication::setQuitOnLastWindowClosed(true);
+  return QApplication::exec();
 }
 
-int RunProgram(int argc, char** argv) {
+int RunOnThisMachine(const std::vector<std::string>& arguments, tarnel::Dialogue& dialogue) {
   using namespace tarnel;
   PosixFiles files;
-  SettingsFile settings(files, UserSettingsPath());
-  const InstanceLock instance(files, InstanceLockPath(UserSettingsPath()));
-  DialogueInWindows dialogue;
   TracelessFileDialogs fileDialogs;
-  if (instance.IsOtherRunning()) {
-    dialogue.Ask(AlreadyRunningMessage());
-    QTimer::singleShot(kEndDelay, EndProcess);
-  }
-  Session session(files, settings, TypeTextOf);
-  MainWindow window(session, {.dialogue = dialogue,
-                              .fileDialogs = fileDialogs,
-                              .openOutside = [](const QUrl& url) { QDesktopServices::openUrl(url); },
-                              .endProcess = EndProcess});
-  window.StartWith(CommandLinePath(argc, argv));
-  window.show();
-  QApplication::setQuitOnLastWindowClosed(true);
-  const int code = QApplication::exec();
+  const int code =
+      RunProgram(CommandLinePath(arguments),
+                 {.files = files,
+                  .settings = UserSettingsPath(),
+                  .instancePlaces = InstanceLockPlaces(UserSettingsPath()),
+                  .window = {.dialogue = dialogue,
+                             .fileDialogs = fileDialogs,
+                             .openOutside = [](const QUrl& url) { QDesktopServices::openUrl(url); },
+                             .endProcess = EndProcess},
+                  .runEvents = RunEvents});
   ForgetKeys();
   return code;
 }
@@ -62,11 +48,12 @@ int main(int argc, char** argv) {
   tarnel::ForbidCoreDumps(tarnel::Dumpable::Kept);
   QApplication::setApplicationName(QStringLiteral("tarnel"));
   QApplication::setDesktopFileName(QStringLiteral("tarnel"));
-  QApplication application(argc, argv);
+  QApplication application(argc, argv);  // takes its own arguments away
+  const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
   QApplication::setWindowIcon(tarnel::OwnIcon("tarnel"));
   QApplication::setQuitOnLastWindowClosed(false);  // forms may come and go before the main window
   int code = EXIT_FAILURE;
   tarnel::DialogueInWindows dialogue;
-  tarnel::Guarded(dialogue, [&] { code = RunProgram(argc, argv); });
+  tarnel::Guarded(dialogue, [&] { code = RunOnThisMachine(arguments, dialogue); });
   return code;
 }

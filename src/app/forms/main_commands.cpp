@@ -18,6 +18,16 @@ namespace {
 
 constexpr FileFilter kTnlFilter = {"Tarnel file (*.tnl)", "*.tnl"};
 
+/// A hideout is known by its carrier's path, so one file must have one, however it was spelled. What leads
+/// nowhere stays as it is: whoever opens it says so.
+Path OneName(const Path& carrier, Files& files) {
+  try {
+    return files.Canonical(carrier);
+  } catch (const Error&) {
+    return carrier;
+  }
+}
+
 /// True from here to the end of the scope.
 class Requested {
  public:
@@ -118,7 +128,7 @@ void MainCommands::ChooseCarrier() {
 void MainCommands::OpenCarrier(const Path& carrier) {
   // At a start with a carrier the main window comes later; a form stands in the middle of a visible one.
   QWidget* const parent = m_parent.isVisible() ? &m_parent : nullptr;
-  CarrierPass(carrier, m_session, m_ports.dialogue, parent).exec();
+  CarrierPass(OneName(carrier, m_session.files), m_session, m_ports.dialogue, parent).exec();
 }
 
 void MainCommands::Hide(const Command& command) {

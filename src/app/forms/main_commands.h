@@ -43,7 +43,7 @@ class MainCommands {
   /// Asks a locked program's user for the password; true lets one command pass.
   bool PassGate();
 
-  /// Goes on to the password of a carrier. No gate applies.
+  /// Goes on to the password of a carrier, however its path is spelled. No gate applies.
   void OpenCarrier(const Path& carrier);
 
  private:

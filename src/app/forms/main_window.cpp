@@ -35,6 +35,11 @@ bool IsFile(const Path& path, Files& files) {
   return stat && stat->kind != FileKind::Folder;
 }
 
+void AcceptCopy(QDropEvent& event) {
+  event.setDropAction(Qt::CopyAction);
+  event.setAccepted(event.possibleActions().testFlag(Qt::CopyAction));
+}
+
 }  // namespace
 
 MainWindow::MainWindow(Session& session, const WindowPorts& ports)
@@ -51,6 +56,7 @@ MainWindow::MainWindow(Session& session, const WindowPorts& ports)
   m_session.SetView(this);
   RestoreGeometry();
   FileListChanged();
+  SettingsChanged();
   ShowFolders(true);
   ShowStatusBar(
       m_session.settingsFile.Flag(section::kOptions, setting::kStatusBar.key, setting::kStatusBar.preset));
@@ -114,12 +120,17 @@ void MainWindow::ConnectAll() {
 }
 
 void MainWindow::ShowContextMenus() {
-  const std::pair<QWidget*, const char*> menus[] = {
-      {m_dirView, "Menu_File"}, {m_fileList, "Menu_Actions"}, {m_status, "mnuStatusbar"}};
-  for (const auto& [widget, menu] : menus) {
+  const struct {
+    QWidget* widget;
+    QWidget* place;  ///< what the widget counts points from
+    const char* menu;
+  } menus[] = {{m_dirView, m_dirView->viewport(), "Menu_File"},
+               {m_fileList, m_fileList->viewport(), "Menu_Actions"},
+               {m_status, m_status, "mnuStatusbar"}};
+  for (const auto& [widget, place, menu] : menus) {
     connect(widget, &QWidget::customContextMenuRequested, this,
-            [this, widget = widget, menu = menu](const QPoint& at) {
-              m_actions->MenuOf(menu)->popup(widget->mapToGlobal(at));
+            [this, place = place, menu = menu](const QPoint& at) {
+              m_actions->MenuOf(menu)->popup(place->mapToGlobal(at));
             });
   }
 }
@@ -166,12 +177,17 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
-  if (event->mimeData()->hasUrls()) event->acceptProposedAction();
+  if (event->mimeData()->hasUrls()) AcceptCopy(*event);
+}
+
+void MainWindow::dragMoveEvent(QDragMoveEvent* event) {
+  AcceptCopy(*event);
 }
 
 void MainWindow::dropEvent(QDropEvent* event) {
-  event->acceptProposedAction();
-  StartWith(FirstDroppedPath(*event->mimeData()));
+  AcceptCopy(*event);
+  if (!event->isAccepted()) return;
+  QTimer::singleShot(0, this, [this, path = FirstDroppedPath(*event->mimeData())] { StartWith(path); });
 }
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
@@ -196,8 +212,8 @@ void MainWindow::SetAttention(Attention view) {
 }
 
 void MainWindow::TreeChanged() {
-  QSet<QString> known;
-  QSet<QString> expanded;
+  QSet<quint64> known;
+  QSet<quint64> expanded;
   for (const QModelIndex& index : m_dirModel->All()) {
     known << m_dirModel->KeyAt(index);
     if (m_dirView->isExpanded(index)) expanded << m_dirModel->KeyAt(index);
@@ -205,7 +221,7 @@ void MainWindow::TreeChanged() {
   m_dirModel->Rebuild();
   const Attention attention = m_session.ActiveListHwnd;
   for (const QModelIndex& index : m_dirModel->All()) {
-    const QString key = m_dirModel->KeyAt(index);
+    const quint64 key = m_dirModel->KeyAt(index);
     const bool isNewRoot = !index.parent().isValid() && !known.contains(key);
     if (isNewRoot || expanded.contains(key)) m_dirView->expand(index);
   }
@@ -220,9 +236,12 @@ void MainWindow::FileListChanged() {
   } else {
     m_fileModel->Rebuild();
   }
+  ShowSorting();
+}
+
+void MainWindow::SettingsChanged() {
   m_fileList->SetFullRowSelect(m_session.settings.fullRowSelect);
   m_fileList->SetGridLines(m_session.settings.gridLines);
-  ShowSorting();
 }
 
 /// A column keeps its width; one that comes anew has the width of the last start.

@@ -31,13 +31,17 @@ class MainWindow : public QMainWindow, private SessionView, private CommandedWin
  protected:
   /// Gate, then geometry and columns go to the settings if the user wants that.
   void closeEvent(QCloseEvent* event) override;
+  /// A drop copies, whatever its source proposes, for one that is told of a move deletes its file.
   void dragEnterEvent(QDragEnterEvent* event) override;
+  void dragMoveEvent(QDragMoveEvent* event) override;
+  /// The carrier is opened when the source of the drop has been answered.
   void dropEvent(QDropEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void TreeChanged() override;
   void FileListChanged() override;
+  void SettingsChanged() override;
   void ShowStatusBar(bool isShown) override;
   void ShowFolders(bool isShown) override;
   bool IsStatusBarShown() const override;

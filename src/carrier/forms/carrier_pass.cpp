@@ -188,7 +188,7 @@ bool CarrierPass::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void CarrierPass::FocusPasswordAfterTitle() {
-  if (isVisible() && m_newPassword->IsEmpty()) m_newPassword->setFocus();
+  if (m_newPassword->isVisible() && m_newPassword->IsEmpty()) m_newPassword->setFocus();
 }
 
 void CarrierPass::PressOk() {
@@ -225,6 +225,7 @@ void CarrierPass::OpenHideout() {
 void CarrierPass::ShowTrying(bool isTrying) {
   m_ok->setEnabled(!isTrying);
   m_tabs->tabBar()->setEnabled(!isTrying);
+  m_tabs->setTabEnabled(static_cast<int>(Side::Create), !isTrying);  // Ctrl+Tab passes the tab bar by
   m_progress->setRange(0, kTries);
   m_progress->setValue(0);
   m_status->setVisible(isTrying);

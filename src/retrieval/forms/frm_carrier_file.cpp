@@ -4,14 +4,13 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
 
 #include "formkit/guarded.h"
 #include "formkit/icons.h"
 #include "formkit/layouts.h"
-#include "formkit/text.h"
+#include "formkit/path_field.h"
 #include "retrieval/forms/questions.h"
 
 namespace tarnel {
@@ -45,7 +44,7 @@ QWidget* FrmCarrierFile::MakeFrame() {
   auto* const picture = Named(new QLabel, "Picture1");
   picture->setPixmap(OwnIcon("carrier").pixmap(QSize(48, 48), devicePixelRatioF()));
   auto* const locate = Named(new QLabel(tr("Locate the carrier file:")), "Label8");
-  m_carrier = Named(new QLineEdit, "CarrierTxt");
+  m_carrier = Named(new PathField, "CarrierTxt");
   m_carrier->setAccessibleName(tr("Carrier file"));
   m_carrier->setMinimumWidth(fontMetrics().averageCharWidth() * 36);
   m_browse = Named(new QPushButton(tr("Browse")), "BrowseCmd");
@@ -81,13 +80,13 @@ void FrmCarrierFile::Browse() {
   m_session.CarrierDialogPath = *chosen;
   m_session.Remember(section::kOptions, "Folder Open Last", chosen->parent_path().native());
   m_session.ReloadSettings();
-  m_carrier->setText(QString::fromStdString(chosen->native()));
+  m_carrier->SetPath(*chosen);
   m_ok->setFocus();
 }
 
 bool FrmCarrierFile::IsFileLocated() const {
   if (m_carrier->text().isEmpty()) return false;
-  const auto stat = m_session.files.Stat(PathOf(m_carrier->text()));
+  const auto stat = m_session.files.Stat(m_carrier->EnteredPath());
   return stat && stat->kind != FileKind::Folder;
 }
 

@@ -7,10 +7,11 @@
 #include "base/dialogue.h"
 #include "formkit/file_dialogs.h"
 
-class QLineEdit;
 class QPushButton;
 
 namespace tarnel {
+
+class PathField;
 
 /// Locates a carrier and hands it on.
 class FrmCarrierFile : public QDialog {
@@ -33,7 +34,7 @@ class FrmCarrierFile : public QDialog {
   FileDialogs& m_fileDialogs;
   std::function<void(const Path&)> m_open;
 
-  QLineEdit* m_carrier;
+  PathField* m_carrier;
   QPushButton* m_browse;
   QPushButton* m_ok;
 };

@@ -1,0 +1,39 @@
+#include "app/forms/program.h"
+
+#include <QTimer>
+
+#include "app/forms/file_list_model.h"
+#include "app/forms/main_window.h"
+#include "app/instance_lock.h"
+#include "app/questions.h"
+
+namespace tarnel {
+
+namespace {
+
+constexpr int kEndDelay = 50;
+
+}  // namespace
+
+int RunProgram(const Path& carrier, const ProgramPorts& ports) {
+  SettingsFile settings(ports.files, ports.settings);
+  const InstanceLock instance(ports.files, ports.instancePlaces);
+  if (instance.IsOtherRunning()) {
+    ports.window.dialogue.Ask(AlreadyRunningMessage());
+    QTimer::singleShot(kEndDelay, ports.window.endProcess);
+  }
+  Session session(ports.files, settings, TypeTextOf);
+  MainWindow window(session, ports.window);
+  window.StartWith(carrier);
+  window.show();
+  return ports.runEvents();
+}
+
+Path CommandLinePath(const std::vector<std::string>& arguments) {
+  std::string line;
+  for (std::size_t i = 0; i < arguments.size(); ++i)
+    line += (i > 0 ? " " : "") + arguments[i];
+  return line.empty() ? Path() : std::filesystem::absolute(line);
+}
+
+}  // namespace tarnel
