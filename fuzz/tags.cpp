@@ -29,14 +29,14 @@ void CutsAtZero(std::string_view text) {
 
 /// Whatever the platform's texts are, a record gives back what was put in.
 void KeepsRecords(Input& input) {
-  const RecordFields fields{.name = ToStored(input.Text(), TextKind::PathComponent),
+  const RecordFields fields{.name = WipedText(ToStored(input.Text(), TextKind::PathComponent)),
                             .plainSize = std::to_string(input.Number()),
                             .storedSize = std::to_string(input.Number()),
                             .attributes = std::to_string(input.Byte()),
                             .date = ToStored(input.Text(), TextKind::Plain),
                             .compressed = std::to_string(input.Byte()),
-                            .folder = ToStored(input.Text(), TextKind::Plain),
-                            .title = ToStored(input.Text(), TextKind::Plain),
+                            .folder = WipedText(ToStored(input.Text(), TextKind::Plain)),
+                            .title = WipedText(ToStored(input.Text(), TextKind::Plain)),
                             .mode = ToStored(input.Text(), TextKind::Plain)};
   for (const RecordWriter writer : {RecordWriter::Hide, RecordWriter::Rewrite}) {
     const WipedText record = BuildRecord(fields, writer);

@@ -130,11 +130,11 @@ bool WantsToLeave(Dialogue& dialogue) {
 }  // namespace
 
 PreviewParcel ParcelOf(const MirrorRow& row) {
-  return {.ViewFileName = std::string(row.Name()),
+  return {.ViewFileName = WipedText(row.Name()),
           .ViewPlainSize = std::string(row.Field(tag::kPlainSize)),
           .ViewCompressed = std::string(row.Field(tag::kCompressed)),
           .ViewAttr = std::string(row.Field(tag::kAttributes)),
-          .ViewFolder = std::string(row.Folder()),
+          .ViewFolder = WipedText(row.Folder()),
           .ViewMode = std::string(row.Field(tag::kMode)),
           .ViewStart = row.start,
           .ViewSize = row.size,

@@ -13,11 +13,11 @@ namespace tarnel {
 /// What viewing and updating know of the entry. An update moves the entry, and changes the parcel with it, so
 /// that the next update finds it.
 struct PreviewParcel {
-  std::string ViewFileName;    ///< stored text, as are the next three and the mode
+  WipedText ViewFileName;      ///< stored text, as are the next three and the mode
   std::string ViewPlainSize;   ///< plain digits
   std::string ViewCompressed;  ///< "0" if stored as it is
   std::string ViewAttr;
-  std::string ViewFolder;
+  WipedText ViewFolder;
   std::string ViewMode;  ///< empty where the attributes say all
   Position ViewStart;
   Length ViewSize = 0;   ///< of the payload

@@ -127,7 +127,7 @@ WipedText Update::Record(Length size, Length stored) const {
                       .date = DateAndTime(std::time(nullptr)),
                       .compressed = IsCompressed() ? std::to_string(m_request.compressionLevel) : "0",
                       .folder = m_old.ViewFolder,
-                      .title = std::string(m_reading.current.CurrentHideoutTitle),
+                      .title = m_reading.current.CurrentHideoutTitle,
                       .mode = m_old.ViewMode},
                      RecordWriter::Rewrite);
 }

@@ -82,14 +82,14 @@ class CarrierBench {
   Length Size() const { return static_cast<Length>(std::filesystem::file_size(carrier)); }
 
   static WipedText RecordOf(const Hidden& hidden, std::size_t payload) {
-    return BuildRecord({.name = ToStored(hidden.name, TextKind::PathComponent),
+    return BuildRecord({.name = WipedText(ToStored(hidden.name, TextKind::PathComponent)),
                         .plainSize = std::to_string(hidden.content.size()),
                         .storedSize = std::to_string(payload),
                         .attributes = "32",
                         .date = "11/22/26 10:00:00",
                         .compressed = "0",
-                        .folder = hidden.folder,
-                        .title = ToStored(hidden.title, TextKind::Plain),
+                        .folder = WipedText(hidden.folder),
+                        .title = WipedText(ToStored(hidden.title, TextKind::Plain)),
                         .mode = hidden.mode},
                        RecordWriter::Hide);
   }
