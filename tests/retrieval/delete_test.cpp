@@ -43,7 +43,7 @@ TEST(Delete, SaysWhereTheNewCarrierLiesIfItCantReplaceTheOldOne) {
                     .counts = [](const Operation& operation) { return operation.name == "Files.Rename"; }});
   bench.rewriteScreen.script.Expect("delete.not-replaced", Answer::Ok);
   EXPECT_EQ(bench.Delete({"a"}).temporary, bench.temporary);
-  EXPECT_EQ(bench.rewriteScreen.script.Asked()[0].text,
+  EXPECT_EQ(bench.rewriteScreen.script.Asked().at(0).text,
             "Error! Carrier file could not be created! Please use the temp file: " +
                 bench.temporary.string() + " as a carrier file.");
 }

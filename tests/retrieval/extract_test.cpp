@@ -115,8 +115,8 @@ TEST_F(Extract, AsksBeforeItReplacesAndRemembersOverwriteAll) {
   EXPECT_EQ(result.keptExisting, 1u);
   EXPECT_EQ(result.extracted, 3u);
   EXPECT_EQ(Content("z") + Content("a") + Content("b") + Content("c"), "oldnewnewnew");
-  EXPECT_EQ(script().Asked()[0].text, "The file: " + (bench.target / "z").string() +
-                                          " is already existing!\r\n\r\nDo you want to overwrite?");
+  EXPECT_EQ(script().Asked().at(0).text, "The file: " + (bench.target / "z").string() +
+                                             " is already existing!\r\n\r\nDo you want to overwrite?");
 }
 
 TEST_F(Extract, NeverReplacesTheCarrierItselfNorAFolder) {
@@ -130,7 +130,7 @@ TEST_F(Extract, NeverReplacesTheCarrierItselfNorAFolder) {
   request.target = bench.folder.Where();
   script().Always("extract.error", Answer::Ignore);
   EXPECT_EQ(bench.Extract(request).leftOut, (Strings{"folder", "link.bin", "carrier.bin"}));
-  EXPECT_EQ(script().Asked()[0].cause->Number(), ErrorNumber::PathFileAccess);
+  EXPECT_EQ(script().Asked().at(0).cause->Number(), ErrorNumber::PathFileAccess);
   EXPECT_EQ(ReadAll(bench.folder / "carrier.bin"), before);
   EXPECT_TRUE(std::filesystem::is_symlink(bench.carrier));
 }
@@ -204,7 +204,7 @@ TEST_F(Extract, SaysWhatIsDamagedAndGoesOnOrEnds) {
   ExtractResult result = bench.Extract(bench.All());
   EXPECT_EQ(result.damaged, Strings{"a"});
   EXPECT_EQ(Out(), Strings{"b"});
-  EXPECT_EQ(script().Asked()[0].text, "Error: 57\n\rcannot extract a: it is damaged or was altered");
+  EXPECT_EQ(script().Asked().at(0).text, "Error: 57\n\rcannot extract a: it is damaged or was altered");
   script().Expect("extract.damaged", Answer::Abort);
   result = bench.Extract(bench.All());
   EXPECT_EQ(result.ending, ExtractEnding::Aborted);
