@@ -116,7 +116,7 @@ void RowIsSound(const MirrorRow& row, Length carrierSize) {
   Require(row.start >= Position{} && row.size >= 0 && row.End() <= Position{} + carrierSize,
           "a row is inside");
   Require(!row.Name().empty(), "a row has a name");
-  for (int column = 1; column <= 9; ++column)
+  for (int column = 1; column <= 6; ++column)
     row.SubItem(column);
 }
 

@@ -37,7 +37,7 @@ class BenchScreen : public Scripted<OpeningScreen> {
  public:
   void ShowReading(Length, Length) override {}
   void HideoutLoaded(TreeNode& root, std::size_t files) override {
-    script.Note("loaded " + root.text + " " + std::to_string(files));
+    script.Note("loaded " + std::string(root.text) + " " + std::to_string(files));
   }
   void HideoutGone() override { script.Note("gone"); }
   void ShowTry(int number) override { script.Note("try " + std::to_string(number)); }

@@ -171,7 +171,7 @@ TEST(LoadHideout, AsksInOneFixedFormAtAFileThatIsTooShort) {
   CarrierBench bench(20);
   bench.screen.script.Expect("load.error", Answer::Abort);
   EXPECT_EQ(bench.Load(), LoadResult::NotFound);
-  const Question& question = bench.screen.script.Asked()[0];
+  const Question& question = bench.screen.script.Asked().at(0);
   EXPECT_EQ(question.text,
             "Error: 63\r\n" + bench.carrier.native() +
                 " is too short or its hidden part is damaged: an entry would begin before the file");
@@ -188,7 +188,8 @@ TEST(LoadHideout, NeverShowsAWrongRowWhateverBitIsFlippedAndWhereverItIsCut) {
     bench.Load();
     Strings texts;
     for (const MirrorRow& row : bench.catalogue.Rows())
-      texts.emplace_back(row.Tag());
+      texts.push_back(std::string(row.record) + " at " + std::to_string(row.start.value) + ", " +
+                      std::to_string(row.size));
     return texts;
   };
   const Strings intact = rows();

@@ -22,7 +22,7 @@ void DirViewModel::AddChild(Item& parent, TreeNode& node) {
   item->parent = &parent;
   item->row = static_cast<int>(parent.children.size());
   item->text = ShownText(node.text);
-  const std::string key = node.hideout->carrier.string() + '\0' + node.FolderPath();
+  const std::string key = node.hideout->carrier.string() + '\0' + std::string(node.FolderPath());
   item->key = QString::fromLatin1(key.data(), static_cast<qsizetype>(key.size()));
   for (const auto& child : node.children)
     AddChild(*item, *child);
