@@ -151,6 +151,12 @@ UpdateResult RunUpdate(const UpdateRequest& request, PreviewParcel& parcel, Read
                        RewriteScreen& screen) {
   assert(request.compressionLevel >= 1 && request.compressionLevel <= 9);
   UpdateResult result;
+  const ReadingGuards& guards = reading.guards;
+  if (guards.ViewBusy || guards.ReadingBusy) {
+    result.refused = UpdateResult::Refused::Busy;
+    return result;
+  }
+  const BusyView busy(reading.guards);
   result.refused = Refusal(request, parcel, reading.files, screen);
   if (result.refused != UpdateResult::Refused::No) return result;
   Update update(request, parcel, reading, screen);

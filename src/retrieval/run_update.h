@@ -14,7 +14,8 @@ struct UpdateRequest {
 };
 
 struct UpdateResult {
-  enum class Refused { No, FileMissing, ByPerson } refused = Refused::No;  ///< else nothing was done
+  /// Else nothing was done. Busy: a view, another update, a return from a view, or a reading was running.
+  enum class Refused { No, FileMissing, ByPerson, Busy } refused = Refused::No;
   RewriteEnding ending = RewriteEnding::Done;
   Path temporary;  ///< set where the complete new carrier was left beside the old one
 };
