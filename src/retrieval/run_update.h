@@ -7,8 +7,8 @@ namespace tarnel {
 
 struct UpdateRequest {
   Path previewFile;  ///< the new contents; the entry keeps its name
-  /// Of the settings, 1 to 9. An entry that was compressed is compressed again at this level; one that
-  /// was not stays so.
+  /// Of the settings: 1 to 9, or 0 to store the file as it is; what lies outside counts as the nearest of
+  /// these. An entry that was compressed is compressed again at this level; one that was not stays so.
   int compressionLevel = 6;
   Leftover leftover = Leftover::Refuse;
 };
@@ -22,8 +22,9 @@ struct UpdateResult {
 
 /// Puts the file's present contents in the place of the parcel's entry, after asking. The entry moves to the
 /// end of the current carrier, with the moment of the update as its date; attributes, mode and folder stay.
-/// All other bytes stay as they are and in their order. When Done the hideout was reloaded and the parcel
-/// describes the entry as it is now. Otherwise the parcel is what it was.
+/// All other bytes stay as they are and in their order. The new entry is read back and compared with the
+/// file; one that changes meanwhile is an Error DeviceIo, which is asked about. When Done the hideout was
+/// reloaded and the parcel describes the entry as it is now. Otherwise the parcel is what it was.
 /// Cancel is looked at before each full block. After Abort a carrier that was read-only stays writable.
 /// Errors before the first byte is written are thrown, as CarrierRewrite does.
 UpdateResult RunUpdate(const UpdateRequest& request, PreviewParcel& parcel, Reading& reading,

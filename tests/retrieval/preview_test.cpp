@@ -135,6 +135,24 @@ TEST_F(Preview, LetsNothingElseRunWhileItIsLeft) {
   EXPECT_EQ(Update().ending, RewriteEnding::Done) << "the guard goes with the run";
 }
 
+TEST_F(Preview, NeverUpdatesFromAFileThatChangesMeanwhile) {
+  bench.Hide({"a", "old"}).Load();
+  View("a");
+  script().Always("update.confirm", Answer::Yes);
+  const std::string content = Pattern(200'000, 3);
+  for (const std::string& changed : {content + "grown", Pattern(200'000, 4)}) {
+    WriteAll(view.PreviewFile, content);
+    std::size_t reads = 0;
+    bench.files.before = [&](const Operation& operation) {
+      if (operation.name == "File.ReadAt" && operation.path == view.PreviewFile && ++reads == 3)
+        WriteAll(view.PreviewFile, changed);
+    };
+    script().Expect("update.error", Answer::Retry);
+    EXPECT_EQ(Update().ending, RewriteEnding::Done);
+    EXPECT_EQ(bench.Contents(), Strings{"a=" + changed});
+  }
+}
+
 TEST_F(Preview, MovesAnUpdatedEntryToTheEndAndFindsItAgain) {
   bench.Hide({.name = "a", .content = "old", .folder = "f", .mode = "600"}).Hide({"x", "his"}, kOther);
   bench.Hide({"b", "bb"}).Load();
@@ -166,7 +184,7 @@ TEST_F(Preview, KeepsAnEntryCompressedAtThePresentLevel) {
   View("a");
   script().Always("update.confirm", Answer::Yes);
   bench.extractScreen.script.Always("extract.overwrite", Answer::Yes);
-  const std::pair<int, const char*> levels[] = {{3, "3"}};
+  const std::pair<int, const char*> levels[] = {{3, "3"}, {42, "9"}, {0, "0"}, {6, "0"}};
   for (const auto& [level, stored] : levels) {
     WriteAll(view.PreviewFile, SampleText(90000 + static_cast<std::size_t>(level)));
     EXPECT_EQ(Update(level).ending, RewriteEnding::Done);
