@@ -24,11 +24,13 @@ class TerminalDialogue {
   void Yield() { m_isCancelled = m_terminal.CancelRequested(); }
   bool CancelRequested() const { return m_isCancelled; }
 
-  /// What a walk said that broke off at an entry that can't be. It counts as the end of the walk, so that
-  /// what was read can be used.
+  /// What a walk said that broke off at an entry that can't be, or at an error that was ignored. It counts as
+  /// the end of the walk, so that what was read can be used.
   const std::optional<std::string>& BrokenWalk() const { return m_brokenWalk; }
-  /// The error behind the last answer Abort, or behind the last message of an error, as the failure of the
-  /// whole run. Cancelled if the person asked for that.
+  /// Whether there was an error as LastFailure gives it.
+  bool HasFailed() const { return m_failure.has_value(); }
+  /// The error behind the last answer Abort, the last ignored error of a walk or the last message of an error,
+  /// as the failure of the whole run. Cancelled if the person asked for that.
   CliFailure LastFailure() const;
   ProgressLine& Progress() { return m_progress; }
 

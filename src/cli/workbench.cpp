@@ -61,6 +61,7 @@ bool Workbench::TryOpen(const Secret& password) {
   const LoadResult result = TryPassword(m_carrier, password, m_reading, screen);
   m_around.talk.Progress().Clear();
   if (m_around.talk.CancelRequested()) throw CliFailure(ExitCode::Cancelled, "cancelled");
+  if (result != LoadResult::Loaded && m_around.talk.HasFailed()) throw m_around.talk.LastFailure();
   if (result != LoadResult::Loaded) return false;
   if (m_around.talk.BrokenWalk() && !IsBodyOfSeventyNineBytes(Rows())) {
     m_around.messages.Warn(*m_around.talk.BrokenWalk() + "; older entries may be out of reach");
