@@ -29,8 +29,8 @@ class TerminalDialogue {
   const std::optional<std::string>& BrokenWalk() const { return m_brokenWalk; }
   /// Whether there was an error as LastFailure gives it.
   bool HasFailed() const { return m_failure.has_value(); }
-  /// The error behind the last answer Abort, the last ignored error of a walk or the last message of an error,
-  /// as the failure of the whole run. Cancelled if the person asked for that.
+  /// The error behind the last answer Abort, the last ignored error of a walk or the last message of an
+  /// error, as the failure of the whole run. Cancelled if the person asked for that.
   CliFailure LastFailure() const;
   ProgressLine& Progress() { return m_progress; }
 
