@@ -47,10 +47,10 @@ class Crafter {
     if (kind == 0) return text;
     if (kind == 1) return SealWith(kAlgorithm, Password(), text, m_nonce);
     if (kind == 2) return SealWith(kAlgorithm, Password(), "front", m_nonce).substr(0, 24) + text;
-    const RecordFields fields{.name = ToStored(text, TextKind::PathComponent),
+    const RecordFields fields{.name = WipedText(ToStored(text, TextKind::PathComponent)),
                               .storedSize = std::to_string(payload),
                               .compressed = std::to_string(m_input.Byte() % 10),
-                              .folder = m_input.Text(),
+                              .folder = WipedText(m_input.Text()),
                               .title = "t"};
     return SealWith(kAlgorithm, Password(), BuildRecord(fields, RecordWriter::Hide), m_nonce);
   }
@@ -116,7 +116,7 @@ void RowIsSound(const MirrorRow& row, Length carrierSize) {
   Require(row.start >= Position{} && row.size >= 0 && row.End() <= Position{} + carrierSize,
           "a row is inside");
   Require(!row.Name().empty(), "a row has a name");
-  for (int column = 1; column <= 9; ++column)
+  for (int column = 1; column <= 6; ++column)
     row.SubItem(column);
 }
 

@@ -31,12 +31,12 @@ class SilentScreen : public OpeningScreen {
 
 std::string Entry(std::size_t number) {
   RecordFields fields;
-  fields.name = "file " + std::to_string(number) + ".txt";
+  fields.name.assign("file " + std::to_string(number) + ".txt");
   fields.plainSize = fields.storedSize = "7";
   fields.attributes = "32";
   fields.date = "01/02/26 12:00:00";
   fields.compressed = "0";
-  fields.folder = "folder " + std::to_string(number % 100);
+  fields.folder.assign("folder " + std::to_string(number % 100));
   fields.title = "Benchmark";
   const WipedText record = BuildRecord(fields, RecordWriter::Hide);
   std::string secondKey;

@@ -26,7 +26,7 @@ class SilentDialogue : public Dialogue {
 MirrorRow Row(const std::shared_ptr<const HideoutKey>& hideout, std::size_t number) {
   MirrorRow row;
   row.hideout = hideout;
-  row.record = BuildRecord({.name = "file " + std::to_string(number * 7919 % kFiles) + ".txt",
+  row.record = BuildRecord({.name = WipedText("file " + std::to_string(number * 7919 % kFiles) + ".txt"),
                             .plainSize = std::to_string(number * 104'729 % 5000),
                             .storedSize = "7",
                             .attributes = "32",

@@ -87,21 +87,21 @@ std::vector<FileListRow> FileList::AllRows(const TreeNode& node, const Catalogue
 }
 
 std::vector<FileListRow> FileList::FolderRows(const TreeNode& node) const {
-  const std::string path = node.FolderPath();
-  const std::string prefix = path.empty() || path.back() == '\\' ? path : path + "\\";
+  WipedText prefix = node.FolderPath();
+  if (!prefix.empty() && prefix.back() != '\\') prefix += '\\';
   std::vector<FileListRow> rows;
   for (const auto& child : node.children) {
     FileListRow row{.kind = FileListRow::Kind::Folder};
     row.texts[0] = child->text;
     row.carrier = node.hideout->carrier;
-    row.itemFolder = prefix + child->text;
+    row.itemFolder.append(prefix).append(child->text);
     rows.push_back(std::move(row));
   }
   return rows;
 }
 
 std::vector<FileListRow> FileList::FileRows(const TreeNode& node, const Catalogue& catalogue) const {
-  const std::string folder = node.FolderPath();
+  const WipedText folder = node.FolderPath();
   std::vector<FileListRow> rows;
   for (std::size_t i = 0; i < catalogue.Rows().size(); ++i) {
     const MirrorRow& mirror = catalogue.Rows()[i];

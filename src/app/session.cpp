@@ -126,7 +126,7 @@ TreeNode* Session::SelectedNode() const {
 
 TreeNode* Session::NodeOfFolderRow(const FileListRow& row) const {
   return FindNode(catalogue, [&row](const TreeNode& node) {
-    return node.text == row.texts[0] && node.hideout->carrier == row.carrier;
+    return std::string_view(node.text) == row.texts[0] && node.hideout->carrier == row.carrier;
   });
 }
 

@@ -45,6 +45,11 @@ std::string CutToLimit(std::string_view text) {
   return std::string(text.substr(0, length));
 }
 
+/// Wiped where it is short, too.
+std::shared_ptr<const WipedText> Shared(std::string_view text) {
+  return std::allocate_shared<WipedText>(WipingAllocator<WipedText>(), text);
+}
+
 void AppendKilobytes(WipedText& text, std::string_view bytes) {
   text.append(GroupedKilobytes(ReadNumber(bytes))).append(" KB");
 }
@@ -52,6 +57,7 @@ void AppendKilobytes(WipedText& text, std::string_view bytes) {
 }  // namespace
 
 TreeNode::~TreeNode() {
+  Wipe(text.data(), text.size());
   std::vector<std::unique_ptr<TreeNode>> doomed = std::move(children);
   while (!doomed.empty()) {
     const std::unique_ptr<TreeNode> node = std::move(doomed.back());
@@ -61,34 +67,16 @@ TreeNode::~TreeNode() {
   }
 }
 
-std::string TreeNode::FolderPath() const {
+WipedText TreeNode::FolderPath() const {
   std::vector<const TreeNode*> way;
   for (const TreeNode* node = this; !node->IsRoot(); node = node->parent)
     way.push_back(node);
-  std::string path;
+  WipedText path;
   for (auto node = way.rbegin(); node != way.rend(); ++node) {
     if (node != way.rbegin()) path += '\\';
     path += (*node)->text;
   }
   return path;
-}
-
-std::string TreeNode::FullPath() const {
-  const TreeNode* root = this;
-  while (!root->IsRoot())
-    root = root->parent;
-  return IsRoot() ? text : root->text + '\\' + FolderPath();
-}
-
-WipedText TreeNode::Tag() const {
-  WipedText tags;
-  AppendTag(tags, tag::kCarrierFile, ToStored(hideout->carrier.native(), TextKind::Plain));
-  AppendTag(tags, tag::kCarrierName, hideout->carrierName);
-  AppendTag(tags, tag::kPassword, ToStored(hideout->password.View(), TextKind::Plain));
-  AppendTag(tags, tag::kAlgorithm, hideout->algorithmName);
-  if (!itemFolder->empty()) AppendTag(tags, tag::kItemFolder, *itemFolder);
-  AppendTag(tags, tag::kTitle, hideout->title);
-  return tags;
 }
 
 std::string_view MirrorRow::Field(std::string_view key) const {
@@ -107,14 +95,6 @@ Position MirrorRow::End() const {
   return start + size + static_cast<Length>(tail.size());
 }
 
-WipedText MirrorRow::Tag() const {
-  WipedText tags = record;
-  AppendTag(tags, tag::kCarrierFile, ToStored(hideout->carrier.native(), TextKind::Plain));
-  AppendTag(tags, tag::kStart, std::to_string(start.value));
-  AppendTag(tags, tag::kSize, std::to_string(size));
-  return tags;
-}
-
 WipedText MirrorRow::SubItem(int index) const {
   WipedText text;
   switch (index) {
@@ -131,14 +111,8 @@ WipedText MirrorRow::SubItem(int index) const {
       return text.append(Folder());
     case 6:
       return text.append(Field(tag::kCompressed) == "0" ? "No" : "Yes");
-    case 7:
-      return Tag();
-    case 8:
-      return text.append(tail);
-    case 9:
-      return record;
     default:
-      assert(false && "a mirror row has the sub-items 1 to 9");
+      assert(false && "a mirror row has the sub-items 1 to 6");
       return text;
   }
 }
@@ -172,11 +146,11 @@ std::vector<const MirrorRow*> Catalogue::RowsOf(const Path& carrier) const {
   return rows;
 }
 
-TreeNode& Catalogue::AddRoot(std::shared_ptr<const HideoutKey> hideout, std::string itemFolder) {
+TreeNode& Catalogue::AddRoot(std::shared_ptr<const HideoutKey> hideout, std::string_view itemFolder) {
   assert(FindRoot(hideout->carrier) == nullptr);
   auto root = std::make_unique<TreeNode>();
-  root->text.assign(hideout->title);
-  root->itemFolder = std::make_shared<const std::string>(std::move(itemFolder));
+  root->text = hideout->title;
+  root->itemFolder = Shared(itemFolder);
   root->hideout = std::move(hideout);
   return *m_roots.emplace_back(std::move(root));
 }
@@ -186,7 +160,7 @@ void Catalogue::AddRow(MirrorRow row) {
 }
 
 TreeNode& Catalogue::EnsureFolderNode(TreeNode& root, std::string_view folder) {
-  const auto text = std::make_shared<const std::string>(folder);
+  const FolderText text = Shared(folder);
   TreeNode* node = &root;
   std::string_view rest = folder;
   for (std::size_t end = rest.find('\\'); end != std::string_view::npos; end = rest.find('\\')) {

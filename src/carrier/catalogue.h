@@ -32,27 +32,24 @@ struct TreeNode {
   TreeNode() = default;
   TreeNode(const TreeNode&) = delete;
   TreeNode& operator=(const TreeNode&) = delete;
-  /// Takes the nodes below apart one by one: a hostile folder text can nest them deeper than a stack goes.
+  /// Wipes the text. Takes the nodes below apart one by one: a hostile folder text can nest them deeper than
+  /// a stack goes.
   ~TreeNode();
 
   std::shared_ptr<const HideoutKey> hideout;
   TreeNode* parent = nullptr;  ///< null at a root
-  std::string text;            ///< title at a root, else one folder name; stored text
+  WipedText text;              ///< title at a root, else one folder name; stored text
   /// "*RootFolder*" at a root (empty at a new hideout's), else the folder of the file that made it. Never
   /// null; the nodes of one folder text share it.
-  std::shared_ptr<const std::string> itemFolder;
+  std::shared_ptr<const WipedText> itemFolder;
   int image = 1;
   int selectedImage = 1;
   std::vector<std::unique_ptr<TreeNode>> children;
   std::map<std::string_view, TreeNode*> childByText;  ///< the same children, kept by Catalogue
 
   bool IsRoot() const { return parent == nullptr; }
-  /// The texts from the root down, joined by "\".
-  std::string FullPath() const;
-  /// The folder inside the hideout: FullPath without its first component; empty at a root.
-  std::string FolderPath() const;
-  /// Made on demand, for it holds the password. "?ItemFolder=<" is missing at a new hideout's root.
-  WipedText Tag() const;
+  /// The folder inside the hideout: the texts from below the root down, joined by "\"; empty at a root.
+  WipedText FolderPath() const;
 };
 
 /// A row of FileListMirror: one hidden file of an open hideout.
@@ -69,10 +66,7 @@ struct MirrorRow {
   std::string_view Name() const;                       ///< "?Fnm=<"
   std::string_view Folder() const;                     ///< "?Fldnm=<"
   Position End() const;                                ///< first byte behind the entry
-  /// The record, then "?CarrierFile=<", "?Start=<" and "?Size=<".
-  WipedText Tag() const;
-  /// 1 size in KB, 2 type, 3 date, 4 attributes, 5 folder, 6 "Yes" or "No" for compressed, 7 Tag, 8 tail, 9
-  /// record.
+  /// What a list shows: 1 size in KB, 2 type, 3 date, 4 attributes, 5 folder, 6 "Yes" or "No" for compressed.
   WipedText SubItem(int index) const;
 };
 
@@ -111,7 +105,7 @@ class Catalogue {
   TreeNode* FindRoot(const Path& carrier) const;
   std::vector<const MirrorRow*> RowsOf(const Path& carrier) const;
 
-  TreeNode& AddRoot(std::shared_ptr<const HideoutKey> hideout, std::string itemFolder);
+  TreeNode& AddRoot(std::shared_ptr<const HideoutKey> hideout, std::string_view itemFolder);
   void AddRow(MirrorRow row);
 
   /// The deepest node of `folder` below `root`, found or made; `root` itself for an empty folder. New nodes
@@ -127,7 +121,7 @@ class Catalogue {
   void RemoveCarrier(const Path& carrier);
 
  private:
-  using FolderText = std::shared_ptr<const std::string>;
+  using FolderText = std::shared_ptr<const WipedText>;
   static TreeNode& EnsureChild(TreeNode& parent, std::string_view text, const FolderText& folder);
 
   std::vector<std::unique_ptr<TreeNode>> m_roots;

@@ -44,17 +44,9 @@ inline constexpr std::string_view kMode =
     "?Mode=<";  ///< octal permission bits, where the attributes can't say them
 inline constexpr std::string_view kSeal = "?Seal=<";    ///< the payload's last 16 bytes in hexadecimal
 inline constexpr std::string_view kMtime = "?Mtime=<";  ///< time of last change, seconds since 1970 in UTC
-inline constexpr std::string_view kCarrierFile = "?CarrierFile=<";
-inline constexpr std::string_view kStart = "?Start=<";
-inline constexpr std::string_view kSize = "?Size=<";
-inline constexpr std::string_view kCarrierName = "?CarrierTitel=<";
-inline constexpr std::string_view kPassword = "?Passwort=<";
-inline constexpr std::string_view kAlgorithm = "?Algorithm=<";
-inline constexpr std::string_view kItemFolder = "?ItemFolder=<";
-inline constexpr std::string_view kRelativeIndex = "?RelativeIndex=<";
 }  // namespace tag
 
+/// What stands for a folder at a root node.
 inline constexpr std::string_view kRootFolder = "*RootFolder*";
-inline constexpr std::string_view kFolderRow = "*Folder*";
 
 }  // namespace tarnel

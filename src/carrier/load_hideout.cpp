@@ -79,6 +79,8 @@ class Loader {
     std::optional<EntryPlace> place;
     const Outcome outcome = Guarded([&] { place = m_walk->Next(); });
     m_faults.brokenAt = m_walk->BrokenAt();
+    if (outcome == Outcome::Ignored && m_lastError != ErrorNumber::BadRecordNumber)
+      m_faults.Note({Position{} + m_walk->CarrierSize() - m_walk->Passed(), {}, "it cannot be read"});
     // The outcome first: after a throw g++ 12 may leave anything in `place`.
     if (outcome == Outcome::Ignored || !place) return Step::Done;
     JudgedEntry judged;
@@ -188,7 +190,11 @@ class Loader {
   const LoadRequest& m_request;
   Reading& m_reading;
   ReadingScreen& m_screen;
-  const ErrorHandler m_handler{LoadErrorQuestion};
+  ErrorNumber m_lastError = ErrorNumber::BadRecordNumber;
+  const ErrorHandler m_handler{[this](const Error& error) {
+    m_lastError = error.Number();
+    return LoadErrorQuestion(error);
+  }};
   std::unique_ptr<File> m_file;
   std::unique_ptr<Walk> m_walk;
   TreeNode* m_root = nullptr;

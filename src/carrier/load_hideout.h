@@ -17,6 +17,7 @@ struct ReadingGuards {
   bool TreeClickBlocked = false;
   bool SearchBusy = false;
   bool SearchAbort = false;
+  bool ViewBusy = false;  ///< a view, an update or the return from a view runs
 };
 
 /// What the program works on: the carrier, the hideout and the key that commands use.

@@ -28,14 +28,15 @@ WipedText BuildRecord(const RecordFields& fields, RecordWriter writer) {
 
 RecordFields ReadRecord(std::string_view record) {
   const auto field = [record](std::string_view key) { return std::string(GetTag(record, key)); };
-  return {.name = field(tag::kName),
+  const auto wiped = [record](std::string_view key) { return WipedText(GetTag(record, key)); };
+  return {.name = wiped(tag::kName),
           .plainSize = field(tag::kPlainSize),
           .storedSize = field(tag::kStoredSize),
           .attributes = field(tag::kAttributes),
           .date = field(tag::kDate),
           .compressed = field(tag::kCompressed),
-          .folder = field(tag::kFolder),
-          .title = field(tag::kTitle),
+          .folder = wiped(tag::kFolder),
+          .title = wiped(tag::kTitle),
           .mode = field(tag::kMode),
           .seal = field(tag::kSeal),
           .mtime = field(tag::kMtime)};

@@ -10,18 +10,18 @@
 
 namespace tarnel {
 
-/// What a record says of one hidden file. All texts are stored text.
+/// What a record says of one hidden file. All texts are stored text; those that the user made are wiped.
 struct RecordFields {
-  std::string name = {};
+  WipedText name = {};
   std::string plainSize = {};  ///< plain digits, as are the next two
   std::string storedSize = {};
   std::string attributes = {};
   std::string date = {};
   std::string compressed = {};  ///< zlib level, "0" if stored as it is
-  std::string folder = {};      ///< parts joined by "\", empty for the root
-  std::string title = {};
+  WipedText folder = {};        ///< parts joined by "\", empty for the root
+  WipedText title = {};
   std::string mode = {};   ///< octal, empty where the attributes say all
-  std::string seal = {};   ///< SealText of the payload; empty in records of old
+  std::string seal = {};   ///< names the payload; empty in a record that doesn't
   std::string mtime = {};  ///< seconds since 1970 in UTC, empty unless the person wanted times to be kept
 };
 

@@ -129,9 +129,11 @@ const RunKind* KindOfRun(char open) {
   return nullptr;
 }
 
-std::optional<char32_t> ReadDigits(std::string_view digits) {
+/// Nothing if `digits` holds less than that many, or something else.
+std::optional<char32_t> ReadDigits(std::string_view digits, std::size_t count) {
+  if (digits.size() < count) return std::nullopt;
   char32_t value = 0;
-  for (const char c : digits) {
+  for (const char c : digits.substr(0, count)) {
     const std::size_t digit = kDigits.find(c);
     if (digit == std::string_view::npos) return std::nullopt;
     value = value << 6 | static_cast<char32_t>(digit);
@@ -140,16 +142,15 @@ std::optional<char32_t> ReadDigits(std::string_view digits) {
 }
 
 /// Decodes the run at the beginning of `stored` to the end of `bytes`. Gives its length, or 0 with nothing
-/// appended if no run stands there.
+/// appended if no run stands there. Looks no further than digits go, so that opening codes without a close
+/// cost no more than their number.
 std::size_t DecodeRun(std::string_view stored, std::string& bytes) {
   const RunKind* const kind = KindOfRun(stored[0]);
-  const std::size_t close = stored.find(kClose);
-  if (kind == nullptr || close == std::string_view::npos || close == 1 || (close - 1) % kind->digits != 0) {
-    return 0;
-  }
+  if (kind == nullptr) return 0;
   std::string decoded;
-  for (std::size_t at = 1; at < close; at += kind->digits) {
-    const std::optional<char32_t> value = ReadDigits(stored.substr(at, kind->digits));
+  std::size_t at = 1;
+  for (; at < stored.size() && stored[at] != kClose; at += kind->digits) {
+    const std::optional<char32_t> value = ReadDigits(stored.substr(at), kind->digits);
     if (!value || !BelongsIn(*kind, *value)) return 0;
     if (kind == &kRawBytes) {
       decoded += static_cast<char>(*value);
@@ -157,8 +158,9 @@ std::size_t DecodeRun(std::string_view stored, std::string& bytes) {
       AppendUtf8(decoded, *value);
     }
   }
+  if (decoded.empty() || at >= stored.size()) return 0;
   bytes += decoded;
-  return close + 1;
+  return at + 1;
 }
 
 }  // namespace

@@ -77,11 +77,4 @@ double ReadNumber(std::string_view text) {
   return ReadDecimal(digits);
 }
 
-std::string CutAtNull(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return {};
-  text = text.substr(first, text.find_last_not_of(' ') - first + 1);
-  return std::string(text.substr(0, text.find('\0')));
-}
-
 }  // namespace tarnel

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <string>
 #include <string_view>
 
 #include "base/secret.h"
@@ -21,8 +20,5 @@ void AppendTag(WipedText& tags, std::string_view key, std::string_view value);
 /// point, digits, exponent; "&H" and "&O" prefixes; what can't continue the number ends it. 0 if nothing was
 /// read. Never fails.
 double ReadNumber(std::string_view text);
-
-/// Blanks trimmed at both ends, cut before the first zero byte.
-std::string CutAtNull(std::string_view text);
 
 }  // namespace tarnel

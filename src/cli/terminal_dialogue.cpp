@@ -128,10 +128,9 @@ Answer TerminalDialogue::AnswerError(const Question& question) {
   const std::optional<Answer> ruled = AnswerByRule(question);
   const Answer answer = ruled ? *ruled : AskPerson(question);
   if (ruled && answer != Answer::Abort) SayAnswer(question, answer);
-  if (answer == Answer::Abort) {
-    m_aborted = text;
-    m_failure = FailureOf(question);
-  }
+  const bool isIgnoredWalk = answer == Answer::Ignore && question.id == kWalkQuestion;
+  if (answer == Answer::Abort) m_aborted = text;
+  if (answer == Answer::Abort || isIgnoredWalk) m_failure = FailureOf(question);
   return answer;
 }
 

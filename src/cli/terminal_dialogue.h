@@ -25,10 +25,10 @@ class TerminalDialogue {
   void Yield() { m_isCancelled = m_terminal.CancelRequested(); }
   bool CancelRequested() const { return m_isCancelled; }
 
-  /// What LastFailure was made of, if anything.
-  const std::optional<CliFailure>& Failure() const { return m_failure; }
-  /// The error behind the last answer Abort, or behind the last message of an error, as the failure of the
-  /// whole run. Cancelled if the person asked for that.
+  /// Whether there was an error as LastFailure gives it.
+  bool HasFailed() const { return m_failure.has_value(); }
+  /// The error behind the last answer Abort, the last ignored error of a walk or the last message of an
+  /// error, as the failure of the whole run. Cancelled if the person asked for that.
   CliFailure LastFailure() const;
   ProgressLine& Progress() { return m_progress; }
 

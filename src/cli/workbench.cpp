@@ -64,7 +64,7 @@ bool Workbench::TryOpen(const Secret& password) {
   m_faults = screen.Faults();
   if (m_around.talk.CancelRequested()) throw CliFailure(ExitCode::Cancelled, "cancelled");
   if (result == LoadResult::Loaded) return true;
-  if (const auto& failure = m_around.talk.Failure()) throw CliFailure(ExitCode::Unreadable, failure->what());
+  if (m_around.talk.HasFailed()) throw CliFailure(ExitCode::Unreadable, m_around.talk.LastFailure().what());
   return false;
 }
 

@@ -242,14 +242,14 @@ void HideRun::EncryptPayload(SourceFile& source, ByteSink& payload) {
 
 RecordFields HideRun::FieldsOf(const HideRow& row, const FileStat& source, const PayloadSink& payload) const {
   RecordFields fields;
-  fields.name = ToStored(row.name, TextKind::PathComponent);
+  fields.name.assign(ToStored(row.name, TextKind::PathComponent));
   fields.plainSize = std::to_string(source.size);
   fields.storedSize = std::to_string(payload.Written());
   fields.attributes = std::to_string(AttributesOf(source, row.name));
   fields.date = ToStored(DateAndTime(std::time(nullptr)), TextKind::Plain);
   fields.compressed = Compresses() ? std::to_string(m_request.compressionLevel) : "0";
-  if (m_request.saveFolders) fields.folder = row.folder;
-  fields.title.assign(m_hideout.CurrentHideoutTitle.data(), m_hideout.CurrentHideoutTitle.size());
+  if (m_request.saveFolders) fields.folder.assign(row.folder);
+  fields.title = m_hideout.CurrentHideoutTitle;
   if (const std::optional<mode_t> mode = ModeBeyond(source.mode)) fields.mode = OctalDigits(*mode);
   fields.seal = payload.SealText();
   return fields;

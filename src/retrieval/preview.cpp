@@ -1,10 +1,16 @@
 #include "retrieval/preview.h"
 
+#include <algorithm>
+#include <cassert>
 #include <memory>
+#include <string>
 
 #include "base/attempt.h"
 #include "base/destruction.h"
+#include "base/destruction_questions.h"
 #include "base/file_streams.h"
+#include "base/pace.h"
+#include "base/printable.h"
 #include "base/temp_names.h"
 #include "carrier/format.h"
 #include "carrier/payload.h"
@@ -19,15 +25,23 @@ namespace {
 class Viewing {
  public:
   Viewing(const PreviewParcel& parcel, const Reading& reading, ViewScreen& screen, const ShellOpen& shellOpen)
-      : m_parcel(parcel), m_reading(reading), m_screen(screen), m_shellOpen(shellOpen) {}
+      : m_parcel(parcel),
+        m_reading(reading),
+        m_screen(screen),
+        m_shellOpen(shellOpen),
+        m_name(ToPlatform(parcel.ViewFileName)) {}
 
   ViewResult Run();
 
  private:
   void MakeFolder();
   void Extract();
-  void TakeOut(File& plain);
+  Length TakeOut(File& plain);
+  void Close();
   void CleanUp(ViewEnding ending);
+  bool DestroyPlain();
+  void OverwritePlain();
+  std::unique_ptr<File> OpenMade();
 
   template <class Statement>
   Outcome Try(Statement&& statement) {
@@ -42,6 +56,10 @@ class Viewing {
   const Reading& m_reading;
   ViewScreen& m_screen;
   const ShellOpen& m_shellOpen;
+  const std::string m_name;
+  std::unique_ptr<Folder> m_folder;
+  std::unique_ptr<File> m_plain;  ///< until an application may open it
+  FileStat m_made;                ///< of the whole plain file
   ViewResult m_result;
 };
 
@@ -49,9 +67,10 @@ ViewResult Viewing::Run() {
   try {
     PrepareKey(m_reading.current.CurrentPassword, [this] { m_screen.Yield(); });
     Must([this] { MakeFolder(); });
-    m_screen.ShowExtractingTo(m_result.PreviewFile);
+    m_screen.ShowExtractingTo(m_folder->Where() / m_name);
     m_screen.Yield();
     Must([this] { Extract(); });
+    Must([this] { Close(); });
     Try([this] { m_shellOpen(m_result.PreviewFolder); });
     Try([this] { m_shellOpen(m_result.PreviewFile); });
     m_screen.ShowProgress(m_parcel.ViewSize, m_parcel.ViewSize);
@@ -62,20 +81,22 @@ ViewResult Viewing::Run() {
 }
 
 void Viewing::MakeFolder() {
-  m_result.PreviewFolder = MakeTempFolder(m_reading.files);
-  m_result.PreviewFile = m_result.PreviewFolder / ToPlatform(m_parcel.ViewFileName);
+  if (m_result.PreviewFolder.empty()) m_result.PreviewFolder = MakeTempFolder(m_reading.files);
+  m_folder = m_reading.files.OpenFolder(m_result.PreviewFolder);
+  m_folder->Stat(m_name);  // refuses a name that isn't one
 }
 
+/// Tried again, it writes over what it has written.
 void Viewing::Extract() {
-  const std::unique_ptr<Folder> folder = m_reading.files.OpenFolder(m_result.PreviewFolder);
-  const std::string name = ToPlatform(m_parcel.ViewFileName);
-  if (folder->Stat(name)) folder->Remove(name);
-  const std::unique_ptr<File> plain = folder->CreateNew(name, 0600);
-  TakeOut(*plain);
-  plain->Close();
+  if (!m_plain) {
+    m_plain = m_folder->CreateNew(m_name, 0600);
+    m_result.PreviewFile = m_folder->Where() / m_name;
+  }
+  m_plain->Truncate(TakeOut(*m_plain));
+  m_made = m_plain->Stat();
 }
 
-void Viewing::TakeOut(File& plain) {
+Length Viewing::TakeOut(File& plain) {
   const CurrentHideout& current = m_reading.current;
   const std::unique_ptr<File> carrier = m_reading.files.OpenToRead(current.CurrentCarrierPath);
   MustStillStand(*carrier, m_parcel.ViewStart, m_parcel.ViewSize, m_parcel.ViewTail,
@@ -91,13 +112,54 @@ void Viewing::TakeOut(File& plain) {
       {.plainSize = m_parcel.ViewPlainSize, .compressed = m_parcel.ViewCompressed, .seal = m_parcel.ViewSeal},
       current.CurrentAlgorithmId, current.CurrentPassword, sink);
   if (!fault.empty()) throw DamagedPayload("view", m_parcel.ViewFileName, fault);
+  return sink.Written();
+}
+
+/// Before an application opens the file: some refuse one that is open for writing.
+void Viewing::Close() {
+  if (const std::unique_ptr<File> closing = std::move(m_plain)) closing->Close();
 }
 
 void Viewing::CleanUp(ViewEnding ending) {
   m_result.ending = ending;
-  if (m_result.PreviewFolder.empty()) return;
-  OverwriteAndKill(m_result.PreviewFile, m_screen, m_reading.files);
-  if (ending == ViewEnding::Aborted) RemovePath(m_result.PreviewFolder, m_screen, m_reading.files);
+  if (!m_result.PreviewFile.empty() && !DestroyPlain()) {
+    m_screen.Ask(questions::PreviewStays());
+    return;
+  }
+  m_result.PreviewFile.clear();
+  if (ending == ViewEnding::Aborted && !m_result.PreviewFolder.empty())
+    RemovePath(m_result.PreviewFolder, m_screen, m_reading.files);
+}
+
+bool Viewing::DestroyPlain() {
+  try {
+    Attempt(m_screen, {OverwriteError}, [this] { OverwritePlain(); });
+    return Attempt(m_screen, {OverwriteError}, [this] { m_folder->Remove(m_name); }) == Outcome::Done;
+  } catch (const Stop&) {
+    return false;
+  }
+}
+
+void Viewing::OverwritePlain() {
+  if (!m_plain) m_plain = OpenMade();
+  const std::string blanks(65536, ' ');
+  const Length size = m_plain->Size();
+  Pace pace(m_screen);
+  for (Length done = 0; done < size; done += static_cast<Length>(blanks.size())) {
+    const std::size_t left = static_cast<std::size_t>(size - done);
+    m_plain->WriteAt(Position{} + done, AsBytes(blanks).first(std::min(left, blanks.size())));
+    pace.Step();
+  }
+  RunYielding(m_screen, [this] { m_plain->Sync(); });
+}
+
+std::unique_ptr<File> Viewing::OpenMade() {
+  std::unique_ptr<File> file = m_reading.files.OpenToChange(m_result.PreviewFile);
+  if (file->Stat().IsSameFile(m_made)) return file;
+  throw Error(
+      ErrorNumber::PathFileAccess,
+      "cannot overwrite " + Printable(m_result.PreviewFile.native()) + ": another file has taken its place",
+      m_result.PreviewFile);
 }
 
 /// Answers for the person where leaving a view has its own words for an error.
@@ -130,14 +192,33 @@ bool WantsToLeave(Dialogue& dialogue) {
          dialogue.Ask(questions::ReturnWithoutDeletion()) == Answer::Yes;
 }
 
+/// Stop where the person has been told that it can't be said. What can't be said and was ignored is there.
+bool IsThere(const Path& file, Dialogue& person, Files& files) {
+  bool isThere = true;
+  const auto look = [&] { isThere = files.Stat(file, Files::Links::DontFollow).has_value(); };
+  return Attempt(person, {questions::ViewError}, look) == Outcome::Ignored || isThere;
+}
+
+ViewReturn Return(const ViewResult& view, Dialogue& dialogue, Files& files) {
+  ReturnDialogue person(dialogue);
+  for (;;) {
+    if (!WantsToLeave(dialogue)) return ViewReturn::Stay;
+    if (!IsThere(view.PreviewFile, person, files)) return ViewReturn::Leave;
+    if (OverwriteAndKill(view.PreviewFile, dialogue, files)) break;
+    if (dialogue.Ask(questions::PreviewLocked()) != Answer::Retry) break;
+  }
+  RemovePath(view.PreviewFolder, person, files);
+  return ViewReturn::Leave;
+}
+
 }  // namespace
 
 PreviewParcel ParcelOf(const MirrorRow& row) {
-  return {.ViewFileName = std::string(row.Name()),
+  return {.ViewFileName = WipedText(row.Name()),
           .ViewPlainSize = std::string(row.Field(tag::kPlainSize)),
           .ViewCompressed = std::string(row.Field(tag::kCompressed)),
           .ViewAttr = std::string(row.Field(tag::kAttributes)),
-          .ViewFolder = std::string(row.Folder()),
+          .ViewFolder = WipedText(row.Folder()),
           .ViewMode = std::string(row.Field(tag::kMode)),
           .ViewMtime = std::string(row.Field(tag::kMtime)),
           .ViewSeal = std::string(row.Field(tag::kSeal)),
@@ -148,20 +229,20 @@ PreviewParcel ParcelOf(const MirrorRow& row) {
 
 ViewResult RunView(const PreviewParcel& parcel, const Reading& reading, ViewScreen& screen,
                    const ShellOpen& shellOpen) {
+  if (reading.guards.ViewBusy) return {.ending = ViewEnding::Busy, .PreviewFolder = {}, .PreviewFile = {}};
+  const BusyView busy(reading.guards);
   return Viewing(parcel, reading, screen, shellOpen).Run();
 }
 
-ViewReturn ReturnFromView(const Path& previewFile, const Path& previewFolder, Dialogue& dialogue,
-                          Files& files) {
-  for (;;) {
-    if (!WantsToLeave(dialogue)) return ViewReturn::Stay;
-    if (!files.Stat(previewFile, Files::Links::DontFollow)) return ViewReturn::Leave;
-    if (OverwriteAndKill(previewFile, dialogue, files)) break;
-    if (dialogue.Ask(questions::PreviewLocked()) != Answer::Retry) break;
+ViewReturn ReturnFromView(const ViewResult& view, const Reading& reading, Dialogue& dialogue) {
+  assert(view.PreviewFile.parent_path() == view.PreviewFolder);
+  if (reading.guards.ViewBusy) return ViewReturn::Stay;
+  const BusyView busy(reading.guards);
+  try {
+    return Return(view, dialogue, reading.files);
+  } catch (const Stop&) {
+    return ViewReturn::Leave;
   }
-  ReturnDialogue person(dialogue);
-  RemovePath(previewFolder, person, files);
-  return ViewReturn::Leave;
 }
 
 }  // namespace tarnel

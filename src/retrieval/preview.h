@@ -13,14 +13,14 @@ namespace tarnel {
 /// What viewing and updating know of the entry. An update moves the entry, and changes the parcel with it, so
 /// that the next update finds it.
 struct PreviewParcel {
-  std::string ViewFileName;    ///< stored text, as are the next three and the mode
+  WipedText ViewFileName;      ///< stored text, as are the next three and the mode
   std::string ViewPlainSize;   ///< plain digits
   std::string ViewCompressed;  ///< "0" if stored as it is
   std::string ViewAttr;
-  std::string ViewFolder;
+  WipedText ViewFolder;
   std::string ViewMode;   ///< empty where the attributes say all
   std::string ViewMtime;  ///< empty where times are not kept
-  std::string ViewSeal;   ///< names the payload; empty in records of old
+  std::string ViewSeal;   ///< names the payload; empty in a record that doesn't
   Position ViewStart;
   Length ViewSize = 0;   ///< of the payload
   std::string ViewTail;  ///< encrypted record and trailer as stored
@@ -39,29 +39,47 @@ class ViewScreen : public virtual Dialogue {
 /// where none is known. Throws Error if that fails.
 using ShellOpen = std::function<void(const Path&)>;
 
+/// While it lives, no other view, update or return from a view begins.
+class BusyView {
+ public:
+  explicit BusyView(ReadingGuards& guards) : m_guards(guards) { m_guards.ViewBusy = true; }
+  BusyView(const BusyView&) = delete;
+  BusyView& operator=(const BusyView&) = delete;
+  ~BusyView() { m_guards.ViewBusy = false; }
+
+ private:
+  ReadingGuards& m_guards;
+};
+
 enum class ViewEnding {
   Shown,
   Cancelled,  ///< no plain byte is left; the empty PreviewFolder stays
   Aborted,    ///< at an error; neither file nor folder is left
+  Busy,       ///< nothing was done: another view, an update or a return was running
 };
 
 struct ViewResult {
   ViewEnding ending = ViewEnding::Shown;
   Path PreviewFolder;  ///< new, in the system's temporary folder, for this user alone (0700)
-  Path PreviewFile;    ///< the plain file in it, 0600; its attributes play no part
+  /// The plain file in it, 0600; its attributes play no part. Empty where none was made or none is left:
+  /// where a Cancelled or Aborted view has one, it could not be destroyed, and the person has been told.
+  Path PreviewFile;
 };
 
 /// Extracts the entry of the current carrier into a folder of its own, then opens that folder and the file.
-/// Cancel is looked at behind each full block.
+/// A name that would lead out of that folder is an Error BadFileName that is asked about as any other; no
+/// file but the one made here is ever touched. Cancel is looked at behind each full block. What a cancelled
+/// or aborted view has written is overwritten in its own length, so that a full disk doesn't stand against
+/// it, and removed.
 ViewResult RunView(const PreviewParcel& parcel, const Reading& reading, ViewScreen& screen,
                    const ShellOpen& shellOpen);
 
 enum class ViewReturn { Stay, Leave };
 
-/// Asks whether to go back, and if so overwrites and deletes the file, and removes its folder with all that
-/// the application has put there. If the file has gone, the folder stays. Leave is also the answer where
-/// something could not be destroyed; the person has then been told.
-ViewReturn ReturnFromView(const Path& previewFile, const Path& previewFolder, Dialogue& dialogue,
-                          Files& files);
+/// Asks whether to go back, and if so overwrites and deletes the file of a view that was Shown, and removes
+/// its folder with all that the application has put there. If the file has gone, the folder stays. Leave is
+/// also the answer where something could not be looked at or destroyed; the person has then been told. Stay
+/// without a question while another view, an update or a return runs.
+ViewReturn ReturnFromView(const ViewResult& view, const Reading& reading, Dialogue& dialogue);
 
 }  // namespace tarnel

@@ -1,6 +1,6 @@
 #include "retrieval/run_update.h"
 
-#include <cassert>
+#include <algorithm>
 #include <ctime>
 #include <memory>
 #include <optional>
@@ -11,6 +11,7 @@
 #include "base/printable.h"
 #include "carrier/payload.h"
 #include "carrier/record.h"
+#include "carrier/stored_text.h"
 #include "carrier/tags.h"
 #include "crypto/cipher.h"
 #include "crypto/compression.h"
@@ -30,6 +31,26 @@ KnownEntry EntryOf(const PreviewParcel& parcel) {
   return {.start = parcel.ViewStart, .size = parcel.ViewSize, .tail = parcel.ViewTail};
 }
 
+/// Compares what it is given with a file.
+class ComparingSink : public ByteSink {
+ public:
+  explicit ComparingSink(File& file) : m_file(file) {}
+
+  void Write(Bytes bytes) override {
+    m_buffer.resize(bytes.size());
+    const std::size_t got = m_file.ReadAt(Position{} + m_compared, m_buffer);
+    m_isSame = m_isSame && got == bytes.size() && std::equal(bytes.begin(), bytes.end(), m_buffer.begin());
+    m_compared += static_cast<Length>(bytes.size());
+  }
+  bool WasWholeFile() const { return m_isSame && m_file.Size() == m_compared; }
+
+ private:
+  File& m_file;
+  WipedBytes m_buffer;
+  Length m_compared = 0;
+  bool m_isSame = true;
+};
+
 class Update {
  public:
   Update(const UpdateRequest& request, const PreviewParcel& parcel, Reading& reading, RewriteScreen& screen)
@@ -38,8 +59,11 @@ class Update {
         m_new(parcel),
         m_reading(reading),
         m_screen(screen),
+        m_level(parcel.ViewCompressed == "0" ? 0 : std::clamp(request.compressionLevel, 0, 9)),
         m_rewrite(reading.current.CurrentCarrierPath, {EntryOf(m_old)}, Manner(), request.leftover,
-                  reading.files, screen) {}
+                  reading.files, screen) {
+    m_new.ViewCompressed = std::to_string(m_level);
+  }
 
   RewriteEnding Run();
   const Path& TemporaryPath() const { return m_rewrite.TemporaryPath(); }
@@ -49,14 +73,15 @@ class Update {
   void CopyWhatStays();
   void WriteEntry(ByteSink& sink);
   void WritePayload(File& preview, Length size, PayloadSink& sink);
+  void MustHoldTheFile(File& preview, Length stored);
   WipedText Record(Length size, Length stored) const;
-  bool IsCompressed() const { return m_old.ViewCompressed != "0"; }
 
   const UpdateRequest& m_request;
   const PreviewParcel m_old;
   PreviewParcel m_new;
   Reading& m_reading;
   RewriteScreen& m_screen;
+  const int m_level;  ///< 0 stores
   CarrierRewrite m_rewrite;
 };
 
@@ -90,14 +115,10 @@ void Update::WriteEntry(ByteSink& sink) {
   PayloadSink payload(sink);
   WritePayload(*preview, size, payload);
   const Length stored = payload.Written();
-  if (preview->Size() != size)
-    throw Error(ErrorNumber::DeviceIo,
-                "cannot update from " + Printable(m_request.previewFile.native()) +
-                    ": the file changed while it was being read",
-                m_request.previewFile);
   m_new.ViewPlainSize = std::to_string(size);
   m_new.ViewSize = stored;
   m_new.ViewSeal = payload.SealText();
+  MustHoldTheFile(*preview, stored);
   m_new.ViewTail = SealEntry(Record(size, stored), stored, m_reading.current.CurrentAlgorithmId,
                              m_reading.current.CurrentPassword, m_reading.current.SecondKey);
   sink.Write(AsBytes(m_new.ViewTail));
@@ -112,12 +133,31 @@ void Update::WritePayload(File& preview, Length size, PayloadSink& sink) {
     CipherEncryptFile(current.CurrentAlgorithmId, source, sink, current.CurrentPassword,
                       m_reading.current.SecondKey);
   };
-  if (IsCompressed()) {
-    CompressingSource compressed(*blocks, size, m_request.compressionLevel);
+  if (m_level > 0) {
+    CompressingSource compressed(*blocks, size, m_level);
     encrypt(compressed);
   } else {
     encrypt(*blocks);
   }
+}
+
+/// The file is read for the second time here: had it changed between, old bytes and new ones would lie mixed.
+void Update::MustHoldTheFile(File& preview, Length stored) {
+  const Path& temporary = m_rewrite.TemporaryPath();
+  const std::unique_ptr<File> carrier = m_reading.files.OpenToRead(temporary);
+  FileSource stretch(*carrier, temporary, m_new.ViewStart, stored);
+  BlockSource blocks(stretch, BlockCount(stored, CancelLook::BeforeFullBlock, m_screen, [](Length) {}));
+  ComparingSink comparison(preview);
+  const CurrentHideout& current = m_reading.current;
+  const PayloadClaims claims{
+      .plainSize = m_new.ViewPlainSize, .compressed = m_new.ViewCompressed, .seal = m_new.ViewSeal};
+  const std::string fault =
+      TakeOutPayload(blocks, claims, current.CurrentAlgorithmId, current.CurrentPassword, comparison);
+  if (fault.empty() && comparison.WasWholeFile()) return;
+  throw Error(ErrorNumber::DeviceIo,
+              "cannot update from " + Printable(m_request.previewFile.native()) +
+                  ": the file changed while it was being read",
+              m_request.previewFile);
 }
 
 WipedText Update::Record(Length size, Length stored) const {
@@ -125,10 +165,10 @@ WipedText Update::Record(Length size, Length stored) const {
                       .plainSize = std::to_string(size),
                       .storedSize = std::to_string(stored),
                       .attributes = m_old.ViewAttr,
-                      .date = DateAndTime(std::time(nullptr)),
-                      .compressed = IsCompressed() ? std::to_string(m_request.compressionLevel) : "0",
+                      .date = ToStored(DateAndTime(std::time(nullptr)), TextKind::Plain),
+                      .compressed = m_new.ViewCompressed,
                       .folder = m_old.ViewFolder,
-                      .title = std::string(m_reading.current.CurrentHideoutTitle),
+                      .title = m_reading.current.CurrentHideoutTitle,
                       .mode = m_old.ViewMode,
                       .seal = m_new.ViewSeal},
                      RecordWriter::Rewrite);
@@ -151,8 +191,13 @@ UpdateResult::Refused Refusal(const UpdateRequest& request, const PreviewParcel&
 
 UpdateResult RunUpdate(const UpdateRequest& request, PreviewParcel& parcel, Reading& reading,
                        RewriteScreen& screen) {
-  assert(request.compressionLevel >= 1 && request.compressionLevel <= 9);
   UpdateResult result;
+  const ReadingGuards& guards = reading.guards;
+  if (guards.ViewBusy || guards.ReadingBusy) {
+    result.refused = UpdateResult::Refused::Busy;
+    return result;
+  }
+  const BusyView busy(reading.guards);
   result.refused = Refusal(request, parcel, reading.files, screen);
   if (result.refused != UpdateResult::Refused::No) return result;
   Update update(request, parcel, reading, screen);

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/attempt.h"
+#include "base/pace.h"
 #include "carrier/stored_text.h"
 #include "crypto/keys.h"
 #include "search/carrier_types.h"
@@ -23,12 +24,18 @@ constexpr std::array kProbeOrder = {Algorithm::Blowfish,    Algorithm::Cast5,   
                                     Algorithm::Rijndael256, Algorithm::Serpent256, Algorithm::TripleDes,
                                     Algorithm::Twofish};
 
-/// Hands the probe's talk on, and carries a cancel into the flag that the probe looks at.
+/// Hands the probe's talk about one file on, and carries a cancel into the flag that the probe looks at. In a
+/// search that passes odd files over, an error is kept instead of asked about.
 class ProbeTalk : public Dialogue {
  public:
-  ProbeTalk(Dialogue& screen, ReadingGuards& guards) : m_screen(screen), m_guards(guards) {}
+  ProbeTalk(Dialogue& screen, ReadingGuards& guards, SearchRequest::OddFiles oddFiles)
+      : m_screen(screen), m_guards(guards), m_oddFiles(oddFiles) {}
 
   Answer Ask(const Question& question) override {
+    if (m_oddFiles == SearchRequest::OddFiles::PassOver && question.cause) {
+      m_failure = question.cause;
+      return Answer::Abort;
+    }
     const Answer answer = m_screen.Ask(question);
     CarryCancel();
     return answer;
@@ -39,6 +46,8 @@ class ProbeTalk : public Dialogue {
   }
   bool CancelRequested() const override { return m_screen.CancelRequested(); }
 
+  const std::optional<Error>& Failure() const { return m_failure; }
+
  private:
   void CarryCancel() {
     if (m_screen.CancelRequested()) m_guards.SearchAbort = true;
@@ -46,16 +55,14 @@ class ProbeTalk : public Dialogue {
 
   Dialogue& m_screen;
   ReadingGuards& m_guards;
+  SearchRequest::OddFiles m_oddFiles;
+  std::optional<Error> m_failure;
 };
 
 class Search {
  public:
   Search(const SearchRequest& request, SearchResults& results, Reading& reading, SearchScreen& screen)
-      : m_request(request),
-        m_results(results),
-        m_reading(reading),
-        m_screen(screen),
-        m_talk(screen, reading.guards) {}
+      : m_request(request), m_results(results), m_reading(reading), m_screen(screen) {}
 
   SearchSummary Run(const Path& folder) {
     m_reading.guards.SearchAbort = false;
@@ -116,13 +123,17 @@ class Search {
     if (!IsFirstVisit(folder)) return;
     m_screen.ShowFolder(folder);
     std::vector<Path> folders;
-    for (const FolderEntry& entry : m_reading.files.List(folder)) {
+    for (const FolderEntry& entry : ListOf(folder)) {
       const Path path = folder / entry.name;
       if (entry.kind == FileKind::Folder) folders.push_back(path);
       if (entry.kind == FileKind::Regular) SearchFile(path, entry.name);
       if (entry.kind == FileKind::SymbolicLink) SearchLink(path, entry.name);
     }
     if (m_request.subfolders) m_pending.insert(m_pending.begin(), folders.begin(), folders.end());
+  }
+
+  std::vector<FolderEntry> ListOf(const Path& folder) {
+    return RunYielding(m_screen, [this, &folder] { return m_reading.files.List(folder); });
   }
 
   /// False for a folder that a link, or the way through one, has led to before.
@@ -153,7 +164,6 @@ class Search {
     const std::string extension = LowerExtension(name);
     if (extension.empty() || !TypeAccepts(ChosenType(), extension)) return;
     m_screen.Yield();
-    if (m_request.oddFiles == SearchRequest::OddFiles::PassOver && !CanBeOpened(path)) return;
     const std::optional<Fit> fit = Probe(path);
     if (fit && !m_results.Contains(path)) AddRow(path, name, *fit);
   }
@@ -163,28 +173,28 @@ class Search {
     return CarrierTypes()[m_request.type];
   }
 
-  bool CanBeOpened(const Path& path) {
-    try {
-      m_reading.files.OpenToRead(path);
-      return true;
-    } catch (const Error& error) {
-      PassOver(path, error);
-      return false;
-    }
-  }
-
   std::optional<Fit> Probe(const Path& path) {
     const SearchRequest asked = m_request;
     DeriveKey(asked.password);
-    if (asked.algorithm) return ProbeWith(path, asked, *asked.algorithm);
-    for (const Algorithm algorithm : kProbeOrder)
-      if (std::optional<Fit> fit = ProbeWith(path, asked, algorithm)) return fit;
+    ProbeTalk talk(m_screen, m_reading.guards, asked.oddFiles);
+    std::optional<Fit> fit = ProbeInTurn(path, asked, talk);
+    if (!fit && talk.Failure()) PassOver(path, *talk.Failure());
+    return fit;
+  }
+
+  std::optional<Fit> ProbeInTurn(const Path& path, const SearchRequest& asked, ProbeTalk& talk) {
+    if (asked.algorithm) return ProbeWith(path, asked, *asked.algorithm, talk);
+    for (const Algorithm algorithm : kProbeOrder) {
+      if (std::optional<Fit> fit = ProbeWith(path, asked, algorithm, talk)) return fit;
+      StopIfCancelled();
+    }
     return std::nullopt;
   }
 
-  std::optional<Fit> ProbeWith(const Path& path, const SearchRequest& asked, Algorithm algorithm) {
+  std::optional<Fit> ProbeWith(const Path& path, const SearchRequest& asked, Algorithm algorithm,
+                               ProbeTalk& talk) {
     const bool wasBusy = m_reading.guards.SearchBusy;
-    ProbeResult result = ProbeCarrier({path, asked.password, algorithm, asked.depth}, m_reading, m_talk);
+    ProbeResult result = ProbeCarrier({path, asked.password, algorithm, asked.depth}, m_reading, talk);
     if (asked.oddFiles == SearchRequest::OddFiles::PassOver) m_reading.guards.SearchBusy = wasBusy;
     if (!result.found) return std::nullopt;
     return Fit{std::move(result.title), algorithm};
@@ -205,7 +215,6 @@ class Search {
   SearchResults& m_results;
   Reading& m_reading;
   SearchScreen& m_screen;
-  ProbeTalk m_talk;
   std::deque<Path> m_pending;  ///< in the order of their turn
   std::deque<Path> m_links;    ///< to folders; their turn comes when nothing else is left
   std::set<std::pair<std::uint64_t, std::uint64_t>> m_visited;
@@ -220,6 +229,7 @@ std::string SearchingText(const Path& folder) {
 
 SearchSummary SearchFolder(const Path& folder, const SearchRequest& request, SearchResults& results,
                            Reading& reading, SearchScreen& screen) {
+  if (folder.empty()) return {};
   return Search(request, results, reading, screen).Run(folder);
 }
 

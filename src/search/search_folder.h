@@ -30,7 +30,8 @@ struct SearchRequest {
   ProbeRequest::Depth depth = ProbeRequest::Depth::WholeChain;
   /// Files of fewer than 80 bytes, and such as can't be read. Probed, the first short one ends all finding
   /// for the life of the guards, and so does Abort at the probe's question about an unreadable one. Passed
-  /// over, neither ends anything, and what can't be opened is named in the summary instead of asked about.
+  /// over, neither ends anything, and what can't be read is named in the summary instead of asked about: its
+  /// other algorithms are still tried, for a fault may lie behind the entry that fits.
   enum class OddFiles { Probe, PassOver } oddFiles = OddFiles::Probe;
 };
 
@@ -65,7 +66,7 @@ struct SearchSummary {
 /// at. Files are chosen by their extension; one without is never tried. Yields before each file and inside
 /// each probe; a cancel leaves the results found so far. A symbolic link to a folder is searched after all
 /// that need none, and no folder is searched twice. A folder below that can't be listed is named in the
-/// summary; for `folder` itself the Error passes through.
+/// summary; for `folder` itself the Error passes through. An empty path is no folder, and nothing happens.
 SearchSummary SearchFolder(const Path& folder, const SearchRequest& request, SearchResults& results,
                            Reading& reading, SearchScreen& screen);
 

@@ -38,13 +38,13 @@ class SessionBench : public SessionView {
   SessionBench& File(const std::string& name, double size, const std::string& folder = {}) {
     MirrorRow row;
     row.hideout = hideout;
-    row.record = BuildRecord({.name = ToStored(name, TextKind::PathComponent),
+    row.record = BuildRecord({.name = WipedText(ToStored(name, TextKind::PathComponent)),
                               .plainSize = std::to_string(static_cast<long long>(size)),
                               .storedSize = "1",
                               .attributes = "32",
                               .date = "d" + name,
                               .compressed = "0",
-                              .folder = folder,
+                              .folder = WipedText(folder),
                               .title = "Title",
                               .mode = {}},
                              RecordWriter::Hide);

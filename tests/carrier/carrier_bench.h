@@ -37,7 +37,7 @@ class BenchScreen : public Scripted<OpeningScreen> {
  public:
   void ShowReading(Length, Length) override {}
   void HideoutLoaded(TreeNode& root, std::size_t files) override {
-    script.Note("loaded " + root.text + " " + std::to_string(files));
+    script.Note("loaded " + std::string(root.text) + " " + std::to_string(files));
   }
   void HideoutGone() override { script.Note("gone"); }
   void ShowTry(int number) override { script.Note("try " + std::to_string(number)); }
@@ -82,14 +82,14 @@ class CarrierBench {
   Length Size() const { return static_cast<Length>(std::filesystem::file_size(carrier)); }
 
   static WipedText RecordOf(const Hidden& hidden, std::size_t payload) {
-    return BuildRecord({.name = ToStored(hidden.name, TextKind::PathComponent),
+    return BuildRecord({.name = WipedText(ToStored(hidden.name, TextKind::PathComponent)),
                         .plainSize = std::to_string(hidden.content.size()),
                         .storedSize = std::to_string(payload),
                         .attributes = "32",
                         .date = "11/22/26 10:00:00",
                         .compressed = "0",
-                        .folder = hidden.folder,
-                        .title = ToStored(hidden.title, TextKind::Plain),
+                        .folder = WipedText(hidden.folder),
+                        .title = WipedText(ToStored(hidden.title, TextKind::Plain)),
                         .mode = hidden.mode},
                        RecordWriter::Hide);
   }

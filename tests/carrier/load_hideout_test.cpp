@@ -188,7 +188,8 @@ TEST(LoadHideout, NeverShowsAWrongRowWhateverBitIsFlippedAndWhereverItIsCut) {
     bench.Load();
     Strings texts;
     for (const MirrorRow& row : bench.catalogue.Rows())
-      texts.emplace_back(row.Tag());
+      texts.push_back(std::string(row.record) + " at " + std::to_string(row.start.value) + ", " +
+                      std::to_string(row.size));
     return texts;
   };
   const Strings intact = rows();

@@ -90,6 +90,12 @@ TEST(StoredText, TakesWhatIsNoEscapeAsTheCodePage) {
   EXPECT_EQ(ToPlatform(Coded("{Gm[4uj}")), "\u0081Gm\u4E2D");
 }
 
+TEST(StoredText, TakesMillionsOfOpeningCodesWithoutLookingForTheCloseOfEach) {
+  const std::string opens(10'000'000, '\x81');
+  EXPECT_EQ(ToPlatform(opens).size(), 2 * opens.size());
+  EXPECT_EQ(ToPlatform(opens + "\x9D").size(), 2 * opens.size() + 2);
+}
+
 TEST(StoredText, ShowsUndecodableBytesAsReplacements) {
   EXPECT_EQ(ToDisplay(Stored("a\xFF\xC3(\xE4\xB8")), "a\uFFFD\uFFFD(\uFFFD\uFFFD");
   EXPECT_EQ(ToDisplay(Stored("\u00E4\u0430>")), "\u00E4\u0430>");

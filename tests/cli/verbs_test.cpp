@@ -290,6 +290,23 @@ TEST_F(Verbs, SearchFindsTheCarriersThatOpen) {
   EXPECT_EQ(bench.terminal.out, "");
 }
 
+TEST_F(Verbs, AFileThatCannotBeReadIsNoWrongPassword) {
+  bench.Put("pics/bad.png", Pattern(500));
+  ASSERT_EQ(bench.Run("hide @pics/bad.png @other"), 0);
+  FaultyFiles faulty(bench.posix);
+  faulty.Fail({.times = Times::FromThenOn, .counts = [this](const Operation& operation) {
+                 return operation.name == "File.ReadAt" && operation.path == bench.folder / "pics/bad.png";
+               }});
+  bench.files = &faulty;
+  for (const std::string line : {"list @pics/bad.png", "--on-error ignore list @pics/bad.png",
+                                 "verify @pics/bad.png", "hide @pics/bad.png @other"}) {
+    EXPECT_EQ(bench.Run(line), 1) << line;
+    EXPECT_THAT(bench.terminal.err, HasSubstr("bad.png"));
+  }
+  EXPECT_EQ(bench.Run("search @pics"), 3);
+  EXPECT_THAT(bench.terminal.err, HasSubstr("bad.png"));
+}
+
 TEST_F(Verbs, RecoverPutsTheBestCopyInPlaceOnlyWhenAllowed) {
   Hide("@other");
   const std::string good = bench.Get("carrier");

@@ -19,13 +19,17 @@ class ViewScript : public Scripted<ViewScreen> {
 class Preview : public testing::Test {
  protected:
   void View(const std::string& name) {
-    parcel = ParcelOf(bench.catalogue.Rows().at(bench.RowNamed(name)));
+    parcel = ParcelOf(bench.catalogue.Rows()[bench.RowNamed(name)]);
+    ViewParcel();
+  }
+  void ViewParcel() {
     view = RunView(parcel, bench.faulty, screen, [this](const Path& path) { opened.push_back(path); });
   }
   UpdateResult Update(int level = 9) {
     return RunUpdate({.previewFile = view.PreviewFile, .compressionLevel = level}, parcel, bench.faulty,
                      bench.rewriteScreen);
   }
+  ViewReturn Return(ViewScript& person) { return ReturnFromView(view, bench.faulty, person); }
   Script& script() { return bench.rewriteScreen.script; }
 
   TempFolder temp;
@@ -64,6 +68,90 @@ TEST_F(Preview, LeavesNothingPlainBehindADamagedEntryOrACancel) {
   EXPECT_TRUE(opened.empty());
 }
 
+TEST_F(Preview, TouchesNoFileButItsOwnWhateverTheNameAndTheAnswer) {
+  bench.Hide({"a", "plain"}).Load();
+  View("a");
+  opened.clear();
+  temp.Put("victim", "kept");
+  const Strings before = temp.Names();
+  for (const std::string& name : Strings{temp / "victim", "../victim", "sub/../../victim", "..", ".", ""})
+    for (const Answer answer : {Answer::Abort, Answer::Ignore}) {
+      parcel.ViewFileName.assign(name);
+      screen.script.Expect("view.error", Answer::Retry).Expect("view.error", answer);
+      ViewParcel();
+      EXPECT_EQ(view.ending, ViewEnding::Aborted) << name;
+      EXPECT_EQ(view.PreviewFile, "") << name;
+      EXPECT_EQ(temp.Names(), before) << name;
+      EXPECT_EQ(ReadAll(temp / "victim"), "kept");
+    }
+  EXPECT_TRUE(opened.empty());
+}
+
+TEST_F(Preview, TriesAgainOverWhatItHasWritten) {
+  bench.Hide({"a", Pattern(40000)}).Load();
+  bench.files.Fail(
+      {.writes = Writes::FirstHalf, .counts = [](const Operation& o) { return o.name == "File.WriteAt"; }});
+  screen.script.Expect("view.error", Answer::Retry);
+  View("a");
+  EXPECT_EQ(ReadAll(view.PreviewFile), Pattern(40000));
+  for (const Operation& operation : bench.files.Record())
+    EXPECT_NE(operation.name, "Folder.Remove");
+}
+
+TEST_F(Preview, SaysWhatACancelledViewCouldNotDestroy) {
+  bench.Hide({"a", Pattern(40000)}).Load();
+  View("a");
+  bench.files.Fail({.counts = [](const Operation& o) { return o.name == "File.Sync"; }});
+  screen.script.CancelAtYield(screen.script.Yields() + 2);
+  screen.script.Expect("destroy.error", Answer::Abort).Expect("view.attention", Answer::Ok);
+  View("a");
+  EXPECT_EQ(view.ending, ViewEnding::Cancelled);
+  EXPECT_EQ(ReadAll(view.PreviewFile).find_first_not_of(' '), std::string::npos);
+}
+
+TEST_F(Preview, DestroysWhatItHasWrittenOnAFullDisk) {
+  bench.Hide({"a", Pattern(40000)}).Load();
+  bench.files.LimitSpace(20000);
+  screen.script.Expect("view.error", Answer::Abort);
+  View("a");
+  EXPECT_EQ(temp.Names(), Strings{});
+}
+
+TEST_F(Preview, LetsNothingElseRunWhileItIsLeft) {
+  bench.Hide({"a", "old"}).Load();
+  View("a");
+  const std::string before = ReadAll(bench.carrier);
+  screen.script.Expect("view.return", Answer::No).Expect("view.return-without", Answer::No);
+  ViewScript second;
+  screen.script.onAsk = [&](const Question&) {
+    EXPECT_EQ(Update().refused, UpdateResult::Refused::Busy);
+    EXPECT_EQ(Return(second), ViewReturn::Stay);
+    EXPECT_EQ(RunView(parcel, bench.faulty, second, nullptr).ending, ViewEnding::Busy);
+  };
+  EXPECT_EQ(Return(screen), ViewReturn::Stay);
+  EXPECT_EQ(ReadAll(bench.carrier), before);
+  script().Expect("update.confirm", Answer::Yes);
+  EXPECT_EQ(Update().ending, RewriteEnding::Done) << "the guard goes with the run";
+}
+
+TEST_F(Preview, NeverUpdatesFromAFileThatChangesMeanwhile) {
+  bench.Hide({"a", "old"}).Load();
+  View("a");
+  script().Always("update.confirm", Answer::Yes);
+  const std::string content = Pattern(200'000, 3);
+  for (const std::string& changed : {content + "grown", Pattern(200'000, 4)}) {
+    WriteAll(view.PreviewFile, content);
+    std::size_t reads = 0;
+    bench.files.before = [&](const Operation& operation) {
+      if (operation.name == "File.ReadAt" && operation.path == view.PreviewFile && ++reads == 3)
+        WriteAll(view.PreviewFile, changed);
+    };
+    script().Expect("update.error", Answer::Retry);
+    EXPECT_EQ(Update().ending, RewriteEnding::Done);
+    EXPECT_EQ(bench.Contents(), Strings{"a=" + changed});
+  }
+}
+
 TEST_F(Preview, MovesAnUpdatedEntryToTheEndAndFindsItAgain) {
   bench.Hide({.name = "a", .content = "old", .folder = "f", .mode = "600"}).Hide({"x", "his"}, kOther);
   bench.Hide({"b", "bb"}).Load();
@@ -94,12 +182,16 @@ TEST_F(Preview, KeepsAnEntryCompressedAtThePresentLevel) {
   bench.Compressed({"a", SampleText(10000)}).Load();
   View("a");
   script().Always("update.confirm", Answer::Yes);
-  WriteAll(view.PreviewFile, SampleText(90000));
-  EXPECT_EQ(Update(3).ending, RewriteEnding::Done);
-  EXPECT_EQ(bench.catalogue.Rows().at(0).Field(tag::kCompressed), "3");
-  EXPECT_LT(bench.catalogue.Rows().at(0).size, 60000);
-  bench.Extract(bench.All());
-  EXPECT_EQ(ReadAll(bench.target / "a"), SampleText(90000));
+  bench.extractScreen.script.Always("extract.overwrite", Answer::Yes);
+  const std::pair<int, const char*> levels[] = {{3, "3"}, {42, "9"}, {0, "0"}, {6, "0"}};
+  for (const auto& [level, stored] : levels) {
+    WriteAll(view.PreviewFile, SampleText(90000 + static_cast<std::size_t>(level)));
+    EXPECT_EQ(Update(level).ending, RewriteEnding::Done);
+    EXPECT_EQ(bench.catalogue.Rows()[0].Field(tag::kCompressed), stored);
+    EXPECT_EQ(bench.catalogue.Rows()[0].size < 60000, *stored != '0');
+    bench.Extract(bench.All());
+    EXPECT_EQ(ReadAll(bench.target / "a"), ReadAll(view.PreviewFile)) << level;
+  }
 }
 
 TEST_F(Preview, UpdatesNothingWithoutTheFileOrTheConsent) {
@@ -128,6 +220,8 @@ TEST_F(Preview, IsLeftByDestroyingFileAndFolder) {
                {"", {}, no, yes, {}, "return return-without", 0},
                {"", {}, no, no, {}, "return return-without", 3},
                {"Files.Remove", {}, yes, no, Answer::Retry, "return locked return", 0},
+               {"Files.Stat", ErrorNumber::PermissionDenied, yes, no, {}, "return attention", 3},
+               {"Files.Stat", ErrorNumber::DeviceIo, yes, no, {}, "return error attention", 3},
                {"Folder.RemoveFolder", ErrorNumber::PermissionDenied, yes, no, {}, "return attention", 1},
                {"Folder.RemoveFolder", ErrorNumber::PathFileAccess, yes, no, Answer::Cancel,
                 "return locked attention", 1},
@@ -141,8 +235,7 @@ TEST_F(Preview, IsLeftByDestroyingFileAndFolder) {
     person.script.Always("view.return", c.first).Always("view.return-without", c.second);
     person.script.Always("view.locked", c.locked).Always("view.error", Answer::Abort);
     person.script.Always("view.attention", Answer::Ok).Always("destroy.error", Answer::Abort);
-    const ViewReturn ending = ReturnFromView(view.PreviewFile, view.PreviewFolder, person, bench.files);
-    EXPECT_EQ(ending == ViewReturn::Stay, c.left == 3);
+    EXPECT_EQ(Return(person) == ViewReturn::Stay, c.first == no && c.second == no);
     std::string asked;
     for (const Question& question : person.script.Asked())
       if (question.id.starts_with("view.")) asked += (asked.empty() ? "" : " ") + question.id.substr(5);
@@ -153,7 +246,7 @@ TEST_F(Preview, IsLeftByDestroyingFileAndFolder) {
   View("a");
   std::filesystem::remove(view.PreviewFile);
   screen.script.Expect("view.return", yes);
-  EXPECT_EQ(ReturnFromView(view.PreviewFile, view.PreviewFolder, screen, bench.files), ViewReturn::Leave);
+  EXPECT_EQ(Return(screen), ViewReturn::Leave);
   EXPECT_TRUE(std::filesystem::exists(view.PreviewFolder)) << "it is left with whatever lies in it";
 }
 

@@ -67,12 +67,16 @@ TEST(Verify, ReportsWhatLiesBeforeATrailerThatLeadsNowhere) {
   EXPECT_TRUE(verdicts.at(1).starts_with(": ")) << verdicts.at(1);
 }
 
-TEST(Verify, EndsAtTheNextBlockOnceCancelled) {
-  VerifyBench bench;
-  bench.Hide({"a", Pattern(60000)});
-  bench.person.script.CancelAtYield(2);
-  EXPECT_TRUE(bench.Run().cancelled);
-  EXPECT_LE(bench.person.script.Yields(), 2u);
+TEST(Verify, EndsAtTheNextBlockOrEntryOnceCancelled) {
+  for (const Strings& later : {Strings{}, Strings{"b", "c", "d"}}) {
+    VerifyBench bench;
+    bench.Hide({"a", Pattern(60000)});
+    for (const std::string& name : later)
+      bench.Hide({name});
+    bench.person.script.CancelAtYield(2);
+    EXPECT_TRUE(bench.Run().cancelled);
+    EXPECT_LE(bench.person.script.Yields(), 2u);
+  }
 }
 
 }  // namespace tarnel::test

@@ -89,6 +89,22 @@ TEST_F(SearchTest, AnEmptyPasswordIsRefusedBeforeAnyFileIsLookedAt) {
   EXPECT_EQ(files.Count(), 0u);
 }
 
+TEST_F(SearchTest, AnEmptyPathIsNoFolder) {
+  EXPECT_EQ(SearchFolder({}, request, results, searching, person).ending, SearchEnding::Done);
+  EXPECT_EQ(files.Count(), 0u);
+}
+
+TEST_F(SearchTest, AFaultBehindTheEntryThatFitsHidesNoCarrier) {
+  Carrier("a.png", theirs).Hide({"ours", Pattern(20000)});
+  std::size_t reads = 0;  // the second of each probe is that of the older entry
+  files.Fail({.times = Times::FromThenOn, .counts = [&reads](const Operation& operation) {
+                return operation.name == "File.ReadAt" && ++reads % 2 == 0;
+              }});
+  request.oddFiles = OddFiles::PassOver;
+  EXPECT_EQ(Run().notSearched.size(), 0u);
+  EXPECT_EQ(Listed(), Strings{"a.png"});
+}
+
 TEST_F(SearchTest, OnlyFilesOfTheChosenTypeAreOpened) {
   Carrier("a.png").Carrier("b.jpg").Carrier("png").Carrier("d.txt").Carrier("e.");
   request.type = 7;
@@ -135,7 +151,10 @@ TEST_F(SearchTest, ACancelAtAnyYieldKeepsWhatWasFoundAndTheNextSearchFindsTheRes
   Carrier("a.png")
       .Carrier("b.png", {"secret", Algorithm::Twofish})
       .Carrier("c/c.png")
-      .Carrier("c/d.png", theirs);
+      .Carrier("c/d.png", theirs)
+      .Hide({"b"}, theirs)
+      .Hide({"c"}, theirs)
+      .Hide({"d"}, theirs);
   request.subfolders = true;
   Run();  // derives the keys
   script.ForgetTranscript();
@@ -143,9 +162,11 @@ TEST_F(SearchTest, ACancelAtAnyYieldKeepsWhatWasFoundAndTheNextSearchFindsTheRes
   ASSERT_EQ(all.size(), 3u);
   for (std::size_t n = script.Yields(); n > 0; --n) {
     results = {};
+    const std::size_t passed = script.Yields();
     std::size_t left = n;
     script.onYield = [&](std::size_t) { script.isCancelled = --left == 0 || script.isCancelled; };
     EXPECT_EQ(Run().ending, SearchEnding::Cancelled) << n;
+    EXPECT_LE(script.Yields(), passed + n + 1) << "a cancel is seen at the next look";
     const Strings found = Listed();
     EXPECT_TRUE(std::equal(found.begin(), found.end(), all.begin()));
     script.onYield = nullptr;
@@ -188,7 +209,7 @@ TEST_F(SearchTest, AbortAtAnUnreadableFileEndsAllFindingUnlessItIsPassedOver) {
     const char* failing;
     std::size_t asked, found, notSearched;
   } cases[] = {{OddFiles::PassOver, "Files.OpenToRead", 0, 1, 1},
-               {OddFiles::PassOver, "File.ReadAt", 1, 1, 0},
+               {OddFiles::PassOver, "File.ReadAt", 0, 1, 1},
                {OddFiles::Probe, "Files.OpenToRead", 1, 0, 0}};
   script.Always("probe.error", Answer::Abort);
   for (const auto& c : cases) {
