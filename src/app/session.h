@@ -121,7 +121,7 @@ class Session {
 
   SessionView* m_view = nullptr;
   std::shared_ptr<const HideoutKey> m_selectedHideout;  ///< kept, so that no other one gets its address
-  std::vector<std::string> m_selectedFolder;            ///< the texts from the root's child down
+  std::vector<WipedText> m_selectedFolder;              ///< the texts from the root's child down
 };
 
 }  // namespace tarnel
