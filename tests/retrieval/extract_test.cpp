@@ -139,9 +139,9 @@ TEST_F(Extract, NeverWritesOutsideTheTargetWhateverTheRecordSays) {
   std::vector<std::pair<std::string, std::string>> places;  // name and folder
   for (const char* name : {"..", ".", "../x", "/tmp/x", "a/b", "x/../../y", "/", "//", "./x", "link/x"})
     places.emplace_back(name, "");
-  for (const char* folder : {"..",    ".",       "\\",      "..\\..", "a\\..\\..\\b", "/etc",     "a\\/etc",
-                             "link",  "link\\a", "\\\\a",   "a\\\\b", "../..",        "a\\../..", "a\\.\\",
-                             "a\\..", "\\..",    "...\\..", "keep",   "keep\\a",      "a/../b",   "a\\"})
+  for (const char* folder : {"..",      ".",       "..\\..", "a\\..\\..\\b", "/etc",     "a\\/etc", "link",
+                             "link\\a", "\\\\a",   "a\\\\b", "../..",        "a\\../..", "a\\.\\",  "a\\..",
+                             "\\..",    "...\\..", "keep",   "keep\\a",      "a/../b",   "a\\"})
     places.emplace_back("ok", folder);
   bench.folder.Put("outside/keep", "");
   bench.folder.Put("out/keep", "");
