@@ -1,5 +1,6 @@
 #include "retrieval/pending_file.h"
 
+#include "base/permissions.h"
 #include "base/temp_names.h"
 
 namespace tarnel {
@@ -16,7 +17,7 @@ PendingFile::~PendingFile() {
 }
 
 void PendingFile::Complete(std::string_view name, mode_t mode) {
-  m_file->SetMode(mode);
+  SettleMode(*m_file, mode);
   m_file->Close();
   m_folder.Rename(m_name, name);
   m_name.clear();

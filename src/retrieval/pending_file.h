@@ -20,7 +20,8 @@ class PendingFile {
 
   File& Opened() { return *m_file; }
 
-  /// Sets the mode, closes the file and gives it its name, replacing whatever has that name in one step.
+  /// Sets the mode as SettleMode does, closes the file and gives it its name, replacing whatever has that
+  /// name in one step.
   void Complete(std::string_view name, mode_t mode);
 
  private:

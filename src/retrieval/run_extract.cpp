@@ -8,6 +8,7 @@
 #include "base/attempt.h"
 #include "base/attributes.h"
 #include "base/file_streams.h"
+#include "base/pace.h"
 #include "base/printable.h"
 #include "carrier/format.h"
 #include "carrier/stored_text.h"
@@ -63,6 +64,7 @@ class Extraction {
   };
 
   const MirrorRow& Row(std::size_t index) const { return m_catalogue.Rows()[index]; }
+  void WriteThrough();
   void ExtractEntry(const MirrorRow& row, std::size_t number, std::size_t count);
   Target FindTarget(const MirrorRow& row);
   void MustBeReplaceable(const FileStat& found, const Path& path);
@@ -92,10 +94,19 @@ ExtractResult Extraction::Run() {
     if (!list.empty()) PrepareKey(Row(list.front()).hideout->password, [this] { m_screen.Yield(); });
     for (std::size_t i = 0; i < list.size(); ++i)
       ExtractEntry(Row(list[i]), i + 1, list.size());
+    if (m_result.extracted > 0) WriteThrough();
   } catch (const Stop& stop) {
     End(stop);
   }
   return std::move(m_result);
+}
+
+/// Once for all files: whoever deletes the entries next must not lose both to a power cut.
+void Extraction::WriteThrough() {
+  const auto sync = [this] { m_files.SyncFileSystem(WithoutClosingSeparator(m_request.target)); };
+  const ErrorHandler handler{
+      [](const Error& error) { return questions::ExtractError(error, questions::ExtractFault::Other); }};
+  Attempt(m_screen, handler, [&] { RunYielding(m_screen, sync); });
 }
 
 void Extraction::ExtractEntry(const MirrorRow& row, std::size_t number, std::size_t count) {

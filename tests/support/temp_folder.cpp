@@ -89,11 +89,11 @@ OrdinaryUser::OrdinaryUser(const TempFolder& folder) : m_wasRoot(::geteuid() == 
   Check(::chown(folder.Where().c_str(), nobody, nobody) == 0, "chown");
   for (const std::string& name : folder.Names())
     Check(::lchown((folder / name).c_str(), nobody, nobody) == 0, "chown");
-  Check(::seteuid(nobody) == 0, "seteuid");
+  Check(::setegid(nobody) == 0 && ::seteuid(nobody) == 0, "seteuid");
 }
 
 OrdinaryUser::~OrdinaryUser() {
-  if (m_wasRoot && ::seteuid(0) != 0) std::terminate();
+  if (m_wasRoot && (::seteuid(0) != 0 || ::setegid(0) != 0)) std::terminate();
 }
 
 }  // namespace tarnel::test

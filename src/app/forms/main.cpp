@@ -9,6 +9,7 @@
 #include "app/instance_lock.h"
 #include "app/questions.h"
 #include "base/core_dumps.h"
+#include "base/size_limit.h"
 #include "crypto/keys.h"
 #include "formkit/dialogue_in_windows.h"
 #include "formkit/guarded.h"
@@ -60,6 +61,7 @@ int RunProgram(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   tarnel::ForbidCoreDumps(tarnel::Dumpable::Kept);
+  tarnel::SurviveFileSizeLimit();
   QApplication::setApplicationName(QStringLiteral("tarnel"));
   QApplication::setDesktopFileName(QStringLiteral("tarnel"));
   QApplication application(argc, argv);
