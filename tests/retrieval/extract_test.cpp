@@ -135,6 +135,13 @@ TEST_F(Extract, NeverReplacesTheCarrierItselfNorAFolder) {
   EXPECT_TRUE(std::filesystem::is_symlink(bench.carrier));
 }
 
+TEST_F(Extract, PutsAllOnTheMediumBeforeItIsDone) {
+  bench.Hide({"a"}).Hide({"b"});
+  bench.Load();
+  EXPECT_EQ(bench.Extract(bench.All()).extracted, 2u);
+  EXPECT_EQ(bench.files.Record().back().name, "Files.SyncFileSystem");
+}
+
 TEST_F(Extract, NeverWritesOutsideTheTargetWhateverTheRecordSays) {
   std::vector<std::pair<std::string, std::string>> places;  // name and folder
   for (const char* name : {"..", ".", "../x", "/tmp/x", "a/b", "x/../../y", "/", "//", "./x", "link/x"})
