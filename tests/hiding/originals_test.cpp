@@ -89,7 +89,7 @@ TEST(HiddenOriginals, StayIfTheyChangedAfterTheyWereComparedWithAllFoldersAbove)
         return;
       WriteAll(bench.Source("deep/a.txt"), "CONTENT");
     };
-    EXPECT_EQ(bench.Run(originals).front(),
+    EXPECT_EQ(bench.Run(originals).at(0),
               originals == Originals::Trash ? bench.folder / "sources" : bench.Source("deep/a.txt"));
     EXPECT_EQ(ReadAll(bench.Source("deep/a.txt")), "CONTENT");
   }
