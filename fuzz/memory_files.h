@@ -37,6 +37,7 @@ class MemoryFiles : public Files {
   void Rename(const Path&, const Path&) override { Refuse(); }
   void SetMode(const Path&, mode_t) override { Refuse(); }
   void SyncFolder(const Path&) override { Refuse(); }
+  void SyncFileSystem(const Path&) override { Refuse(); }
   std::vector<FolderEntry> List(const Path&) override { Refuse(); }
   std::int64_t FreeSpace(const Path&) override { Refuse(); }
   std::unique_ptr<Folder> OpenFolder(const Path&) override { Refuse(); }

@@ -114,7 +114,7 @@ TreeNode* Session::SelectedNode() const {
   for (const auto& root : catalogue.Roots()) {
     if (m_selectedHideout == nullptr || root->hideout != m_selectedHideout) continue;
     TreeNode* node = root.get();
-    for (const std::string& text : m_selectedFolder) {
+    for (const WipedText& text : m_selectedFolder) {
       const auto child = node->childByText.find(text);
       if (child == node->childByText.end()) return nullptr;
       node = child->second;

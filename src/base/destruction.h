@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <vector>
 
 #include "base/dialogue.h"
@@ -19,10 +20,23 @@ namespace tarnel {
 /// names show the blanks, for they are one file. A path where nothing stands is gone, and nobody is asked.
 /// Attributes are left alone, so a file that may not be written is an error.
 ///
-/// Errors are asked about with OverwriteError: Retry repeats the step, Ignore goes on with the next one (what
-/// needs the open file is left out if it could not be opened), Abort gives false. Yields at least every 100
-/// ms.
+/// Errors are asked about with OverwriteError: Retry repeats the step, and blocks that failed to reach the
+/// medium are written again; Ignore goes on with the next one (what needs the open file is left out if it
+/// could not be opened, and the medium is tried once more at the end only); Abort gives false. Yields at
+/// least every 100 ms.
 bool OverwriteAndKill(const Path& path, Dialogue& dialogue, Files& files);
+
+enum class Destroyed {
+  Gone,       ///< nothing has the name
+  Spoilt,     ///< still there, but overwritten at least in part
+  Untouched,  ///< still there, and nothing was written to it
+  Changed,    ///< no longer the file that was seen: what stands there now was left alone
+};
+
+/// OverwriteAndKill for a file whose contents are needed no more as they were when it was `seen`, by Stat of
+/// the open file. The file must be untouched since: that is looked at on the open file right before the first
+/// block, and the name must still lead to it when it is deleted. A symbolic link is not compared.
+Destroyed OverwriteAndKillAsSeen(const Path& path, const FileStat& seen, Dialogue& dialogue, Files& files);
 
 /// Removes a folder with all it holds, or a file, however write-protected. Symbolic links go, what they point
 /// to stays. A path where nothing stands is no error. Asks with RemoveError: Retry removes what is left,
@@ -39,9 +53,13 @@ struct ShellDeleteResult {
   bool Succeeded() const;
 };
 
+/// Asked right before a path is moved; false leaves it untried.
+using TrashGuard = std::function<bool(const Path&)>;
+
 /// Moves files and folders to the desktop's trash, from where the user can bring them back, after asking
 /// ConfirmTrash. A path that can't go is asked about with TrashError: Retry tries again, Ignore goes on with
 /// the next path, Abort ends with the rest untried. No paths: nothing is asked. Yields at least every 100 ms.
-ShellDeleteResult ShellDelete(const std::vector<Path>& paths, Dialogue& dialogue, Files& files);
+ShellDeleteResult ShellDelete(const std::vector<Path>& paths, Dialogue& dialogue, Files& files,
+                              const TrashGuard& mayGo = {});
 
 }  // namespace tarnel

@@ -8,8 +8,12 @@
 
 namespace tarnel {
 
-Error::Error(ErrorNumber number, const std::string& description, std::filesystem::path path)
-    : std::runtime_error(description), m_number(number), m_path(std::move(path)) {}
+Error::Error(ErrorNumber number, const std::string& description, std::filesystem::path path, int code)
+    : std::runtime_error(description), m_number(number), m_path(std::move(path)), m_code(code) {}
+
+bool IsRefusalOfModes(int code) {
+  return code == EPERM || code == EOPNOTSUPP || code == ENOSYS;
+}
 
 ErrorNumber NumberOfErrno(int code) {
   switch (code) {
@@ -52,7 +56,7 @@ Error ErrnoError(int code, std::string_view verb, const std::filesystem::path& p
     if (!acronym) reason[0] = static_cast<char>(reason[0] - 'A' + 'a');
   }
   return Error(NumberOfErrno(code),
-               "cannot " + std::string(verb) + " " + Printable(path.native()) + ": " + reason, path);
+               "cannot " + std::string(verb) + " " + Printable(path.native()) + ": " + reason, path, code);
 }
 
 }  // namespace tarnel

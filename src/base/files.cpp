@@ -4,6 +4,11 @@
 
 namespace tarnel {
 
+bool FileStat::IsUntouchedSince(const FileStat& before) const {
+  return IsSameFile(before) && kind == before.kind && size == before.size &&
+         modifiedNanoseconds == before.modifiedNanoseconds && changedNanoseconds == before.changedNanoseconds;
+}
+
 Length File::CopyAt(Position to, File& source, Position from, Length length) {
   constexpr Length blockSize = Length{256} * 1024;
   std::vector<std::uint8_t> block(static_cast<std::size_t>(std::min(length, blockSize)));

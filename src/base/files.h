@@ -40,8 +40,13 @@ struct FileStat {
   std::time_t modified = 0;
   std::time_t accessed = 0;
   uid_t owner = 0;
+  gid_t group = 0;
+  std::int64_t modifiedNanoseconds = 0;  ///< since 1970, as fine as the file system keeps it
+  std::int64_t changedNanoseconds = 0;   ///< of contents, names, owner or mode; no program can set it back
 
   bool IsSameFile(const FileStat& other) const { return device == other.device && inode == other.inode; }
+  /// The same file, and nothing has been done to it that its file system keeps a time of.
+  bool IsUntouchedSince(const FileStat& before) const;
 };
 
 /// An open file. Positioned reads and writes only, so that a failed statement can be run again.
@@ -71,15 +76,33 @@ class File {
   /// Sets the permission bits of the open file, whatever has become of its name.
   virtual void SetMode(mode_t mode) = 0;
 
+  /// Sets the time of last change, in seconds since 1970. Files that keep no times do nothing.
+  virtual void SetModified(std::int64_t) {}
+
+  /// Gives the file away. Files that have no owner do nothing.
+  virtual void SetOwner(uid_t, gid_t) {}
+
+  /// The access list as the platform keeps it, empty if there is none beside the permission bits. Where there
+  /// is one, the group's permission bits are the most that it gives to anybody but owner and others.
+  virtual std::string AccessList() { return {}; }
+  /// Sets a list that AccessList gave; an empty one takes the list away.
+  virtual void SetAccessList(const std::string&) {}
+
   /// Says that Sync will come. The platform then begins to put bytes on the medium while more are written, so
   /// that Sync waits less; without it, it begins when it sees fit. Promises nothing, and can't fail.
   virtual void ExpectSync() {}
 
-  /// Returns when the bytes are on the medium.
+  /// Returns when the bytes are on the medium. Once it has failed it fails again, for nobody knows which
+  /// bytes got there.
   virtual void Sync() = 0;
 
+  /// Says that all bytes since the last Sync that succeeded will be written again. The next Sync then counts.
+  virtual void ForgetFailedSync() {}
+
   /// Takes the advisory lock for this open file (flock). PermissionDenied if another process has it. Gone at
-  /// close.
+  /// close. Does nothing where files can't be locked, and where the file system locks none that is open for
+  /// reading only, as NFS does. On SMB the lock is no advice: no other open file can read or write then, not
+  /// even one of this process.
   virtual void Lock() = 0;
 
   /// Closes and reports what the platform still had to say. The file is closed whether it throws or not, and
@@ -124,7 +147,7 @@ class Folder {
   /// The entries, sorted by name bytes.
   virtual std::vector<FolderEntry> List() = 0;
 
-  /// Sets the permission bits of the open folder itself.
+  /// Sets the permission bits of the open folder itself, which need allow nothing for that.
   virtual void SetMode(mode_t mode) = 0;
 };
 
@@ -160,6 +183,10 @@ class Files {
   /// Makes the names in a folder durable. Platforms that can't do this are passed over in silence.
   virtual void SyncFolder(const Path& folder) = 0;
 
+  /// Returns when all bytes and names of the file system that holds `folder` are on the medium. Platforms
+  /// that can't do this are passed over in silence.
+  virtual void SyncFileSystem(const Path& folder) = 0;
+
   /// The folder's entries, sorted by name bytes.
   virtual std::vector<FolderEntry> List(const Path& folder) = 0;
 
@@ -183,6 +210,7 @@ class PosixFiles : public Files {
   void Rename(const Path& from, const Path& to) override;
   void SetMode(const Path& path, mode_t mode) override;
   void SyncFolder(const Path& folder) override;
+  void SyncFileSystem(const Path& folder) override;
   std::vector<FolderEntry> List(const Path& folder) override;
   std::int64_t FreeSpace(const Path& path) override;
   std::unique_ptr<Folder> OpenFolder(const Path& path) override;

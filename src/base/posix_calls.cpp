@@ -18,6 +18,14 @@ const char* ForCall(const Path& path) {
               path);
 }
 
+namespace {
+
+std::int64_t Nanoseconds(const timespec& time) {
+  return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+}
+
+}  // namespace
+
 FileStat ToFileStat(const struct stat& data) {
   FileStat result;
   result.kind = S_ISREG(data.st_mode)   ? FileKind::Regular
@@ -31,6 +39,9 @@ FileStat ToFileStat(const struct stat& data) {
   result.modified = data.st_mtime;
   result.accessed = data.st_atime;
   result.owner = data.st_uid;
+  result.group = data.st_gid;
+  result.modifiedNanoseconds = Nanoseconds(data.st_mtim);
+  result.changedNanoseconds = Nanoseconds(data.st_ctim);
   return result;
 }
 

@@ -1,7 +1,9 @@
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cassert>
 #include <cstddef>
 #include <string>
@@ -12,6 +14,9 @@
 namespace tarnel::posix {
 
 namespace {
+
+constexpr const char* accessList = "system.posix_acl_access";
+constexpr std::size_t mostOfAttribute = std::size_t{64} * 1024;  // Linux keeps no longer one
 
 class PosixFile : public File {
  public:
@@ -24,8 +29,13 @@ class PosixFile : public File {
   FileStat Stat() override;
   void Truncate(Length length) override;
   void SetMode(mode_t mode) override;
+  void SetModified(std::int64_t seconds) override;
+  void SetOwner(uid_t owner, gid_t group) override;
+  std::string AccessList() override;
+  void SetAccessList(const std::string& list) override;
   void ExpectSync() override { m_expectsSync = true; }
   void Sync() override;
+  void ForgetFailedSync() override { m_syncError = 0; }
   void Lock() override;
   void Close() override;
 
@@ -122,8 +132,33 @@ void PosixFile::Truncate(Length length) {
   Checked(Uninterrupted([&] { return ::ftruncate(Number(), length); }), "cut", m_path);
 }
 
+void PosixFile::SetModified(std::int64_t seconds) {
+  const std::timespec times[2] = {{.tv_sec = 0, .tv_nsec = UTIME_OMIT}, {.tv_sec = seconds, .tv_nsec = 0}};
+  Checked(Uninterrupted([&] { return ::futimens(Number(), times); }), "set the time of", m_path);
+}
+
 void PosixFile::SetMode(mode_t mode) {
   Checked(Uninterrupted([&] { return ::fchmod(Number(), mode); }), "change the permissions of", m_path);
+}
+
+void PosixFile::SetOwner(uid_t owner, gid_t group) {
+  Checked(Uninterrupted([&] { return ::fchown(Number(), owner, group); }), "change the owner of", m_path);
+}
+
+std::string PosixFile::AccessList() {
+  std::string list(mostOfAttribute, '\0');
+  const ssize_t got = ::fgetxattr(Number(), accessList, list.data(), list.size());
+  if (got < 0 && errno != ENODATA && errno != EOPNOTSUPP && errno != ENOSYS)
+    throw ErrnoError(errno, "look at the access list of", m_path);
+  list.resize(static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
+  return list;
+}
+
+void PosixFile::SetAccessList(const std::string& list) {
+  const int result = list.empty() ? ::fremovexattr(Number(), accessList)
+                                  : ::fsetxattr(Number(), accessList, list.data(), list.size(), 0);
+  const bool isGone = list.empty() && (errno == ENODATA || errno == EOPNOTSUPP || errno == ENOSYS);
+  if (result != 0 && !isGone) throw ErrnoError(errno, "change the access list of", m_path);
 }
 
 void PosixFile::Sync() {
@@ -133,7 +168,8 @@ void PosixFile::Sync() {
 
 void PosixFile::Lock() {
   if (Uninterrupted([&] { return ::flock(Number(), LOCK_EX | LOCK_NB); }) == 0) return;
-  if (errno == EOPNOTSUPP || errno == ENOSYS || errno == ENOLCK) return;
+  const bool cantLock = errno == EOPNOTSUPP || errno == ENOSYS || errno == ENOLCK || errno == EBADF;
+  if (cantLock) return;
   if (errno != EWOULDBLOCK) throw ErrnoError(errno, "lock", m_path);
   throw Error(ErrorNumber::PermissionDenied,
               "cannot lock " + Printable(m_path.native()) + ": another Tarnel is working on it", m_path);
@@ -150,8 +186,7 @@ int ForceMode(int descriptor, mode_t mode) {
   struct stat data {};
   if (::fstat(descriptor, &data) == 0 && (data.st_mode & 07777) == mode) return 0;
   if (::fchmod(descriptor, mode) == 0) return 0;
-  const bool isModeless = errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS;
-  return isModeless ? 0 : errno;
+  return IsRefusalOfModes(errno) ? 0 : errno;
 }
 
 }  // namespace

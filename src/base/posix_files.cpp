@@ -104,6 +104,14 @@ void PosixFiles::SyncFolder(const Path& folder) {
   if (!CantSyncFolders(errno)) throw ErrnoError(errno, "write the folder", folder);
 }
 
+void PosixFiles::SyncFileSystem(const Path& folder) {
+  const char* name = ForCall(OrHere(folder));
+  const Descriptor descriptor(
+      Uninterrupted([&] { return ::open(name, O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
+  if (descriptor.IsOpen() && Uninterrupted([&] { return ::syncfs(descriptor.Get()); }) == 0) return;
+  if (!CantSyncFolders(errno)) throw ErrnoError(errno, "write what lies in", folder);
+}
+
 std::vector<FolderEntry> PosixFiles::List(const Path& folder) {
   return posix::ListFolder(AT_FDCWD, ForCall(OrHere(folder)), folder);
 }

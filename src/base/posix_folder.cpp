@@ -1,5 +1,6 @@
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -102,6 +103,9 @@ std::vector<FolderEntry> PosixFolder::List() {
 }
 
 void PosixFolder::SetMode(mode_t mode) {
+  // Nothing but its own name leads to a folder that may not be entered, and fchmod takes no O_PATH.
+  const std::string self = "/proc/self/fd/" + std::to_string(Number());
+  if (::chmod(self.c_str(), mode) == 0) return;
   Checked(::fchmodat(Number(), ".", mode, 0), "change the permissions of", m_path);
 }
 

@@ -6,6 +6,8 @@
 #include <atomic>
 #include <cstdlib>
 
+#include "base/size_limit.h"
+
 namespace tarnel {
 
 namespace {
@@ -42,7 +44,7 @@ void CatchSignals() {
     if (number != SIGHUP || !IsIgnored(number)) sigaction(number, &action, nullptr);
   }
   std::signal(SIGPIPE, SIG_IGN);
-  std::signal(SIGXFSZ, SIG_IGN);
+  SurviveFileSizeLimit();
 }
 
 bool CancelSignalled() {

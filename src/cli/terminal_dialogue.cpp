@@ -11,8 +11,9 @@ namespace {
 constexpr int kMostRetries = 3;
 
 /// Questions that the command itself answers: nobody looks at a hideout after an abort, and an update was
-/// asked for.
-const std::map<std::string, Answer> kSettled = {{"load.reload", Answer::No}, {"update.confirm", Answer::Yes}};
+/// asked for, as the trash was with --originals=trash.
+const std::map<std::string, Answer> kSettled = {
+    {"load.reload", Answer::No}, {"update.confirm", Answer::Yes}, {"trash.confirm", Answer::Yes}};
 
 constexpr const char* kWalkQuestion = "load.error";
 constexpr const char* kDamagedQuestion = "extract.damaged";

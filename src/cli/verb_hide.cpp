@@ -17,6 +17,13 @@ constexpr const char* kDefaultTitle = "New Hideout";
 
 enum class Hideout { Joined, Made };
 
+/// Of what may lie beside a carrier a hide replaces the ".bak" only.
+std::vector<Path> BackupsBeside(const Path& carrier, Files& files) {
+  std::vector<Path> found = LeftoversBeside(carrier, files);
+  std::erase(found, TemporaryCarrierPath(carrier));
+  return found;
+}
+
 /// The verb from its beginning to its end; Run() lists the steps.
 class HideVerb {
  public:
@@ -29,7 +36,7 @@ class HideVerb {
 
   ExitCode Run() {
     RefuseBusy(m_bench.Carrier(), m_around.files);
-    AskAboutLeftovers(LeftoversBeside(m_bench.Carrier(), m_around.files), m_around);
+    AskAboutLeftovers(BackupsBeside(m_bench.Carrier(), m_around.files), m_around);
     Collect();
     OpenOrMake();
     Hide();
@@ -49,6 +56,7 @@ class HideVerb {
   void Hide();
   void CheckEnding();
   [[noreturn]] void EndAborted();
+  void WarnAboutBackup();
   void Report();
   std::string JsonText() const;
   ExitCode CodeOfResult() const;
@@ -166,7 +174,8 @@ void HideVerb::CheckEnding() {
     case HideEnding::TooLarge:
       throw CliFailure(ExitCode::Failed, "the carrier would become too large; it is as it was");
     case HideEnding::Aborted:
-      EndAborted();
+      if (!m_result.isComplete) EndAborted();
+      m_around.messages.Warn(m_around.talk.LastFailure().what());
   }
 }
 
@@ -200,7 +209,21 @@ std::string HideVerb::JsonText() const {
   return JsonLine(object);
 }
 
+void HideVerb::WarnAboutBackup() {
+  if (!m_result.backup.empty()) {
+    m_around.messages.Warn("the new entries may not be on the disk; the carrier as it was before is " +
+                           Printable(m_result.backup.native()));
+  }
+  if (!m_result.needlessBackup.empty()) {
+    m_around.messages.Warn(
+        "the backup is needed no more, for what is hidden stands in the carrier, but it is "
+        "still there: " +
+        Printable(m_result.needlessBackup.native()));
+  }
+}
+
 void HideVerb::Report() {
+  WarnAboutBackup();
   for (const Path& path : m_result.leftOut) {
     m_around.messages.Warn("left out: " + Printable(path.native()));
   }
@@ -218,8 +241,9 @@ void HideVerb::Report() {
 }
 
 ExitCode HideVerb::CodeOfResult() const {
-  const bool isWhole =
-      m_result.leftOut.empty() && m_result.originalsLeft.empty() && m_selection.Passed().empty();
+  const bool isWhole = m_result.ending == HideEnding::Done && m_result.backup.empty() &&
+                       m_result.needlessBackup.empty() && m_result.leftOut.empty() &&
+                       m_result.originalsLeft.empty() && m_selection.Passed().empty();
   return isWhole ? ExitCode::Done : ExitCode::PartlyDone;
 }
 

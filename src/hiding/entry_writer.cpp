@@ -3,11 +3,18 @@
 #include <algorithm>
 
 #include "base/attempt.h"
+#include "base/printable.h"
 
 namespace tarnel {
 
-EntryWriter::EntryWriter(File& carrier, Length end, HideScreen& screen, HideProgress& progress)
-    : m_carrier(carrier), m_screen(screen), m_progress(progress), m_end(end), m_valueAtEnd(progress.value) {
+EntryWriter::EntryWriter(File& carrier, const Path& path, Length end, HideScreen& screen,
+                         HideProgress& progress)
+    : m_carrier(carrier),
+      m_path(path),
+      m_screen(screen),
+      m_progress(progress),
+      m_end(end),
+      m_valueAtEnd(progress.value) {
   m_gathered.reserve(kGathered);
 }
 
@@ -16,7 +23,13 @@ void EntryWriter::Rewind() {
   m_inBlock = 0;
   m_written = 0;
   m_progress.value = m_valueAtEnd;
-  if (m_carrier.Size() != m_end) m_carrier.Truncate(m_end);
+  const Length size = m_carrier.Size();
+  if (size != m_end && !m_mayHavePart)
+    throw Error(ErrorNumber::DeviceIo,
+                "cannot hide in " + Printable(m_path.native()) + ": another program has changed its length",
+                m_path);
+  if (size != m_end) m_carrier.Truncate(m_end);
+  m_mayHavePart = false;
 }
 
 void EntryWriter::Write(Bytes bytes) {
@@ -52,6 +65,7 @@ Length EntryWriter::FinishPayload() {
 void EntryWriter::FinishEntry(std::string_view tail) {
   WriteThrough(AsBytes(tail));
   m_end += m_written;
+  m_mayHavePart = false;
   m_written = 0;
   m_valueAtEnd = m_progress.value;
 }
@@ -64,6 +78,7 @@ void EntryWriter::Advance(std::size_t bytes) {
 void EntryWriter::WriteThrough(Bytes bytes) {
   const Length length = static_cast<Length>(bytes.size());
   if (length > kCarrierLimit - m_end - m_written) throw Stop{StopReason::TooLarge};
+  m_hasBegun = m_mayHavePart = true;
   if (length != 0) m_carrier.WriteAt(Position{} + m_end + m_written, bytes);
   m_written += length;
 }

@@ -27,11 +27,17 @@ struct HideProgress {
 /// Error.
 class EntryWriter : public ByteSink {
  public:
-  /// Appends from position `end` + 1 on. The file must outlive the writer's last call.
-  EntryWriter(File& carrier, Length end, HideScreen& screen, HideProgress& progress);
+  /// Appends from position `end` + 1 on. `path` is for messages. The file must outlive the writer's last
+  /// call.
+  EntryWriter(File& carrier, const Path& path, Length end, HideScreen& screen, HideProgress& progress);
 
-  /// Cuts the carrier back to the end of its last whole entry, and takes the progress back with it.
+  /// Cuts the carrier back to the end of its last whole entry, and takes the progress back with it. Where
+  /// nothing was written behind that entry, bytes that are there or missing all the same are another
+  /// program's: DeviceIo.
   void Rewind();
+
+  /// Whether a byte may have been appended, now or ever.
+  bool HasBegun() const { return m_hasBegun; }
 
   /// Takes payload.
   void Write(Bytes bytes) override;
@@ -54,11 +60,14 @@ class EntryWriter : public ByteSink {
   void Advance(std::size_t bytes);
 
   File& m_carrier;
+  const Path m_path;
   HideScreen& m_screen;
   HideProgress& m_progress;
   Length m_end;
   Length m_written = 0;  ///< of the entry in the making
-  double m_valueAtEnd;   ///< progress that belongs to m_end
+  bool m_hasBegun = false;
+  bool m_mayHavePart = false;  ///< of an entry, behind m_end
+  double m_valueAtEnd;         ///< progress that belongs to m_end
   std::vector<std::uint8_t> m_gathered;
   std::size_t m_inBlock = 0;  ///< bytes at the end of m_gathered that make no full block yet
 };

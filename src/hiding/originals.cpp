@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <optional>
+#include <string>
+#include <system_error>
+#include <utility>
 
 #include "base/destruction.h"
 #include "base/pace.h"
@@ -9,36 +12,65 @@
 
 namespace tarnel {
 
+namespace {
+
+bool IsOnOrBelow(const Path& path, const Path& folder) {
+  const std::string& below = folder.native();
+  if (!path.native().starts_with(below)) return false;
+  return path.native().size() == below.size() || below.ends_with('/') || path.native()[below.size()] == '/';
+}
+
+}  // namespace
+
 OriginalsRemoval::OriginalsRemoval(const HideRequest& request, const Path& carrier, Files& files,
                                    HideScreen& screen, const ErrorHandler& handler)
     : m_request(request), m_carrier(carrier), m_files(files), m_screen(screen), m_handler(handler) {}
 
-void OriginalsRemoval::Run(const std::vector<std::size_t>& hidden, const std::vector<std::size_t>& readBack) {
-  NoteWhatShouldGo(hidden, readBack);
-  if (readBack.empty()) return;
-  if (Attempt(m_screen, m_handler, [&] { KeepTheRest(readBack); }) == Outcome::Ignored) return;
+void OriginalsRemoval::Expect(const std::vector<std::size_t>& hidden) {
+  m_hidden = hidden;
+  NoteWhatShouldGo();
+}
+
+void OriginalsRemoval::Run(const std::vector<RowReadBack>& readBack) {
+  m_readBack = readBack;
+  NoteWhatShouldGo();
+  if (m_readBack.empty()) return;
+  if (Attempt(m_screen, m_handler, [&] { KeepTheRest(); }) == Outcome::Ignored) return;
   if (m_request.originals == Originals::Destroy) {
-    for (const std::size_t row : readBack)
-      Attempt(m_screen, m_handler, [&] { DestroyFile(m_request.rows[row].source); });
+    for (const RowReadBack& row : m_readBack)
+      Attempt(m_screen, m_handler, [&] { DestroyFile(row); });
     for (const Path& path : m_request.chosen)
       Attempt(m_screen, m_handler, [&] { DestroyFolderWithoutFiles(path); });
   }
   if (m_request.originals == Originals::Trash) MoveChosenToTrash();
 }
 
-void OriginalsRemoval::NoteWhatShouldGo(const std::vector<std::size_t>& hidden,
-                                        const std::vector<std::size_t>& readBack) {
+bool OriginalsRemoval::IsReadBack(std::size_t row) const {
+  return std::binary_search(m_readBack.begin(), m_readBack.end(), RowReadBack{row, {}},
+                            [](const RowReadBack& a, const RowReadBack& b) { return a.row < b.row; });
+}
+
+void OriginalsRemoval::NoteWhatShouldGo() {
+  m_shouldGo.clear();
   const bool isTrash = m_request.originals == Originals::Trash;
-  for (const std::size_t row : hidden)
-    if (!isTrash || !std::binary_search(readBack.begin(), readBack.end(), row))
-      m_shouldGo.push_back(m_request.rows[row].source);
+  for (const std::size_t row : m_hidden)
+    if (!isTrash || !IsReadBack(row)) NoteFile(m_request.rows[row].source);
   if (isTrash) m_shouldGo.insert(m_shouldGo.end(), m_request.chosen.begin(), m_request.chosen.end());
 }
 
-void OriginalsRemoval::KeepTheRest(const std::vector<std::size_t>& readBack) {
+/// Of a link only the link is destroyed, and the person who asked for destruction has to hear that.
+void OriginalsRemoval::NoteFile(const Path& path) {
+  m_shouldGo.push_back(path);
+  std::error_code fault;
+  if (m_request.originals != Originals::Destroy || !std::filesystem::is_symlink(path, fault)) return;
+  Path target = std::filesystem::canonical(path, fault);
+  if (!fault) m_shouldGo.push_back(std::move(target));
+}
+
+void OriginalsRemoval::KeepTheRest() {
   Keep(m_carrier);
   for (std::size_t row = 0; row < m_request.rows.size(); ++row)
-    if (!std::binary_search(readBack.begin(), readBack.end(), row)) Keep(m_request.rows[row].source);
+    if (!IsReadBack(row)) Keep(m_request.rows[row].source);
 }
 
 void OriginalsRemoval::Keep(const Path& path) {
@@ -54,9 +86,33 @@ bool OriginalsRemoval::KeepOne(const Path& path, Files::Links links) {
   return stat && m_kept.insert({stat->device, stat->inode}).second;
 }
 
-void OriginalsRemoval::DestroyFile(const Path& path) {
-  if (HoldsKept(path)) return;
-  if (!OverwriteAndKill(path, m_screen, m_files) && IsThere(path)) m_files.Remove(path);
+void OriginalsRemoval::DestroyFile(const RowReadBack& row) {
+  const Path& path = m_request.rows[row.row].source;
+  const std::optional<FileStat> found = m_files.Stat(path, Files::Links::DontFollow);
+  if (!found || HoldsKept(path)) return;
+  const Destroyed outcome = OverwriteAndKillAsSeen(path, row.seen, m_screen, m_files);
+  const bool isLink = found->kind == FileKind::SymbolicLink;
+  if (!isLink && (outcome == Destroyed::Gone || outcome == Destroyed::Spoilt)) LookAgain(row.seen);
+  if (outcome == Destroyed::Gone) return;
+  if (outcome != Destroyed::Changed && IsTheOne(path, row.seen, outcome)) return m_files.Remove(path);
+  Keep(path);
+}
+
+/// Whether what could not be destroyed is still what was to be.
+bool OriginalsRemoval::IsTheOne(const Path& path, const FileStat& seen, Destroyed outcome) {
+  const std::optional<FileStat> now = m_files.Stat(path, Files::Links::DontFollow);
+  if (!now || now->kind == FileKind::SymbolicLink) return now.has_value();
+  return outcome == Destroyed::Spoilt ? now->IsSameFile(seen) : now->IsUntouchedSince(seen);
+}
+
+/// A file that is overwritten here is as good as seen: a row can be another name of it, and the row itself
+/// may be tried again.
+void OriginalsRemoval::LookAgain(FileStat destroyed) {
+  for (RowReadBack& other : m_readBack) {
+    if (!other.seen.IsSameFile(destroyed)) continue;
+    const std::optional<FileStat> now = m_files.Stat(m_request.rows[other.row].source);
+    if (now && now->IsSameFile(destroyed)) other.seen = *now;
+  }
 }
 
 void OriginalsRemoval::DestroyFolderWithoutFiles(const Path& path) {
@@ -78,7 +134,19 @@ void OriginalsRemoval::MoveChosenToTrash() {
     Attempt(m_screen, m_handler, [&] {
       if (!HoldsKept(path)) paths.push_back(path);
     });
-  if (!ShellDelete(paths, m_screen, m_files).Succeeded()) m_screen.Ask(TrashFailedQuestion());
+  const auto mayGo = [this](const Path& path) { return MayGoToTrash(path); };
+  if (!ShellDelete(paths, m_screen, m_files, mayGo).Succeeded()) m_screen.Ask(TrashFailedQuestion());
+}
+
+/// The originals on or below the path are still those that were compared.
+bool OriginalsRemoval::MayGoToTrash(const Path& path) {
+  for (const RowReadBack& row : m_readBack) {
+    const Path& source = m_request.rows[row.row].source;
+    if (!IsOnOrBelow(source, path)) continue;
+    const std::optional<FileStat> now = m_files.Stat(source);
+    if (now && !now->IsUntouchedSince(row.seen)) return false;
+  }
+  return true;
 }
 
 bool OriginalsRemoval::HoldsKept(const Path& path) {

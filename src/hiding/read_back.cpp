@@ -1,8 +1,9 @@
 #include "hiding/read_back.h"
 
 #include <algorithm>
-#include <cstdint>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "base/file_streams.h"
@@ -19,86 +20,126 @@ namespace {
 /// Compares what it is given with a file.
 class ComparingSink : public ByteSink {
  public:
-  ComparingSink(File& original, Pace& pace) : m_original(original), m_pace(pace) {}
+  explicit ComparingSink(File& original) : m_original(original) {}
 
   void Write(Bytes bytes) override {
     m_buffer.resize(bytes.size());
     const std::size_t got = m_original.ReadAt(Position{} + m_compared, m_buffer);
     m_isSame = m_isSame && got == bytes.size() && std::equal(bytes.begin(), bytes.end(), m_buffer.begin());
     m_compared += static_cast<Length>(bytes.size());
-    m_pace.Step();
   }
 
-  bool WasWholeFile() { return m_isSame && m_original.Size() == m_compared; }
+  bool WasWholeFile(Length size) const { return m_isSame && size == m_compared; }
 
  private:
   File& m_original;
-  Pace& m_pace;
   WipedBytes m_buffer;
   Length m_compared = 0;
   bool m_isSame = true;
 };
 
-class ReadBack {
+class PacedSource : public ByteSource {
  public:
-  ReadBack(const std::vector<NewEntry>& entries, const std::vector<HideRow>& rows,
-           const CurrentHideout& hideout, Files& files, Dialogue& dialogue)
-      : m_entries(entries), m_rows(rows), m_hideout(hideout), m_files(files), m_pace(dialogue) {}
+  PacedSource(ByteSource& inner, Pace& pace) : m_inner(inner), m_pace(pace) {}
 
-  std::vector<std::size_t> Run() {
-    try {
-      WalkNewEntries();
-    } catch (const Error&) {  // what lies behind the fault is not read back
-    }
-    std::sort(m_readBack.begin(), m_readBack.end());
-    return m_readBack;
+  std::size_t Read(MutableBytes into) override {
+    m_pace.Step();
+    return m_inner.Read(into);
   }
 
  private:
-  void WalkNewEntries() {
-    const std::unique_ptr<File> carrier = m_files.OpenToRead(m_hideout.CurrentCarrierPath);
-    Walk walk(*carrier);
-    for (auto entry = m_entries.rbegin(); entry != m_entries.rend(); ++entry) {
-      const std::optional<EntryPlace> place = walk.Next();
-      if (!place || place->start != entry->start || place->payload != entry->payload) return;
-      if (IsIdentical(*entry, RecordOf(walk), *carrier)) m_readBack.push_back(entry->row);
-      m_pace.Step();
+  ByteSource& m_inner;
+  Pace& m_pace;
+};
+
+class ReadBack {
+ public:
+  ReadBack(const std::vector<NewEntry>& entries, const std::vector<HideRow>& rows,
+           const CurrentHideout& hideout, File& carrier, Dialogue& dialogue)
+      : m_entries(entries), m_rows(rows), m_hideout(hideout), m_carrier(carrier), m_pace(dialogue) {}
+
+  /// Hands each entry that can be reached and opened to `look`, newest first.
+  void WalkNewEntries(const std::function<void(const NewEntry&, const WipedText&)>& look) {
+    try {
+      Walk walk(m_carrier);
+      for (auto entry = m_entries.rbegin(); entry != m_entries.rend(); ++entry) {
+        const std::optional<EntryPlace> place = walk.Next();
+        if (!place || place->start != entry->start || place->payload != entry->payload) return;
+        const WipedText record = RecordOf(walk);
+        if (GetTag(record, tag::kName) == ToStored(m_rows[entry->row].name, TextKind::PathComponent))
+          look(*entry, record);
+        m_pace.Step();
+      }
+    } catch (const Error&) {  // what lies behind the fault is not read back
     }
   }
 
-  WipedText RecordOf(Walk& walk) {
-    std::string secondKey;
-    return walk.DecryptRecord(m_hideout.CurrentAlgorithmId, m_hideout.CurrentPassword, secondKey);
+  /// The original as it was seen, if the entry holds its bytes.
+  std::optional<FileStat> IdenticalOriginal(const NewEntry& entry, const WipedText& record, Files& files) {
+    try {
+      const std::unique_ptr<File> original = files.OpenToRead(m_rows[entry.row].source);
+      const FileStat seen = original->Stat();
+      ComparingSink comparison(*original);
+      const bool isSame = TakeOut(entry, record, comparison).empty() && comparison.WasWholeFile(seen.size);
+      if (isSame && original->Stat().IsUntouchedSince(seen)) return seen;
+    } catch (const Error&) {  // what can't be compared is not identical
+    }
+    return std::nullopt;
   }
 
-  bool IsIdentical(const NewEntry& entry, const WipedText& record, File& carrier) {
-    if (GetTag(record, tag::kName) != ToStored(m_rows[entry.row].name, TextKind::PathComponent)) return false;
+  bool IsAuthentic(const NewEntry& entry, const WipedText& record) {
     try {
-      const std::unique_ptr<File> original = m_files.OpenToRead(m_rows[entry.row].source);
-      FileSource payload(carrier, m_hideout.CurrentCarrierPath, entry.start, entry.payload);
-      ComparingSink comparison(*original, m_pace);
-      const std::string fault = TakeOutPayload(payload, ClaimsOf(record), m_hideout.CurrentAlgorithmId,
-                                               m_hideout.CurrentPassword, comparison);
-      return fault.empty() && comparison.WasWholeFile();
+      NullSink nowhere;
+      return TakeOut(entry, record, nowhere).empty();
     } catch (const Error&) {
       return false;
     }
   }
 
+ private:
+  WipedText RecordOf(Walk& walk) {
+    std::string secondKey;
+    return walk.DecryptRecord(m_hideout.CurrentAlgorithmId, m_hideout.CurrentPassword, secondKey);
+  }
+
+  /// What is wrong with the entry's payload; empty if it is the one that the record names.
+  std::string TakeOut(const NewEntry& entry, const WipedText& record, ByteSink& plain) {
+    FileSource stretch(m_carrier, m_hideout.CurrentCarrierPath, entry.start, entry.payload);
+    PacedSource payload(stretch, m_pace);
+    return TakeOutPayload(payload, ClaimsOf(record), m_hideout.CurrentAlgorithmId, m_hideout.CurrentPassword,
+                          plain);
+  }
+
   const std::vector<NewEntry>& m_entries;
   const std::vector<HideRow>& m_rows;
   const CurrentHideout& m_hideout;
-  Files& m_files;
+  File& m_carrier;
   Pace m_pace;
-  std::vector<std::size_t> m_readBack;
 };
 
 }  // namespace
 
-std::vector<std::size_t> RowsThatReadBack(const std::vector<NewEntry>& entries,
+std::vector<RowReadBack> RowsThatReadBack(const std::vector<NewEntry>& entries,
                                           const std::vector<HideRow>& rows, const CurrentHideout& hideout,
-                                          Files& files, Dialogue& dialogue) {
-  return ReadBack(entries, rows, hideout, files, dialogue).Run();
+                                          File& carrier, Files& files, Dialogue& dialogue) {
+  std::vector<RowReadBack> found;
+  ReadBack reader(entries, rows, hideout, carrier, dialogue);
+  reader.WalkNewEntries([&](const NewEntry& entry, const WipedText& record) {
+    if (const auto seen = reader.IdenticalOriginal(entry, record, files)) found.push_back({entry.row, *seen});
+  });
+  std::sort(found.begin(), found.end(),
+            [](const RowReadBack& a, const RowReadBack& b) { return a.row < b.row; });
+  return found;
+}
+
+bool AllReadBack(const std::vector<NewEntry>& entries, const std::vector<HideRow>& rows,
+                 const CurrentHideout& hideout, File& carrier, Dialogue& dialogue) {
+  std::size_t authentic = 0;
+  ReadBack reader(entries, rows, hideout, carrier, dialogue);
+  reader.WalkNewEntries([&](const NewEntry& entry, const WipedText& record) {
+    if (reader.IsAuthentic(entry, record)) ++authentic;
+  });
+  return authentic == entries.size();
 }
 
 }  // namespace tarnel

@@ -35,9 +35,10 @@ namespace tarnel {
 // 2. The carrier is copied to its ".bak", which is on the medium before the first byte is appended.
 // 3. Each row is one restartable statement: cut the carrier back to its last whole entry, then write
 //    payload, record and trailer. A row that fails and is ignored leaves nothing behind.
-// 4. The carrier is synced and closed; only then the backup goes, and the old mode comes back.
+// 4. The carrier is synced; only then the backup goes, and the old mode comes back. From here on the carrier
+//    is complete: an error has no way back to the old one any more.
 // 5. Originals go after all new entries have been read back and compared with them.
-// 6. The hideout is loaded anew.
+// 6. The carrier is unlocked, and the hideout loaded anew.
 //
 // Entries are only ever appended, so a cancel restores the carrier by cutting it back to its old length.
 
@@ -54,6 +55,7 @@ class HideRun {
   HideResult Run();
 
  private:
+  bool IsWayBack() const;
   void RefuseWhatCannotBeHidden();
   void PrepareTheKey();
   void HideAll();
@@ -65,10 +67,13 @@ class HideRun {
   void EncryptPayload(SourceFile& source, ByteSink& payload);
   RecordFields FieldsOf(const HideRow& row, const FileStat& source, const PayloadSink& payload) const;
   void CompleteCarrier();
+  void SyncEntries();
+  std::vector<std::size_t> HiddenRows() const;
   void RemoveBackup();
   void ProtectOrRestoreMode();
   void RemoveOriginals();
 
+  void ShowRow(std::size_t row);
   void ShowEntryStages();
   void RefuseBeyondLimit(const SourceFile& source) const;
   void CheckSpace(Length required);
@@ -96,7 +101,6 @@ class HideRun {
   HeldCarrier m_carrier;
   EntryWriter m_writer;
   OriginalsRemoval m_removal;
-  bool m_hasBegun = false;   ///< bytes may have been appended
   bool m_isDurable = false;  ///< all entries are on the medium
   std::vector<NewEntry> m_entries;
   HideResult m_result;
@@ -110,7 +114,7 @@ HideRun::HideRun(const HideRequest& request, Reading& reading, HideScreen& scree
       m_hideout(reading.current),
       m_progress{.value = 0, .maximum = request.totalBytes},
       m_carrier(m_hideout.CurrentCarrierPath, m_files),
-      m_writer(m_carrier.Writing(), m_carrier.OldLength(), screen, m_progress),
+      m_writer(m_carrier.Opened(), m_hideout.CurrentCarrierPath, m_carrier.OldLength(), screen, m_progress),
       m_removal(request, m_hideout.CurrentCarrierPath, m_files, screen, m_handler) {}
 
 HideResult HideRun::Run() {
@@ -123,9 +127,18 @@ HideResult HideRun::Run() {
   }
   m_result.hidden = m_entries.size();
   m_result.originalsLeft = m_removal.Left();
-  if (m_carrier.BackupStands()) m_result.backup = m_carrier.Backup();
+  m_result.isComplete = m_isDurable;
+  if (m_carrier.BackupWasMade())
+    (IsWayBack() ? m_result.backup : m_result.needlessBackup) = m_carrier.Backup();
+  m_carrier.Release();
   Reload();
   return m_result;
+}
+
+/// Whether the backup holds anything that the carrier doesn't.
+bool HideRun::IsWayBack() const {
+  const bool isRestored = m_result.ending == HideEnding::Cancelled || m_result.ending == HideEnding::TooLarge;
+  return m_writer.HasBegun() && !m_isDurable && !isRestored;
 }
 
 void HideRun::RefuseWhatCannotBeHidden() {
@@ -153,8 +166,9 @@ void HideRun::HideAll() {
     for (std::size_t row = 0; row < m_request.rows.size(); ++row)
       TakeRow(row);
     CompleteCarrier();
-    RemoveBackup();
   }
+  if (m_request.originals != Originals::Keep) m_removal.Expect(HiddenRows());
+  RemoveBackup();
   ProtectOrRestoreMode();
   RemoveOriginals();
   m_progress.value = m_progress.maximum;
@@ -175,7 +189,6 @@ bool HideRun::MakeBackup() {
 
 void HideRun::TakeRow(std::size_t row) {
   if (m_screen.CancelRequested()) throw Stop{StopReason::Cancelled};
-  m_hasBegun = true;
   const Outcome outcome = Try([&] { AppendEntry(row); });
   if (outcome == Outcome::Done)
     m_screen.FileDone(row + 1);
@@ -187,11 +200,22 @@ void HideRun::TakeRow(std::size_t row) {
 void HideRun::AppendEntry(std::size_t row) {
   for (bool isWritten = false; !isWritten;) {
     m_writer.Rewind();
+    ShowRow(row);
     SourceFile source(m_files, m_request.rows[row].source, m_screen);
-    m_screen.ShowFile(row + 1, m_request.rows.size(), m_request.rows[row].source, source.Size());
     RefuseBeyondLimit(source);
     isWritten = WroteEntry(row, source);
   }
+}
+
+/// Before the file is opened, so that an error names the row that it stands for.
+void HideRun::ShowRow(std::size_t row) {
+  const Path& source = m_request.rows[row].source;
+  Length size = 0;
+  try {
+    size = m_files.Stat(source).value_or(FileStat{}).size;
+  } catch (const Error&) {  // opening it will say so
+  }
+  m_screen.ShowFile(row + 1, m_request.rows.size(), source, size);
 }
 
 /// False if the disk was full and the person has made room.
@@ -252,6 +276,7 @@ RecordFields HideRun::FieldsOf(const HideRow& row, const FileStat& source, const
   fields.title = m_hideout.CurrentHideoutTitle;
   if (const std::optional<mode_t> mode = ModeBeyond(source.mode)) fields.mode = OctalDigits(*mode);
   fields.seal = payload.SealText();
+  if (m_request.keepTimes) fields.mtime = std::to_string(source.modified);
   return fields;
 }
 
@@ -300,11 +325,29 @@ Path HideRun::Drive() {
 /// which hides all others; bytes that may not be on the medium keep backup and originals.
 void HideRun::CompleteCarrier() {
   if (Try([this] { m_writer.Rewind(); }) == Outcome::Ignored) throw Stop{StopReason::Aborted};
-  m_isDurable = Try([this] { m_carrier.SyncAndClose(m_writer.End()); }) == Outcome::Done;
+  m_isDurable = Try([this] { SyncEntries(); }) == Outcome::Done;
+}
+
+void HideRun::SyncEntries() {
+  m_carrier.SyncEntries(m_writer.End());
+  if (!m_carrier.WasWrittenAgain()) return;
+  if (AllReadBack(m_entries, m_request.rows, m_hideout, m_carrier.Opened(), m_screen)) return;
+  throw Error(ErrorNumber::DeviceIo,
+              "cannot write " + Printable(m_hideout.CurrentCarrierPath.native()) +
+                  ": the new entries don't read back as they were written",
+              m_hideout.CurrentCarrierPath);
+}
+
+std::vector<std::size_t> HideRun::HiddenRows() const {
+  std::vector<std::size_t> rows;
+  for (const NewEntry& entry : m_entries)
+    rows.push_back(entry.row);
+  return rows;
 }
 
 void HideRun::RemoveBackup() {
-  if (!m_isDurable) return;
+  const bool isWayBack = m_carrier.BackupStands() && !m_isDurable;
+  if (isWayBack || !m_carrier.BackupWasMade()) return;
   ShowStage(HideStage::DeleteBackup);
   Try([this] { m_carrier.DropBackup(); });
 }
@@ -316,12 +359,9 @@ void HideRun::ProtectOrRestoreMode() {
 void HideRun::RemoveOriginals() {
   if (m_request.originals == Originals::Keep) return;
   ShowStage(HideStage::Deleting);
-  std::vector<std::size_t> hidden;
-  for (const NewEntry& entry : m_entries)
-    hidden.push_back(entry.row);
-  std::vector<std::size_t> readBack;
-  if (m_isDurable) readBack = RowsThatReadBack(m_entries, m_request.rows, m_hideout, m_files, m_screen);
-  m_removal.Run(hidden, readBack);
+  if (!m_isDurable) return;
+  m_removal.Run(
+      RowsThatReadBack(m_entries, m_request.rows, m_hideout, m_carrier.Opened(), m_files, m_screen));
 }
 
 /// What the run has come to. An Abort on the way out of another ending makes it Aborted.
@@ -349,7 +389,8 @@ HideEnding HideRun::EndEarly(StopReason reason) {
 
 void HideRun::RestoreCarrier() {
   ShowStage(HideStage::RestoreCarrier);
-  if (Try([this] { m_carrier.CutBack(); }) == Outcome::Ignored) throw Stop{StopReason::Aborted};
+  const bool mustCut = m_writer.HasBegun();
+  if (mustCut && Try([this] { m_carrier.CutBack(); }) == Outcome::Ignored) throw Stop{StopReason::Aborted};
   m_entries.clear();
   m_result.leftOut.clear();
   Try([this] { m_carrier.RestoreMode(); });
@@ -365,11 +406,11 @@ void HideRun::EndWithoutSpace() {
   if (m_isDurable) Try([this] { m_carrier.DropBackup(); });
 }
 
-/// Nothing is restored or cleaned, unless nothing had been appended yet.
+/// Nothing is restored or cleaned, unless nothing had been appended.
 void HideRun::EndAborted() {
   m_progress.value = m_progress.maximum;
   m_screen.ShowProgress(m_progress.value, m_progress.maximum);
-  if (m_hasBegun) return m_carrier.LeaveWritable();
+  if (m_writer.HasBegun()) return m_carrier.LeaveWritable();
   try {
     m_carrier.DropBackup();
   } catch (const Error&) {  // an unneeded backup is named in the result

@@ -51,6 +51,7 @@ struct HideRequest {
   int compressionLevel = 6;
   bool saveFolders = true;
   bool writeProtect = false;
+  bool keepTimes = false;  ///< the sources' times of last change go into the records
   Originals originals = Originals::Keep;
   /// What to remove beside the rows: the chosen files and folders of the last selection. Trash takes these
   /// and only these; Destroy removes those of them that are folders without direct files.
@@ -62,7 +63,7 @@ enum class HideEnding {
   Cancelled,  ///< the carrier is as it was before
   NoSpace,    ///< refused; the entries finished before stay, all originals stay
   TooLarge,   ///< the carrier would reach 2 GiB; it is as it was before
-  Aborted,    ///< at an error: nothing restored, the backup stays beside the carrier if it was made
+  Aborted,    ///< at an error: nothing restored; see `isComplete` and `backup`
 };
 
 struct HideResult {
@@ -70,13 +71,18 @@ struct HideResult {
   std::size_t hidden = 0;           ///< entries that stand in the carrier now
   std::vector<Path> leftOut;        ///< rows passed over by Ignore; their originals stay
   std::vector<Path> originalsLeft;  ///< originals that should have gone and are still there
-  Path backup;                      ///< set where a backup was left behind
+  /// All that is hidden is on the medium, and what was left to do is no matter of the carrier's contents: its
+  /// mode, the backup's removal, the originals, of which some may be gone. An Abort then undoes nothing, and
+  /// the old carrier is no way back any more.
+  bool isComplete = false;
+  Path backup;          ///< set where the old carrier was left behind as the way back: never if `isComplete`
+  Path needlessBackup;  ///< set where it could not be removed though the carrier has no need of it
 };
 
 /// Hides the rows in the current hideout (reading.current): backup beside the carrier, one entry for each row
 /// in order, carrier synced before the backup goes, then the originals, then a reload. Refuses with an Error
 /// before a byte is written: a carrier that is no regular file, a row that is the carrier itself or its
-/// ".bak", a carrier that another process has locked.
+/// ".bak", a carrier that another process has locked. The carrier is unlocked before the reload.
 /// Cancel is looked at before each file and before each full block of a copy; the carrier then becomes byte
 /// for byte what it was.
 HideResult RunHide(const HideRequest& request, Reading& reading, HideScreen& screen);

@@ -53,9 +53,9 @@ void Selection::AddFile(const Path& file, std::string_view base) {
 }
 
 void Selection::AddIfRegular(const Path& file, const FileStat& stat, std::string_view base) {
+  if (stat.kind == FileKind::Folder) return PassOverFolder(file);
   if (stat.kind != FileKind::Regular) {
-    const bool isFolder = stat.kind == FileKind::Folder;
-    m_passed.push_back({file, isFolder ? "is a link to a folder" : "is a pipe, a socket or a device"});
+    m_passed.push_back({file, "is a pipe, a socket or a device"});
     return;
   }
   if (!m_paths.insert(file.native()).second) return;
@@ -65,6 +65,11 @@ void Selection::AddIfRegular(const Path& file, const FileStat& stat, std::string
   m_totalBytes += static_cast<double>(stat.size);
   m_screen.ShowAdded(file, m_collected.size());
   m_screen.Yield();
+}
+
+void Selection::PassOverFolder(const Path& folder) {
+  const std::optional<FileStat> own = m_files.Stat(folder, Files::Links::DontFollow);
+  if (own && own->kind == FileKind::SymbolicLink) m_passed.push_back({folder, "is a link to a folder"});
 }
 
 void Selection::WalkFolder(const Path& folder, std::string_view base) {

@@ -31,8 +31,8 @@ class Selection {
  public:
   Selection(Files& files, SelectionScreen& screen);
 
-  /// Adds one file with the folder text that `base` gives it (see FolderText). A path where nothing stands is
-  /// passed over in silence.
+  /// Adds one file with the folder text that `base` gives it (see FolderText). A path where nothing or
+  /// a folder stands is passed over in silence.
   void AddFile(const Path& file, std::string_view base);
 
   /// Adds all files below `folder`: first its own, then folder by folder. Symbolic links to files count as
@@ -55,6 +55,7 @@ class Selection {
 
  private:
   void AddIfRegular(const Path& file, const FileStat& stat, std::string_view base);
+  void PassOverFolder(const Path& folder);
   void AddFilesOf(const Path& folder, std::string_view base, std::vector<Path>& waiting);
   double SizeIfThere(const Path& file);
   static long FoldersAmong(const std::vector<HideRow>& rows);

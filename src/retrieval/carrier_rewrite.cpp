@@ -1,9 +1,12 @@
 #include "retrieval/carrier_rewrite.h"
 
 #include <algorithm>
+#include <functional>
+#include <string_view>
 #include <utility>
 
 #include "base/attributes.h"
+#include "base/permissions.h"
 #include "base/printable.h"
 #include "carrier/companions.h"
 #include "carrier/format.h"
@@ -25,6 +28,10 @@ std::unique_ptr<File> LockCarrier(const Path& carrier, Files& files) {
   const std::optional<FileStat> found = files.Stat(carrier);
   const bool isReadOnly = found && (found->mode & 0200) == 0;
   return OpenLocked(carrier, files, isReadOnly ? LockAccess::Read : LockAccess::Change);
+}
+
+std::size_t HashOf(Bytes bytes) {
+  return std::hash<std::string_view>()({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 
 /// A source that owns the one it takes its bytes from.
@@ -50,12 +57,14 @@ class CarrierRewrite::TemporarySink : public ByteSink {
   void Write(Bytes bytes) override {
     MustFit(static_cast<Length>(bytes.size()));
     m_sink.Write(bytes);
+    m_blocks.push_back({bytes.size(), HashOf(bytes)});
   }
   void CopyFrom(File& carrier, const Path& path, Position from, Length length) {
     MustFit(length);
     m_sink.CopyFrom(carrier, path, from, length);
   }
   Length Written() const { return m_sink.Written(); }
+  std::vector<MadeBlock> TakeBlocks() { return std::move(m_blocks); }
 
  private:
   void MustFit(Length length) const {
@@ -65,6 +74,7 @@ class CarrierRewrite::TemporarySink : public ByteSink {
   }
 
   FileSink m_sink;
+  std::vector<MadeBlock> m_blocks;
   Length m_room;
   const Path& m_path;
 };
@@ -117,6 +127,7 @@ void CarrierRewrite::KeepUntil(Position end) {
   if (end <= m_keep) return;
   const auto copy = [&](TemporarySink& sink) { CopyStretch(m_keep, end - m_keep, sink); };
   if (TryWrite(copy) == Outcome::Ignored) throw Stop{StopReason::Aborted};
+  m_pieces.back().from = m_keep;
   m_keep = end;
 }
 
@@ -143,6 +154,7 @@ Outcome CarrierRewrite::TryWrite(const std::function<void(TemporarySink&)>& part
       m_temporary->Truncate(m_written);
       TemporarySink sink(*m_temporary, m_written, m_temporaryPath);
       part(sink);
+      m_pieces.push_back({.at = m_written, .length = sink.Written(), .made = sink.TakeBlocks()});
       m_written += sink.Written();
     });
     if (outcome == Outcome::Ignored) m_progress = progress;
@@ -178,7 +190,7 @@ void CarrierRewrite::SetProgress(Length value, Length maximum) {
 }
 
 void CarrierRewrite::SetCarrierMode(mode_t mode) {
-  if (m_carrier->Stat().mode != mode) m_carrier->SetMode(mode);
+  SettleMode(*m_carrier, mode);
 }
 
 void CarrierRewrite::GiveAttributesBack() {
@@ -189,7 +201,7 @@ void CarrierRewrite::GiveAttributesBack() {
 }
 
 bool CarrierRewrite::Replace() {
-  Must([&] { m_temporary->Sync(); });
+  Must([&] { SyncTemporary(); });
   Must([&] {
     if (const std::unique_ptr<File> closing = std::move(m_temporary)) closing->Close();
   });
@@ -199,13 +211,47 @@ bool CarrierRewrite::Replace() {
     Attempt(m_screen, m_manner.handler, [&] { m_files.SyncFolder(m_carrierPath.parent_path()); });
   } catch (const Stop&) {  // nothing can be taken back any more
   }
+  m_temporary = nullptr;  // unlocked, for whoever reads the new carrier now
   return true;
+}
+
+void CarrierRewrite::SyncTemporary() {
+  if (m_mustWriteAgain) WriteAgain();
+  m_mustWriteAgain = true;
+  m_temporary->Sync();
+  m_mustWriteAgain = false;
+}
+
+void CarrierRewrite::WriteAgain() {
+  m_temporary->ForgetFailedSync();
+  for (const Piece& piece : m_pieces) {
+    if (piece.from)
+      FileSink(*m_temporary, Position{} + piece.at)
+          .CopyFrom(*m_carrier, m_carrierPath, *piece.from, piece.length);
+    else
+      WriteAgain(piece);
+  }
+}
+
+void CarrierRewrite::WriteAgain(const Piece& piece) {
+  std::vector<std::uint8_t> bytes;
+  Position place = Position{} + piece.at;
+  for (const MadeBlock& block : piece.made) {
+    bytes.resize(block.size);
+    if (m_temporary->ReadAt(place, bytes) != block.size || HashOf(bytes) != block.hash)
+      throw Error(ErrorNumber::DeviceIo,
+                  "cannot write " + Printable(m_temporaryPath.native()) +
+                      ": what was written does not read back the same",
+                  m_temporaryPath);
+    m_temporary->WriteAt(place, bytes);
+    place = place + static_cast<Length>(block.size);
+  }
 }
 
 void CarrierRewrite::LockTemporary() {
   if (!m_savedMode) m_savedMode = m_carrier->Stat().mode;
   if (!m_temporary) m_temporary = OpenLocked(m_temporaryPath, m_files);
-  m_temporary->SetMode(*m_savedMode);
+  TakeAccessOf(*m_carrier, *m_temporary, *m_savedMode);
 }
 
 bool CarrierRewrite::RenameOver() {
@@ -216,7 +262,10 @@ bool CarrierRewrite::RenameOver() {
   } catch (const Error& error) {
     m_screen.Ask(m_manner.notReplaced(m_temporaryPath, error));
   }
-  GiveAttributesBack();
+  try {
+    GiveAttributesBack();
+  } catch (const Stop&) {  // the new carrier lies there all the same, and has to be named
+  }
   return false;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -58,8 +59,9 @@ struct KnownEntry {
 /// order, through a temporary carrier beside the carrier; one rename puts that in the carrier's place. Until
 /// then the carrier keeps its bytes, so that no way out can lose them.
 ///
-/// The carrier stays locked until the object dies. A carrier that is reached through a symbolic link is
-/// replaced where it really lies. A carrier with several names in its folder loses them to the old bytes.
+/// The carrier stays locked until it is replaced or the object dies. A carrier that is reached through a
+/// symbolic link is replaced where it really lies. A carrier with several names in its folder loses them to
+/// the old bytes.
 class CarrierRewrite {
  public:
   /// Locks the carrier and makes the temporary one. Throws Error and leaves all as it was: PermissionDenied
@@ -95,9 +97,11 @@ class CarrierRewrite {
   std::unique_ptr<ByteSource> InBlocks(ByteSource& source, Length length);
   void SetProgress(Length value, Length maximum);
 
-  /// Puts the temporary carrier in the carrier's place, written through, with the carrier's mode. False if
-  /// the rename failed, which the person has been told. Once the rename is made Abort means no more than
-  /// Ignore.
+  /// Puts the temporary carrier in the carrier's place, written through, with the carrier's mode, owner and
+  /// group as TakeAccessOf gives them; nothing is locked then. False if the rename failed, which the person
+  /// has been told: Abort at giving the old carrier its mode back changes nothing of that. Once the rename is
+  /// made Abort means no more than Ignore. Where a sync fails, Retry writes all bytes again first: those kept
+  /// from the carrier, the others if they still read as they were written.
   bool Replace();
 
   /// Runs a statement under the manner's handler; Ignore ends the run as Abort does.
@@ -106,6 +110,18 @@ class CarrierRewrite {
  private:
   class TemporarySink;
 
+  struct MadeBlock {
+    std::size_t size = 0;
+    std::size_t hash = 0;
+  };
+  /// A stretch of the temporary carrier: copied from the carrier, or made of these blocks.
+  struct Piece {
+    Length at = 0;
+    Length length = 0;
+    std::optional<Position> from = std::nullopt;
+    std::vector<MadeBlock> made = {};
+  };
+
   Outcome TryWrite(const std::function<void(TemporarySink&)>& part);
   void CopyStretch(Position from, Length length, TemporarySink& sink);
   BlockCount CountBlocks(Length length);
@@ -113,6 +129,9 @@ class CarrierRewrite {
   void RefuseOrRemoveLeftover(Leftover leftover);
   void GiveAttributesBack();
   void SetCarrierMode(mode_t mode);
+  void SyncTemporary();
+  void WriteAgain();
+  void WriteAgain(const Piece& piece);
   void LockTemporary();
   bool RenameOver();
 
@@ -127,6 +146,8 @@ class CarrierRewrite {
   std::optional<mode_t> m_savedMode;
   Length m_carrierSize = 0;
   Length m_written = 0;
+  std::vector<Piece> m_pieces;    ///< up to m_written
+  bool m_mustWriteAgain = false;  ///< a sync has failed, which may have lost any of them
   Position m_keep;
   Length m_progress = 0;
   Length m_maximum = 0;

@@ -1,5 +1,6 @@
 #include "retrieval/pending_file.h"
 
+#include "base/permissions.h"
 #include "base/temp_names.h"
 
 namespace tarnel {
@@ -15,8 +16,9 @@ PendingFile::~PendingFile() {
   }
 }
 
-void PendingFile::Complete(std::string_view name, mode_t mode) {
-  m_file->SetMode(mode);
+void PendingFile::Complete(std::string_view name, const RestoredAttributes& attributes) {
+  SettleMode(*m_file, attributes.mode);
+  if (attributes.modified) m_file->SetModified(*attributes.modified);
   m_file->Close();
   m_folder.Rename(m_name, name);
   m_name.clear();

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "base/files.h"
+#include "retrieval/restored_file.h"
 
 namespace tarnel {
 
@@ -20,8 +21,9 @@ class PendingFile {
 
   File& Opened() { return *m_file; }
 
-  /// Sets the mode, closes the file and gives it its name, replacing whatever has that name in one step.
-  void Complete(std::string_view name, mode_t mode);
+  /// Sets the attributes, the mode as SettleMode does, closes the file and gives it its name, replacing
+  /// whatever has that name in one step.
+  void Complete(std::string_view name, const RestoredAttributes& attributes);
 
  private:
   Folder& m_folder;

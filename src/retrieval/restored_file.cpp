@@ -9,15 +9,29 @@
 
 namespace tarnel {
 
-mode_t RestoredModeOf(std::string_view record) {
-  const std::string_view text = GetTag(record, tag::kMode);
-  unsigned bits = 0;
-  const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), bits, 8);
-  const bool isMode = fault == std::errc() && end == text.data() + text.size();
+namespace {
+
+/// The number if the value is nothing but its digits.
+template <class Number>
+std::optional<Number> Whole(std::string_view text, int base) {
+  Number number{};
+  const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), number, base);
+  const bool isWhole = fault == std::errc() && end == text.data() + text.size();
+  return isWhole ? std::optional(number) : std::nullopt;
+}
+
+mode_t ModeOf(std::string_view record) {
+  const std::optional<unsigned> bits = Whole<unsigned>(GetTag(record, tag::kMode), 8);
   const double word = ReadNumber(GetTag(record, tag::kAttributes));
   const bool isWord = word >= 0 && word <= 0xFFFF;
-  return RestoredMode(isMode ? std::optional<mode_t>(bits & 0777) : std::nullopt,
+  return RestoredMode(bits ? std::optional<mode_t>(*bits & 0777) : std::nullopt,
                       isWord ? static_cast<int>(word) : attribute::Archive);
+}
+
+}  // namespace
+
+RestoredAttributes RestoredAttributesOf(std::string_view record) {
+  return {.mode = ModeOf(record), .modified = Whole<std::int64_t>(GetTag(record, tag::kMtime), 10)};
 }
 
 }  // namespace tarnel

@@ -6,6 +6,7 @@
 
 #include "base/attempt.h"
 #include "base/file_streams.h"
+#include "base/pace.h"
 #include "base/printable.h"
 #include "carrier/format.h"
 #include "carrier/payload.h"
@@ -50,6 +51,7 @@ class Extraction {
   };
 
   const MirrorRow& Row(std::size_t index) const { return m_catalogue.Rows()[index]; }
+  void WriteThrough();
   void ExtractEntry(const MirrorRow& row, std::size_t number, std::size_t count);
   Target FindTarget(const MirrorRow& row);
   void MustBeReplaceable(const FileStat& found, const Path& path);
@@ -80,10 +82,19 @@ ExtractResult Extraction::Run() {
     if (!list.empty()) PrepareKey(Row(list.front()).hideout->password, [this] { m_screen.Yield(); });
     for (std::size_t i = 0; i < list.size(); ++i)
       ExtractEntry(Row(list[i]), i + 1, list.size());
+    if (m_result.extracted > 0) WriteThrough();
   } catch (const Stop& stop) {
     End(stop);
   }
   return std::move(m_result);
+}
+
+/// Once for all files: whoever deletes the entries next must not lose both to a power cut.
+void Extraction::WriteThrough() {
+  const auto sync = [this] { m_files.SyncFileSystem(WithoutClosingSeparator(m_request.target)); };
+  const ErrorHandler handler{
+      [](const Error& error) { return questions::ExtractError(error, questions::ExtractFault::Other); }};
+  Attempt(m_screen, handler, [&] { RunYielding(m_screen, sync); });
 }
 
 void Extraction::ExtractEntry(const MirrorRow& row, std::size_t number, std::size_t count) {
@@ -157,7 +168,7 @@ void Extraction::WriteTarget(const MirrorRow& row, Target& target) {
   m_screen.ShowProgress(0, row.size);
   m_screen.Yield();
   TakeOut(row, pending.Opened());
-  pending.Complete(target.name, RestoredModeOf(row.record));
+  pending.Complete(target.name, RestoredAttributesOf(row.record));
   m_screen.ShowProgress(row.size, row.size);
   m_screen.Yield();
 }

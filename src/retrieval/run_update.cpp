@@ -118,6 +118,7 @@ void Update::WriteEntry(ByteSink& sink) {
   m_new.ViewPlainSize = std::to_string(size);
   m_new.ViewSize = stored;
   m_new.ViewSeal = payload.SealText();
+  if (!m_old.ViewMtime.empty()) m_new.ViewMtime = std::to_string(preview->Stat().modified);
   MustHoldTheFile(*preview, stored);
   m_new.ViewTail = SealEntry(Record(size, stored), stored, m_reading.current.CurrentAlgorithmId,
                              m_reading.current.CurrentPassword, m_reading.current.SecondKey);
@@ -170,7 +171,8 @@ WipedText Update::Record(Length size, Length stored) const {
                       .folder = m_old.ViewFolder,
                       .title = m_reading.current.CurrentHideoutTitle,
                       .mode = m_old.ViewMode,
-                      .seal = m_new.ViewSeal},
+                      .seal = m_new.ViewSeal,
+                      .mtime = m_new.ViewMtime},
                      RecordWriter::Rewrite);
 }
 

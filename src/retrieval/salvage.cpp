@@ -74,6 +74,7 @@ SalvageResult Salvage::Run() {
     m_result.found = m_records.size();
     for (auto record = m_records.rbegin(); record != m_records.rend(); ++record)
       TakeOut(*record);
+    if (m_result.salvaged > 0) Try([this] { m_files.SyncFileSystem(m_request.target); });
   } catch (const Stop& stop) {
     m_result.ending =
         stop.reason == StopReason::Cancelled ? SalvageEnding::Cancelled : SalvageEnding::Aborted;
@@ -139,7 +140,7 @@ std::string Salvage::WriteFile(const FoundRecord& record) {
   std::string fault = TakeOutTo(record, record.begin - payload, payload, pending.Opened());
   if (!fault.empty()) return fault;
   const std::string free = FreeName(*folder, name);
-  pending.Complete(free, RestoredModeOf(plain));
+  pending.Complete(free, RestoredAttributesOf(plain));
   m_screen.FileSalvaged(folder->Where() / free);
   return {};
 }

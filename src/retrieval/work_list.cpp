@@ -38,9 +38,9 @@ std::vector<std::size_t> ExtractWorkList(const ExtractRequest& request, const Ca
 }
 
 std::string RelativeFolder(const ExtractRequest& request, std::string_view folder) {
-  if (request.nodeItemFolder == kRootFolder) return std::string(folder);
-  if (folder.size() <= request.nodePath.size()) return {};
-  std::string_view rest = folder.substr(request.nodePath.size() + 1);
+  const bool isRoot = request.nodeItemFolder == kRootFolder;
+  if (!isRoot && folder.size() <= request.nodePath.size()) return {};
+  std::string_view rest = isRoot ? folder : folder.substr(request.nodePath.size() + 1);
   if (rest.starts_with('\\')) rest.remove_prefix(1);  // joining to the target gives one separator only
   return std::string(rest);
 }

@@ -21,7 +21,8 @@ std::vector<std::size_t> RowsInFolder(const Catalogue& catalogue, const Path& ca
 std::vector<std::size_t> ExtractWorkList(const ExtractRequest& request, const Catalogue& catalogue);
 
 /// The part of an entry's folder that lies below the node selected in the tree, or what is left of it when as
-/// many characters as the node's path has, and one more, are cut from its front.
+/// many characters as the node's path has, and one more, are cut from its front. One
+/// separator that then stands in front is dropped: folder texts of a base without a closing one begin so.
 std::string RelativeFolder(const ExtractRequest& request, std::string_view folder);
 
 /// The platform's names of the folder's parts, none for an empty folder. Throws Error BadFileName that names

@@ -41,9 +41,10 @@ TEST_F(DestructionTest, EachBlockGetsLettersThenBlanksAndAllIsSyncedBeforeTheDel
   };
   EXPECT_TRUE(OverwriteAndKill(path, person, files));
   EXPECT_THAT(firstBlock, ElementsAre(Pattern(4096).substr(0, 2), "XX", "  ", "  ", "  "));
-  EXPECT_THAT(OperationsOf(files), ElementsAre("Files.Stat", "Files.OpenToChange", "File.Stat", "File.Stat",
-                                               "File.WriteAt", "File.WriteAt", "File.WriteAt", "File.WriteAt",
-                                               "File.Sync", "File.Close", "Files.Remove", "Files.Stat"));
+  EXPECT_THAT(OperationsOf(files),
+              ElementsAre("Files.Stat", "Files.OpenToChange", "File.Stat", "File.Stat", "File.WriteAt",
+                          "File.WriteAt", "File.WriteAt", "File.WriteAt", "File.Sync", "File.Close",
+                          "Files.Stat", "Files.Remove", "Files.Stat"));
 }
 
 TEST_F(DestructionTest, ALinkIsNotFollowedNotEvenOneSlippedInBeforeTheOpen) {
@@ -99,6 +100,49 @@ TEST_F(DestructionTest, TheResultTellsTheTruthWhicheverStepFailsAndWhateverIsAns
   }
 }
 
+TEST_F(DestructionTest, AFileThatChangedSinceItWasSeenIsLeftAlone) {
+  const struct {
+    const char* moment;
+    std::string name, left;
+    bool isReplaced;
+  } cases[] = {{"Files.Stat", "in place", "NEW", false},
+               {"Files.OpenToChange", "in place late", "NEW", false},
+               {"Files.Stat", "by another", "NEW", true}};
+  for (const auto& c : cases) {
+    const Path path = folder.Put(c.name, "old");
+    const FileStat seen = posix.OpenToRead(path)->Stat();
+    FaultyFiles files(posix);
+    files.before = [&](const Operation& operation) {
+      if (operation.name != c.moment) return;
+      if (c.isReplaced) posix.Rename(folder.Put("saved", c.left), path);
+      if (!c.isReplaced) folder.Put(c.name, c.left);
+      files.before = {};
+    };
+    EXPECT_EQ(OverwriteAndKillAsSeen(path, seen, person, files), Destroyed::Changed) << c.name;
+    EXPECT_EQ(ReadAll(path), c.left);
+  }
+}
+
+TEST_F(DestructionTest, AFileSavedInPlaceOfTheOverwrittenOneStays) {
+  const Path path = folder.Put("f", "old");
+  FaultyFiles files(posix);
+  files.before = [&](const Operation& operation) {
+    if (operation.name == "File.Close") posix.Rename(folder.Put("saved", "NEW"), path);
+  };
+  person.script.Expect("destroy.error", Answer::Ignore);
+  EXPECT_FALSE(OverwriteAndKill(path, person, files));
+  EXPECT_EQ(ReadAll(path), "NEW");
+}
+
+TEST_F(DestructionTest, AMediumThatFailsForGoodIsAskedAboutTwiceNotForEachPiece) {
+  const Path path = folder.Put("f", Pattern(20 * 1024 * 1024));
+  FaultyFiles files(posix);
+  files.Fail({.times = Times::FromThenOn,
+              .counts = [](const Operation& operation) { return operation.name == "File.Sync"; }});
+  person.script.Expect("destroy.error", Answer::Ignore).Expect("destroy.error", Answer::Ignore);
+  EXPECT_TRUE(OverwriteAndKill(path, person, files));
+}
+
 TEST_F(DestructionTest, RemovePathTakesAWriteProtectedTreeAndLeavesWhatLinksPointTo) {
   folder.Put("tree/a/b/c/f", "x", 0400);
   folder.Put("tree/\n\xff", "x");
@@ -106,6 +150,7 @@ TEST_F(DestructionTest, RemovePathTakesAWriteProtectedTreeAndLeavesWhatLinksPoin
   Link("../outside", "tree/link");
   Link("outside", "link");
   posix.SetMode(folder / "tree/a/b", 0555);
+  posix.CreateFolder(folder / "tree/closed", 0000);
   const OrdinaryUser user;
   for (const char* name : {"tree/", "link", "missing/deeper/"})
     RemovePath(folder / name, person, posix);

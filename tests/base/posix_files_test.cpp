@@ -1,6 +1,32 @@
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <utility>
 
 #include "tests/base/files_bench.h"
+
+namespace {
+
+int g_syncError = 0, g_lockError = 0;
+
+int Failing(int& error, long result) {
+  if (error == 0) return static_cast<int>(result);
+  errno = std::exchange(error, 0);
+  return -1;
+}
+
+}  // namespace
+
+// Stand before the C library's: what a medium or a network folder says once.
+extern "C" int fsync(int file) {
+  return Failing(g_syncError, ::syscall(SYS_fsync, file));
+}
+extern "C" int StandInForFlock(int file, int operation) __asm__("flock");
+extern "C" int StandInForFlock(int file, int operation) {
+  return Failing(g_lockError, ::syscall(SYS_flock, file, operation));
+}
 
 namespace tarnel::test {
 namespace {
@@ -99,6 +125,24 @@ TEST_F(PosixFilesTest, ALockHoldsUntilClose) {
   EXPECT_EQ(error.Description(), "cannot lock " + path.native() + ": another Tarnel is working on it");
   file->Close();
   other->Lock();
+}
+
+TEST_F(PosixFilesTest, ASyncThatFailedGoesOnFailingUntilAllIsWrittenAgain) {
+  const auto file = posix.OpenToChange(folder.Put("f", "x"));
+  g_syncError = EIO;
+  for (int i = 0; i < 2; ++i)
+    EXPECT_EQ(NumberOf([&] { file->Sync(); }), ErrorNumber::DeviceIo);
+  file->ForgetFailedSync();
+  EXPECT_NO_THROW(file->Sync());
+  g_syncError = EIO;
+  EXPECT_EQ(NumberOf([&] { posix.SyncFolder(folder.Where()); }), ErrorNumber::DeviceIo);
+  g_syncError = EINVAL;
+  EXPECT_NO_THROW(posix.SyncFolder(folder.Where())) << "platforms without that are passed over";
+}
+
+TEST_F(PosixFilesTest, AFolderOnTheNetworkThatLocksNoReaderIsNoObstacle) {
+  g_lockError = EBADF;
+  EXPECT_NO_THROW(posix.OpenToRead(folder.Put("f", "x"))->Lock());
 }
 
 TEST_F(PosixFilesTest, ReadsAndWritesAtPositionsFromOne) {

@@ -2,8 +2,10 @@
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "base/core_dumps.h"
+#include "base/size_limit.h"
 #include "base/temp_names.h"
 #include "tests/support/surroundings.h"
 #include "tests/support/temp_folder.h"
@@ -20,6 +22,23 @@ TEST(CoreDumps, ThePipedHandlerIsStoppedTooAndPortalsWorkInTheWindow) {
   };
   for (const Dumpable dumpable : {Dumpable::Kept, Dumpable::Off})
     EXPECT_EXIT(::_exit(isForbidden(dumpable) ? 0 : 1), testing::ExitedWithCode(0), "");
+}
+
+TEST(FileSizeLimit, IsAnErrorOfTheWriteAndNotTheEndOfTheProcess) {
+  const auto isError = [] {
+    SurviveFileSizeLimit();
+    const test::TempFolder folder;
+    const rlimit one = {1, 1};
+    const auto file = PosixFiles().CreateNew(folder / "f", 0600);
+    ::setrlimit(RLIMIT_FSIZE, &one);
+    try {
+      file->WriteAt({2}, AsBytes("x"));
+    } catch (const Error& error) {
+      return error.Number() == ErrorNumber::DiskFull;
+    }
+    return false;
+  };
+  EXPECT_EXIT(::_exit(isError() ? 0 : 1), testing::ExitedWithCode(0), "");
 }
 
 TEST(TempNames, TheFolderIsPrivateWhateverTheUmaskAndItsNameIsRandom) {

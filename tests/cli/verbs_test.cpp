@@ -253,8 +253,8 @@ TEST_F(Verbs, ALeftoverBesideTheCarrierIsNeverReplacedUnasked) {
   EXPECT_FALSE(bench.Has("carrier.bak"));
   bench.terminal.canAsk = false;
   bench.Put("carrier.tmp", "precious");
-  for (const char* line : {"hide @carrier @other", "delete @carrier other"})
-    EXPECT_EQ(bench.Run(line), 1);
+  EXPECT_EQ(bench.Run("hide @carrier @other"), 0) << "a hide never touches it";
+  EXPECT_EQ(bench.Run("delete @carrier other"), 1);
   EXPECT_EQ(bench.Get("carrier.tmp"), "precious");
 }
 
@@ -364,6 +364,34 @@ TEST_F(Verbs, ABackupThatIsNotTheWholeCarrierIsNotPutBack) {
                  CliFailure);
     EXPECT_EQ(bench.Get("carrier"), Pattern(1000));
   }
+}
+
+TEST_F(Verbs, AskingForTheTrashIsTheConsent) {
+  bench.Put("a.txt", "content");
+  ::setenv("XDG_DATA_HOME", (bench.folder / "data").c_str(), 1);
+  EXPECT_EQ(bench.Run("hide @carrier @a.txt --originals=trash"), 0) << bench.terminal.err;
+  ::unsetenv("XDG_DATA_HOME");
+  EXPECT_EQ(bench.Get("data/Trash/files/a.txt"), "content");
+}
+
+/// Once originals may be gone the old carrier is no way back, whatever is answered.
+TEST_F(Verbs, AnAbortBehindTheLastEntryUndoesNothingAndReports) {
+  bench.Put("a.txt", "first");
+  bench.Put("b.txt", "second");
+  FaultyFiles faulty(bench.posix);
+  faulty.Fail({.times = Times::FromThenOn, .counts = [&](const Operation& operation) {
+                 return operation.name == "Files.Remove" && operation.path != bench.folder / "b.txt";
+               }});
+  bench.files = &faulty;
+  bench.terminal.canAsk = true;
+  bench.terminal.lines = {"i", "a"};  // the backup stays; a.txt can't be deleted
+  EXPECT_EQ(bench.Run("hide @carrier @a.txt @b.txt --originals=destroy --json"), 3) << bench.terminal.err;
+  bench.files = &bench.posix;
+  EXPECT_EQ(bench.Json().at("hidden"), 2);
+  EXPECT_EQ(bench.Json().at("originals_left").size(), 1U);
+  EXPECT_FALSE(bench.Has("b.txt"));
+  EXPECT_THAT(bench.terminal.err, HasSubstr("carrier.bak"));
+  EXPECT_THAT(Listed(), ElementsAre("/a.txt", "/b.txt"));
 }
 
 TEST_F(Verbs, ADiskThatFillsUpAnywhereLeavesTheCarrierAsItWas) {

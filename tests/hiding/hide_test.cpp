@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cerrno>
+
 #include "base/attempt.h"
 #include "hiding/entry_writer.h"
 #include "tests/hiding/hide_bench.h"
@@ -229,6 +231,133 @@ TEST(Hide, WritesAgainAfterAFailedSyncOrKeepsBackupAndOriginals) {
   }
 }
 
+TEST(Hide, DoesNotTrustASyncThatWorksOnlyWhenTriedAgainBeforeTheEntriesReadBack) {
+  HideBench bench;
+  bench.Row("a.txt", Pattern(300000));
+  bench.request.originals = Originals::Destroy;
+  bench.files.Fail(FailingCall("File.Sync", bench.carrier));
+  bench.script.Expect("hide.error", Answer::Retry).Expect("hide.error", Answer::Abort);
+  bench.script.onAsk = [&](const Question&) {  // the pages that failed to be written are dropped
+    if (bench.script.Asked().size() == 1) bench.FlipBit(2000, 1);
+  };
+  const HideResult result = bench.RunHide();
+  EXPECT_EQ(result.ending, HideEnding::Aborted);
+  EXPECT_FALSE(result.isComplete);
+  EXPECT_TRUE(bench.BackupIsOld());
+  EXPECT_EQ(ReadAll(bench.Source("a.txt")), Pattern(300000));
+}
+
+TEST(Hide, OffersTheOldCarrierAsTheWayBackOnlyUntilTheNewOneIsComplete) {
+  for (const std::string call : {"Files.Remove", "File.SetMode"}) {
+    HideBench bench;
+    bench.Row("a.txt", "content").Row("b.txt", "more").Mode(call == "Files.Remove" ? 0644 : 0444);
+    bench.request.originals = Originals::Destroy;
+    bench.files.Fail(call == "Files.Remove" ? FailingCall(call, BackupPath(bench.carrier))
+                                            : FailingCall(call, bench.carrier, 2));
+    bench.script.Expect("hide.error", Answer::Abort);
+    const HideResult result = bench.RunHide();
+    EXPECT_EQ(result.ending, HideEnding::Aborted);
+    EXPECT_TRUE(result.isComplete);
+    EXPECT_EQ(result.hidden, 2U);
+    EXPECT_EQ(result.originalsLeft.size(), 2U) << "they should have gone";
+    EXPECT_EQ(result.backup, Path());
+    EXPECT_EQ(result.needlessBackup.empty(), call == "File.SetMode");
+  }
+}
+
+TEST(Hide, CutsNothingThatAnotherProgramAppendedMeanwhile) {
+  for (const HideStage stage : {HideStage::CreateBackup, HideStage::Hiding}) {
+    HideBench bench;
+    bench.Row("a.txt", "content").Row("b.txt", "more");
+    bench.script.onYield = [&](std::size_t) {
+      const Strings& shown = bench.script.Transcript();
+      if (shown.size() < 2 || shown[shown.size() - 2] != StageText(stage)) return;
+      if (stage == HideStage::CreateBackup) bench.Append("foreign");
+      bench.script.onYield = {};
+    };
+    if (stage == HideStage::Hiding)
+      bench.files.before = [&](const Operation& operation) {
+        if (operation.name == "Files.OpenToRead" && operation.path == bench.Source("a.txt")) return;
+        if (operation.name == "Files.SyncFolder" && bench.Size() == 1000) bench.Append("foreign");
+      };
+    bench.script.Expect("hide.error", Answer::Abort);
+    EXPECT_EQ(bench.RunHide().ending, HideEnding::Aborted);
+    EXPECT_EQ(ReadAll(bench.carrier), bench.oldBytes + "foreign");
+    EXPECT_FALSE(bench.BackupExists());
+  }
+}
+
+TEST(Hide, AnOldBackupGoesOnlyWhenANewOneIsWhole) {
+  HideBench bench;
+  bench.Row("a.txt", "content");
+  bench.folder.Put("carrier.bin.bak", "rescue copy");
+  bench.files.LimitSpace(500);
+  bench.script.Expect("hide.error", Answer::Abort);
+  bench.RunHide();
+  EXPECT_EQ(ReadAll(BackupPath(bench.carrier)), "rescue copy");
+  EXPECT_EQ(bench.folder.Names().size(), 4U) << "no part of a copy";
+}
+
+TEST(Hide, WorksWhereLocksAreMandatoryAndModesAreRefused) {
+  for (const Originals originals : {Originals::Destroy, Originals::Keep}) {
+    HideBench bench;
+    bench.With({"old"}).Row("a.txt", "content");
+    bench.request.originals = originals;
+    bench.files.locksAreMandatory = true;
+    bench.files.Fail({.number = ErrorNumber::PermissionDenied,
+                      .code = EPERM,
+                      .times = Times::FromThenOn,
+                      .counts = [](const Operation& operation) {
+                        return operation.name == "File.SetMode" || operation.name == "File.SetOwner";
+                      }});
+    bench.Mode(0600);
+    EXPECT_EQ(bench.RunHide().ending, HideEnding::Done);
+    EXPECT_EQ(bench.Found().size(), 2U);
+  }
+}
+
+TEST(Hide, CutsTheCarrierThroughToTheMediumBeforeTheBackupGoes) {
+  HideBench bench;
+  bench.Row("a.txt", Pattern(17 * kCopyBlock));
+  bench.script.onYield = [&](std::size_t) { bench.script.isCancelled = bench.Size() > 1000; };
+  EXPECT_EQ(bench.RunHide().ending, HideEnding::Cancelled);
+  std::string order;
+  for (const Operation& operation : bench.files.Record())
+    if (operation.path == bench.carrier || operation.path == BackupPath(bench.carrier))
+      order += operation.name + " ";
+  const auto place = [&](const std::string& name) { return order.rfind(name); };
+  EXPECT_LT(place("File.Truncate"), place("File.Sync")) << order;
+  EXPECT_LT(place("File.Sync"), place("Files.Remove")) << order;
+}
+
+TEST(Hide, NeverTakesHalfAnEntryAtTheEndForAWholeOne) {
+  HideBench bench;
+  bench.Row("a.txt", "first").Row("b.txt", Pattern(17 * kCopyBlock));
+  bool hasFailed = false;
+  bench.files.Fail(
+      {.times = Times::FromThenOn, .writes = Writes::FirstHalf, .counts = [&](const Operation& o) {
+         hasFailed |= o.name == "File.WriteAt" && bench.Size() > 1100;
+         return hasFailed && (o.name == "File.WriteAt" || o.name == "File.Truncate") &&
+                o.path == bench.carrier;
+       }});
+  bench.script.Always("hide.error", Answer::Ignore).Always("load.error", Answer::Abort);
+  const HideResult result = bench.RunHide();
+  EXPECT_EQ(result.ending, HideEnding::Aborted);
+  EXPECT_EQ(result.backup, BackupPath(bench.carrier));
+  EXPECT_TRUE(bench.BackupIsOld());
+}
+
+TEST(Hide, NamesTheFileThatCannotBeOpened) {
+  HideBench bench;
+  bench.Row("a.txt", "first").Row("b.txt", "second");
+  std::filesystem::remove(bench.Source("b.txt"));
+  bench.script.Expect("hide.error", Answer::Ignore);
+  bench.script.onAsk = [&](const Question&) {
+    EXPECT_TRUE(bench.script.Transcript().end()[-2] == "file 2/2 b.txt 0");
+  };
+  bench.RunHide();
+}
+
 TEST(EntryWriter, EndsExactlyAtTheLimitAndNeverBehindIt) {
   const Length end = kCarrierLimit - 2 * static_cast<Length>(kCopyBlock) - 4;
   for (const std::size_t excess : {std::size_t{0}, std::size_t{1}}) {
@@ -236,7 +365,7 @@ TEST(EntryWriter, EndsExactlyAtTheLimitAndNeverBehindIt) {
     bench.CutTo(end);  // sparse
     HideProgress progress;
     const auto carrier = bench.files.OpenToChange(bench.carrier);
-    EntryWriter writer(*carrier, end, bench.hideScreen, progress);
+    EntryWriter writer(*carrier, bench.carrier, end, bench.hideScreen, progress);
     writer.Write(AsBytes(Pattern(2 * kCopyBlock)));
     writer.FinishPayload();
     const auto finish = [&] { writer.FinishEntry(std::string(4 + excess, 't')); };

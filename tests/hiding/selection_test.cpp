@@ -56,6 +56,8 @@ TEST_F(SelectionTest, TakesPathsOnceFoldersBeforeTheirSubfoldersAndTurnsTheOrder
     folder.Put(name, "xx");
   selection.AddFile(folder / "top/a", (folder / "top").native());
   selection.AddFile(folder / "top/missing", (folder / "top").native());
+  selection.AddFile(folder / "top/b", (folder / "top").native());
+  EXPECT_TRUE(selection.Passed().empty()) << "a folder is no link to one";
   selection.AddWholeFolder(folder / "top/");
   EXPECT_EQ(Rows(), (Strings{"4 in top\\c", "3 in top\\b\\sub", "2 in top\\b", "z in top", "a in "}));
   EXPECT_EQ(selection.TotalSelectedBytes(), 10);

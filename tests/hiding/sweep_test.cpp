@@ -53,8 +53,12 @@ struct SweepBench : HideBench {
       return;
     }
     EXPECT_TRUE(result->backup.empty() || BackupIsOld());
+    EXPECT_TRUE(result->backup.empty() || !result->isComplete);
     const bool isWhole = oldEntryReads && hidden.size() == 1 + result->hidden;
     EXPECT_TRUE(isWhole || (result->ending == HideEnding::Aborted && !result->backup.empty()));
+    const bool originalIsGone =
+        !std::filesystem::exists(Source("a.txt")) || ReadAll(Source("a.txt")) != contentOfA;
+    EXPECT_TRUE(!originalIsGone || (result->isComplete && isWhole));
     EXPECT_TRUE(result->ending != HideEnding::Cancelled || ReadAll(carrier) == oldBytes);
   }
 
@@ -82,7 +86,7 @@ TEST_P(HideSweep, FailingAnyFileOperationLosesNothing) {
     }
     bench.ExpectNothingLost(result);
     if (!result || times != Times::Once) continue;
-    EXPECT_EQ(bench.BackupExists(), !result->backup.empty());
+    EXPECT_EQ(bench.BackupExists(), !result->backup.empty() || !result->needlessBackup.empty());
     if (answer == Answer::Retry) {
       EXPECT_EQ(result->ending, ending);
       EXPECT_EQ(result->hidden, ending == HideEnding::Done ? 2U : 0U);

@@ -135,13 +135,20 @@ TEST_F(Extract, NeverReplacesTheCarrierItselfNorAFolder) {
   EXPECT_TRUE(std::filesystem::is_symlink(bench.carrier));
 }
 
+TEST_F(Extract, PutsAllOnTheMediumBeforeItIsDone) {
+  bench.Hide({"a"}).Hide({"b"});
+  bench.Load();
+  EXPECT_EQ(bench.Extract(bench.All()).extracted, 2u);
+  EXPECT_EQ(bench.files.Record().back().name, "Files.SyncFileSystem");
+}
+
 TEST_F(Extract, NeverWritesOutsideTheTargetWhateverTheRecordSays) {
   std::vector<std::pair<std::string, std::string>> places;  // name and folder
   for (const char* name : {"..", ".", "../x", "/tmp/x", "a/b", "x/../../y", "/", "//", "./x", "link/x"})
     places.emplace_back(name, "");
-  for (const char* folder : {"..",    ".",       "\\",      "..\\..", "a\\..\\..\\b", "/etc",     "a\\/etc",
-                             "link",  "link\\a", "\\\\a",   "a\\\\b", "../..",        "a\\../..", "a\\.\\",
-                             "a\\..", "\\..",    "...\\..", "keep",   "keep\\a",      "a/../b",   "a\\"})
+  for (const char* folder : {"..",      ".",       "..\\..", "a\\..\\..\\b", "/etc",     "a\\/etc", "link",
+                             "link\\a", "\\\\a",   "a\\\\b", "../..",        "a\\../..", "a\\.\\",  "a\\..",
+                             "\\..",    "...\\..", "keep",   "keep\\a",      "a/../b",   "a\\"})
     places.emplace_back("ok", folder);
   bench.folder.Put("outside/keep", "");
   bench.folder.Put("out/keep", "");

@@ -2,6 +2,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstdlib>
 #include <functional>
 #include <set>
 
@@ -105,6 +107,7 @@ TEST_P(Rewrite, LeavesTheOldCarrierOrTheNewOneWhateverFails) {
         EXPECT_TRUE(!isInside || mode == GetParam().modeAfterAbort) << mode;
         if (ending == RewriteEnding::Done) ++done;
         if (ending == RewriteEnding::NotReplaced) {
+          EXPECT_TRUE(times == Times::FromThenOn || mode == 0444) << mode;
           std::filesystem::rename(bench->temporary, bench->carrier);
           ExpectOldOrNew(*bench, RewriteEnding::Done);
         }
@@ -134,7 +137,10 @@ TEST_P(Rewrite, WritesTheNewCarrierThroughAndLocksItBeforeItTakesThePlaceOfTheOl
   const auto bench = Bench();
   bench->files.before = [&](const Operation& operation) {
     EXPECT_TRUE(std::filesystem::exists(bench->carrier)) << operation.name;
+    const bool isPart = operation.name == "File.WriteAt" && operation.path == bench->temporary;
+    EXPECT_TRUE(!isPart || bench->posix.Stat(bench->temporary)->mode == 0600) << "a part is nobody else's";
   };
+  bench->files.locksAreMandatory = true;
   EXPECT_EQ(Run(*bench), RewriteEnding::Done);
   std::string last;
   for (const Operation& operation : bench->files.Record())
@@ -184,6 +190,29 @@ TEST_P(Rewrite, RefusesWhereAFileOfTheUserLies) {
   }
   EXPECT_EQ(ReadAll(bench->temporary), "precious");
   EXPECT_EQ(ReadAll(bench->carrier), before);
+}
+
+TEST_P(Rewrite, SaysThatTheNewCarrierLiesThereEvenIfTheOldOneStaysWritable) {
+  const auto bench = Bench();
+  bool isOver = false;
+  bench->files.Fail({.times = Times::FromThenOn, .counts = [&](const Operation& operation) {
+                       isOver |= operation.name == "Files.Rename";
+                       return operation.name == "Files.Rename" ||
+                              (isOver && operation.name == "File.SetMode");
+                     }});
+  bench->rewriteScreen.script.Always(std::string(GetParam().name) + ".error", Answer::Abort);
+  EXPECT_EQ(Run(*bench), RewriteEnding::NotReplaced);
+  EXPECT_TRUE(std::filesystem::exists(bench->temporary));
+}
+
+TEST_P(Rewrite, WorksWhereTheFileSystemKeepsNoModes) {
+  const auto bench = Bench();
+  WriteAll(bench->carrier, before, 0600);
+  bench->files.Fail({.number = ErrorNumber::PermissionDenied,
+                     .code = EPERM,
+                     .times = Times::FromThenOn,
+                     .counts = [](const Operation& operation) { return operation.name == "File.SetMode"; }});
+  EXPECT_EQ(Run(*bench), RewriteEnding::Done);
 }
 
 INSTANTIATE_TEST_SUITE_P(

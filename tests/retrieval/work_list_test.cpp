@@ -12,6 +12,8 @@ TEST(RelativeFolder, IsWhatLiesBelowTheSelectedNode) {
     std::string nodeItemFolder, nodePath, folder, relative;
   } cases[] = {{"*RootFolder*", "", "Pics\\2024", "Pics\\2024"},
                {"*RootFolder*", "", "", ""},
+               {"*RootFolder*", "", "\\docs\\old", "docs\\old"},  // of a base without a closing separator
+               {"*RootFolder*", "", "\\\\docs", "\\docs"},
                {"Pics\\2024", "Pics", "Pics\\2024", "2024"},  // a node may carry a deeper folder than its own
                {"Pics", "Pics", "Pics", ""},
                {"Pics", "Pics", "Pi", ""},

@@ -1,5 +1,7 @@
 #include "tests/support/faulty_files.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -10,10 +12,16 @@ class FaultyFile : public File {
   FaultyFile(FaultyFiles& files, std::unique_ptr<File> inner, Path path)
       : m_files(files), m_inner(std::move(inner)), m_path(std::move(path)) {}
 
+  ~FaultyFile() override { m_files.Unlock(*this, m_path); }
+
   std::size_t ReadAt(Position from, MutableBytes into) override {
+    m_files.RefuseIfLocked(*this, m_path);
     return Enter("File.ReadAt").ReadAt(from, into);
   }
-  void WriteAt(Position to, Bytes bytes) override { m_files.Write(*m_inner, m_path, to, bytes); }
+  void WriteAt(Position to, Bytes bytes) override {
+    m_files.RefuseIfLocked(*this, m_path);
+    m_files.Write(*m_inner, m_path, to, bytes);
+  }
   FileStat Stat() override { return Enter("File.Stat").Stat(); }
   void Truncate(Length length) override {
     File& file = Enter("File.Truncate");
@@ -22,10 +30,25 @@ class FaultyFile : public File {
     m_files.GiveBack(oldSize - length);
   }
   void SetMode(mode_t mode) override { Enter("File.SetMode").SetMode(mode); }
-  void Sync() override { Enter("File.Sync").Sync(); }
-  void Lock() override { Enter("File.Lock").Lock(); }
+  void SetModified(std::int64_t seconds) override { Enter("File.SetModified").SetModified(seconds); }
+  void SetOwner(uid_t owner, gid_t group) override { Enter("File.SetOwner").SetOwner(owner, group); }
+  std::string AccessList() override { return Enter("File.AccessList").AccessList(); }
+  void SetAccessList(const std::string& list) override { Enter("File.SetAccessList").SetAccessList(list); }
+  // Like the platform's: once it has failed it fails again.
+  void Sync() override {
+    if (std::optional<Error> fault = m_files.Count("File.Sync", m_path)) m_syncFault = std::move(fault);
+    if (m_syncFault) throw Error(*m_syncFault);
+    m_inner->Sync();
+  }
+  void ForgetFailedSync() override { m_syncFault.reset(); }
+  void Lock() override {
+    File& file = Enter("File.Lock");
+    file.Lock();
+    if (m_files.locksAreMandatory) m_files.m_locked[m_path] = this;
+  }
   // Like the platform's: closed whether it fails or not.
   void Close() override {
+    m_files.Unlock(*this, m_path);
     const std::optional<Error> fault = m_files.Count("File.Close", m_path);
     m_inner->Close();
     if (fault) throw Error(*fault);
@@ -40,6 +63,7 @@ class FaultyFile : public File {
   FaultyFiles& m_files;
   std::unique_ptr<File> m_inner;
   Path m_path;
+  std::optional<Error> m_syncFault;
 };
 
 class FaultyFolder : public Folder {
@@ -96,7 +120,20 @@ std::optional<Error> FaultyFiles::Count(const char* name, const Path& path) {
   if (!fails) return std::nullopt;
   m_hasFailed = true;
   return Error(m_fault->number,
-               "cannot do " + operation.name + " on " + path.native() + ": as the test wanted", path);
+               "cannot do " + operation.name + " on " + path.native() + ": as the test wanted", path,
+               m_fault->code);
+}
+
+void FaultyFiles::RefuseIfLocked(const File& file, const Path& path) {
+  const auto holder = m_locked.find(path);
+  if (holder == m_locked.end() || holder->second == &file) return;
+  ADD_FAILURE() << path << " is locked by another open file";
+  throw Error(ErrorNumber::PermissionDenied, path.native() + " is locked by another open file", path);
+}
+
+void FaultyFiles::Unlock(const File& file, const Path& path) {
+  const auto holder = m_locked.find(path);
+  if (holder != m_locked.end() && holder->second == &file) m_locked.erase(holder);
 }
 
 Files& FaultyFiles::Enter(const char* name, const Path& path) {
@@ -162,6 +199,11 @@ void FaultyFiles::Rename(const Path& from, const Path& to) {
   Enter("Files.Rename", from);
   const std::int64_t replaced = from == to ? 0 : SizeOf(to);
   m_inner.Rename(from, to);
+  m_locked.erase(to);
+  if (auto moved = m_locked.extract(from)) {
+    moved.key() = to;
+    m_locked.insert(std::move(moved));
+  }
   GiveBack(replaced);
 }
 

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <limits>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -22,6 +23,7 @@ enum class Writes { Nothing, FirstHalf };
 struct Fault {
   std::size_t at = 1;  ///< the k-th operation that counts, from 1
   ErrorNumber number = ErrorNumber::DeviceIo;
+  int code = 0;  ///< errno value
   Times times = Times::Once;
   Writes writes = Writes::Nothing;                    ///< what a failing WriteAt has written before it throws
   std::function<bool(const Operation&)> counts = {};  ///< which operations count; all if empty
@@ -46,6 +48,9 @@ class FaultyFiles : public Files {
   /// DiskFull. Removing and cutting files gives space back. FreeSpace tells what is left.
   void LimitSpace(std::int64_t bytes) { m_space = bytes; }
 
+  /// As on SMB: while one open file has a path locked, the test fails where another reads or writes it.
+  bool locksAreMandatory = false;
+
   std::size_t Count() const { return m_record.size(); }
   const std::vector<Operation>& Record() const { return m_record; }
   bool HasFailed() const { return m_hasFailed; }
@@ -68,6 +73,9 @@ class FaultyFiles : public Files {
   }
   void Rename(const Path& from, const Path& to) override;
   void SetMode(const Path& path, mode_t mode) override { Enter("Files.SetMode", path).SetMode(path, mode); }
+  void SyncFileSystem(const Path& folder) override {
+    Enter("Files.SyncFileSystem", folder).SyncFileSystem(folder);
+  }
   void SyncFolder(const Path& folder) override { Enter("Files.SyncFolder", folder).SyncFolder(folder); }
   std::vector<FolderEntry> List(const Path& folder) override {
     return Enter("Files.List", folder).List(folder);
@@ -85,6 +93,8 @@ class FaultyFiles : public Files {
   std::size_t Fitting(File& file, Position to, std::size_t length) const;
   void GiveBack(std::int64_t bytes);
   std::int64_t SizeOf(const Path& path);
+  void RefuseIfLocked(const File& file, const Path& path);
+  void Unlock(const File& file, const Path& path);
 
   Files& m_inner;
   std::vector<Operation> m_record;
@@ -92,6 +102,7 @@ class FaultyFiles : public Files {
   std::size_t m_counted = 0;
   bool m_hasFailed = false;
   std::optional<std::int64_t> m_space;
+  std::map<Path, const File*> m_locked;
 };
 
 }  // namespace tarnel::test

@@ -31,7 +31,7 @@ void DirViewModel::AddItems() {
 }
 
 void DirViewModel::AddItem(Item& parent, TreeNode& node, Keys& keys) {
-  Place place(parent.key, node.IsRoot() ? node.hideout->carrier.native() : node.text);
+  Place place(parent.key, node.IsRoot() ? node.hideout->carrier.native() : std::string(node.text));
   const auto known = m_keys.find(place);
   auto item = std::make_unique<Item>(Item{.node = &node,
                                           .parent = &parent,

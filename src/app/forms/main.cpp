@@ -7,6 +7,7 @@
 #include "app/forms/program.h"
 #include "app/instance_lock.h"
 #include "base/core_dumps.h"
+#include "base/size_limit.h"
 #include "crypto/keys.h"
 #include "formkit/dialogue_in_windows.h"
 #include "formkit/guarded.h"
@@ -46,6 +47,7 @@ int RunOnThisMachine(const std::vector<std::string>& arguments, tarnel::Dialogue
 
 int main(int argc, char** argv) {
   tarnel::ForbidCoreDumps(tarnel::Dumpable::Kept);
+  tarnel::SurviveFileSizeLimit();
   QApplication::setApplicationName(QStringLiteral("tarnel"));
   QApplication::setDesktopFileName(QStringLiteral("tarnel"));
   QApplication application(argc, argv);  // takes its own arguments away
