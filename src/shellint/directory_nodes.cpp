@@ -160,7 +160,7 @@ DirectoryNode* DirectoryNodes::Child(const DirectoryNode& parent, std::string_vi
   return parent.children[row].get();
 }
 
-std::size_t DirectoryNodes::RowOf(const DirectoryNode& node) const {
+std::size_t DirectoryNodes::RowOf(const DirectoryNode& node) {
   if (!node.isRoot) return PlaceFor(*node.parent, node.name);
   const Children& roots = node.parent->children;
   const auto place =

@@ -58,7 +58,7 @@ class DirectoryNodes {
   void RemoveChildren(DirectoryNode& parent);
 
   DirectoryNode* Child(const DirectoryNode& parent, std::string_view name) const;
-  std::size_t RowOf(const DirectoryNode& node) const;
+  static std::size_t RowOf(const DirectoryNode& node);
 
   /// All nodes of that path; a folder has one below each root that leads to it. The first one hangs from the
   /// root that is nearest.

@@ -87,7 +87,6 @@ class DirectoryTree {
   void Clear();
 
   const DirectoryNode& Top() const { return m_nodes.Top(); }
-  std::size_t RowOf(const DirectoryNode& node) const { return m_nodes.RowOf(node); }
 
   /// The selected node's; empty if there is none.
   tarnel::Path Path() const;

@@ -179,6 +179,7 @@ bool DirectoryTree::Continue() {
     } else {
       WorkAhead();
     }
+    SettleSelection();
   }
   return HasWork();
 }
