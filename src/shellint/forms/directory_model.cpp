@@ -87,6 +87,11 @@ QVariant DirectoryModel::data(const QModelIndex& index, int role) const {
   }
 }
 
+/// Shown to screen readers only.
+QVariant DirectoryModel::headerData(int, Qt::Orientation, int role) const {
+  return role == Qt::DisplayRole ? Translated("Folders") : QVariant();
+}
+
 Qt::ItemFlags DirectoryModel::flags(const QModelIndex& index) const {
   if (!index.isValid()) return Qt::NoItemFlags;
   const Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable;

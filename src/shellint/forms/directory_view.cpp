@@ -5,6 +5,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QStyledItemDelegate>
+#include <algorithm>
 
 #include "formkit/layouts.h"
 #include "formkit/text.h"
@@ -59,6 +60,11 @@ DirectoryView::DirectoryView(QWidget* parent) : QTreeView(parent) {
 void DirectoryView::SetHidesSelection(bool isOn) {
   m_hidesSelection = isOn;
   viewport()->update();
+}
+
+/// The rows fill the width also where all names are short.
+int DirectoryView::sizeHintForColumn(int column) const {
+  return std::max(QTreeView::sizeHintForColumn(column), viewport()->width());
 }
 
 void DirectoryView::keyPressEvent(QKeyEvent* event) {

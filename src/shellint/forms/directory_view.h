@@ -25,6 +25,7 @@ class DirectoryView : public QTreeView {
   void FocusCame();
 
  protected:
+  int sizeHintForColumn(int column) const override;
   void keyPressEvent(QKeyEvent* event) override;
   void contextMenuEvent(QContextMenuEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
