@@ -35,6 +35,7 @@ class MemoryFiles : public Files {
   void RemoveFolder(const Path&) override { Refuse(); }
   void CreateFolder(const Path&, mode_t) override { Refuse(); }
   void Rename(const Path&, const Path&) override { Refuse(); }
+  void RenameNoReplace(const Path&, const Path&) override { Refuse(); }
   void SetMode(const Path&, mode_t) override { Refuse(); }
   void SyncFolder(const Path&) override { Refuse(); }
   void SyncFileSystem(const Path&) override { Refuse(); }

@@ -39,6 +39,7 @@ struct FileStat {
   std::uint64_t inode = 0;
   std::time_t modified = 0;
   std::time_t accessed = 0;
+  std::time_t created = 0;  ///< `modified` where the file system keeps no time of birth
   uid_t owner = 0;
   gid_t group = 0;
   std::int64_t modifiedNanoseconds = 0;  ///< since 1970, as fine as the file system keeps it
@@ -178,6 +179,12 @@ class Files {
   virtual void RemoveFolder(const Path& path) = 0;  ///< an empty folder
   virtual void CreateFolder(const Path& path, mode_t mode) = 0;
   virtual void Rename(const Path& from, const Path& to) = 0;  ///< replaces `to` in one step
+
+  /// Gives `from` the name `to` only if nothing has it, not even a dangling link: FileExists otherwise, and
+  /// nothing has changed. Also where the file system can't do both in one step, nothing is ever replaced. A
+  /// name that differs in nothing but what the file system makes no difference of (upper and lower case on
+  /// some) is free.
+  virtual void RenameNoReplace(const Path& from, const Path& to) = 0;
   virtual void SetMode(const Path& path, mode_t mode) = 0;
 
   /// Makes the names in a folder durable. Platforms that can't do this are passed over in silence.
@@ -208,6 +215,7 @@ class PosixFiles : public Files {
   void RemoveFolder(const Path& path) override;
   void CreateFolder(const Path& path, mode_t mode) override;
   void Rename(const Path& from, const Path& to) override;
+  void RenameNoReplace(const Path& from, const Path& to) override;
   void SetMode(const Path& path, mode_t mode) override;
   void SyncFolder(const Path& folder) override;
   void SyncFileSystem(const Path& folder) override;

@@ -48,6 +48,13 @@ std::string DateAndTime(std::time_t moment) {
 #pragma GCC diagnostic pop
 }
 
+std::string DottedDateAndTime(std::time_t moment) {
+  std::tm local{};
+  if (::localtime_r(&moment, &local) == nullptr) return std::to_string(moment);
+  std::array<char, 100> text{};
+  return {text.data(), std::strftime(text.data(), text.size(), "%d.%m.%Y %H:%M:%S", &local)};
+}
+
 std::string HumanSize(std::int64_t bytes) {
   if (bytes < 1024) return std::to_string(bytes) + " B";
   static constexpr std::array<const char*, 6> units = {"KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};

@@ -16,6 +16,9 @@ std::string PlainNumber(double number);
 /// The moment in local time: short date, blank, time, both in the locale's form. Not meant to be parsed.
 std::string DateAndTime(std::time_t moment);
 
+/// The moment in local time as "DD.MM.YYYY hh:nn:ss", whatever the locale.
+std::string DottedDateAndTime(std::time_t moment);
+
 /// "999 B", "1.2 MiB": one decimal place from 1 KiB on, in powers of 1024, for progress lines and reports.
 std::string HumanSize(std::int64_t bytes);
 

@@ -1,5 +1,7 @@
 #include "base/posix_calls.h"
 
+#include <fcntl.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <string>
@@ -20,28 +22,35 @@ const char* ForCall(const Path& path) {
 
 namespace {
 
-std::int64_t Nanoseconds(const timespec& time) {
+std::int64_t Nanoseconds(const struct statx_timestamp& time) {
   return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
 }
 
 }  // namespace
 
-FileStat ToFileStat(const struct stat& data) {
-  FileStat result;
-  result.kind = S_ISREG(data.st_mode)   ? FileKind::Regular
-                : S_ISDIR(data.st_mode) ? FileKind::Folder
-                : S_ISLNK(data.st_mode) ? FileKind::SymbolicLink
-                                        : FileKind::Other;
-  result.size = data.st_size;
-  result.mode = data.st_mode & 07777;
-  result.device = data.st_dev;
-  result.inode = data.st_ino;
-  result.modified = data.st_mtime;
-  result.accessed = data.st_atime;
-  result.owner = data.st_uid;
-  result.group = data.st_gid;
-  result.modifiedNanoseconds = Nanoseconds(data.st_mtim);
-  result.changedNanoseconds = Nanoseconds(data.st_ctim);
+FileKind KindOf(mode_t mode) {
+  return S_ISREG(mode)   ? FileKind::Regular
+         : S_ISDIR(mode) ? FileKind::Folder
+         : S_ISLNK(mode) ? FileKind::SymbolicLink
+                         : FileKind::Other;
+}
+
+int StatAt(int folder, const char* name, int flags, FileStat& into) {
+  struct statx data {};
+  const int result = ::statx(folder, name, flags, STATX_BASIC_STATS | STATX_BTIME, &data);
+  if (result != 0) return result;
+  into.kind = KindOf(data.stx_mode);
+  into.size = static_cast<Length>(data.stx_size);
+  into.mode = data.stx_mode & 07777;
+  into.device = ::makedev(data.stx_dev_major, data.stx_dev_minor);
+  into.inode = data.stx_ino;
+  into.modified = data.stx_mtime.tv_sec;
+  into.accessed = data.stx_atime.tv_sec;
+  into.created = (data.stx_mask & STATX_BTIME) != 0 ? data.stx_btime.tv_sec : data.stx_mtime.tv_sec;
+  into.owner = data.stx_uid;
+  into.group = data.stx_gid;
+  into.modifiedNanoseconds = Nanoseconds(data.stx_mtime);
+  into.changedNanoseconds = Nanoseconds(data.stx_ctime);
   return result;
 }
 

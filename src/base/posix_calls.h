@@ -49,10 +49,17 @@ Result Checked(Result result, std::string_view verb, const Path& path) {
 /// The path for a system call. A zero byte in it, which would cut it short, is a BadFileName.
 const char* ForCall(const Path& path);
 
-FileStat ToFileStat(const struct stat& data);
+FileKind KindOf(mode_t mode);
+
+/// fstatat, with the time of birth. Negative with errno set if it fails.
+int StatAt(int folder, const char* name, int flags, FileStat& into);
 
 /// "it is a folder" and the like, as a PathFileAccess.
 Error NotRegular(FileKind kind, const Path& path);
+
+/// RenameNoReplace where the platform can't do it in one step: the new name is taken first, by a link or by
+/// an empty file or folder, and then only that is replaced. Negative with errno set if it fails.
+int RenameByTakingTheName(const char* from, const char* to);
 
 std::unique_ptr<File> MakeFile(Descriptor descriptor, const Path& path);
 std::unique_ptr<Folder> MakeFolder(Descriptor descriptor, const Path& path);

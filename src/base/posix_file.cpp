@@ -123,9 +123,9 @@ Length PosixFile::CopyAt(Position to, File& source, Position from, Length length
 }
 
 FileStat PosixFile::Stat() {
-  struct stat data {};
-  Checked(::fstat(Number(), &data), "look at", m_path);
-  return ToFileStat(data);
+  FileStat stat;
+  Checked(StatAt(Number(), "", AT_EMPTY_PATH, stat), "look at", m_path);
+  return stat;
 }
 
 void PosixFile::Truncate(Length length) {

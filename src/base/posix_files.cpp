@@ -17,7 +17,7 @@ using posix::Uninterrupted;
 namespace {
 
 void MustBeRegular(const struct stat& data, const Path& path) {
-  const FileKind kind = posix::ToFileStat(data).kind;
+  const FileKind kind = posix::KindOf(data.st_mode);
   if (kind != FileKind::Regular) throw posix::NotRegular(kind, path);
 }
 
@@ -47,9 +47,9 @@ bool CantSyncFolders(int code) {
 }  // namespace
 
 std::optional<FileStat> PosixFiles::Stat(const Path& path, Links links) {
-  struct stat data {};
+  FileStat stat;
   const int flags = links == Links::Follow ? 0 : AT_SYMLINK_NOFOLLOW;
-  if (::fstatat(AT_FDCWD, ForCall(path), &data, flags) == 0) return posix::ToFileStat(data);
+  if (posix::StatAt(AT_FDCWD, ForCall(path), flags, stat) == 0) return stat;
   if (errno == ENOENT || errno == ENOTDIR) return std::nullopt;
   throw ErrnoError(errno, "look at", path);
 }

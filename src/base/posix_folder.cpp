@@ -71,8 +71,8 @@ Error PosixFolder::CannotEnter(int code, const Path& path, const std::optional<F
 
 std::optional<FileStat> PosixFolder::Stat(std::string_view name) {
   const std::string component = Component(name);
-  struct stat data {};
-  if (::fstatat(Number(), component.c_str(), &data, AT_SYMLINK_NOFOLLOW) == 0) return ToFileStat(data);
+  FileStat stat;
+  if (StatAt(Number(), component.c_str(), AT_SYMLINK_NOFOLLOW, stat) == 0) return stat;
   if (errno == ENOENT) return std::nullopt;
   throw ErrnoError(errno, "look at", m_path / component);
 }
@@ -124,7 +124,7 @@ FileKind KindOfEntry(DIR* folder, const dirent& entry) {
   }
   struct stat data {};
   if (::fstatat(::dirfd(folder), entry.d_name, &data, AT_SYMLINK_NOFOLLOW) != 0) return FileKind::Other;
-  return ToFileStat(data).kind;
+  return KindOf(data.st_mode);
 }
 
 std::vector<FolderEntry> ReadEntries(DIR* folder, const Path& path) {

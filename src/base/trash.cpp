@@ -1,7 +1,5 @@
 #include "base/trash.h"
 
-#include <pwd.h>
-#include <stdlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -10,6 +8,7 @@
 #include <system_error>
 #include <utility>
 
+#include "base/home_folder.h"
 #include "base/partial_file.h"
 #include "base/printable.h"
 #include "base/temp_names.h"
@@ -19,18 +18,6 @@ namespace tarnel {
 namespace {
 
 constexpr std::size_t longestName = 220;  // leaves room for ".", a random name and ".trashinfo" in 255 bytes
-
-Path AbsoluteFromEnvironment(const char* variable) {
-  const char* value = ::getenv(variable);
-  return value != nullptr && *value == '/' ? Path(value) : Path();
-}
-
-Path HomeFolder() {
-  Path home = AbsoluteFromEnvironment("HOME");
-  if (!home.empty()) return home;
-  const passwd* user = ::getpwuid(::geteuid());
-  return user != nullptr && user->pw_dir != nullptr ? Path(user->pw_dir) : Path();
-}
 
 Error CannotTrash(ErrorNumber number, const Path& path, std::string_view reason) {
   return Error(number, "cannot move " + Printable(path.native()) + " to the trash: " + std::string(reason),

@@ -43,6 +43,7 @@ TEST(Formats, SurviveTheFirstMomentAndTellLocalTime) {
     const test::Variable zone("TZ", "XYZ-2");
     ::tzset();
     EXPECT_EQ(DateAndTime(1000000000), "09/09/01 03:46:40");
+    EXPECT_EQ(DottedDateAndTime(1000000000), "09.09.2001 03:46:40");
   }
   ::tzset();
 }

@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -5,6 +6,7 @@
 #include <cerrno>
 #include <utility>
 
+#include "base/posix_calls.h"
 #include "tests/base/files_bench.h"
 
 namespace {
@@ -81,6 +83,47 @@ TEST_F(PosixFilesTest, CreateNewTakesNoNameThatIsTakenNotEvenByADanglingLink) {
   }
   EXPECT_EQ(ReadAll(folder / "file"), "old");
   EXPECT_THAT(folder.Names(), ElementsAre("file", "link"));
+}
+
+TEST_F(PosixFilesTest, RenameNoReplaceReplacesNothingAlsoWhereThePlatformCantDoItAlone) {
+  using Rename = std::function<void(const Path&, const Path&)>;
+  const Rename renames[] = {[&](const Path& from, const Path& to) { posix.RenameNoReplace(from, to); },
+                            [](const Path& from, const Path& to) {
+                              if (posix::RenameByTakingTheName(from.c_str(), to.c_str()) != 0)
+                                throw ErrnoError(errno, "rename", from);
+                            }};
+  for (const Rename& rename : renames) {
+    for (const char* from : {"file", "dir", "link"}) {
+      const TempFolder place;
+      place.Put("file", "new");
+      place.Put("dir/inside", "new");
+      std::filesystem::create_symlink("nowhere", place / "link");
+      place.Put("taken", "old");
+      std::filesystem::create_directory(place / "empty");
+      std::filesystem::create_symlink("nowhere", place / "dangling");
+      for (const char* to : {"taken", "empty", "dangling"})
+        EXPECT_EQ(NumberOf([&] { rename(place / from, place / to); }), ErrorNumber::FileExists) << from << to;
+      EXPECT_EQ(ReadAll(place / "taken"), "old");
+      EXPECT_EQ(place.Names().size(), 7U);
+      rename(place / from, place / "free");
+      EXPECT_EQ(place.Names().size(), 7U);
+      EXPECT_FALSE(posix.Stat(place / from, Files::Links::DontFollow)) << from;
+      EXPECT_EQ(NumberOf([&] { rename(place / from, place / "other"); }), ErrorNumber::FileNotFound);
+    }
+  }
+}
+
+TEST_F(PosixFilesTest, AFileIsAsOldAsItsBirthNotItsLastChange) {
+  const Path path = folder.Put("f", "x");
+  const std::time_t born = posix.Stat(path)->created;
+  const timespec times[] = {{1000, 0}, {1000, 0}};
+  ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+  const FileStat stats[] = {*posix.Stat(path), posix.OpenToRead(path)->Stat(),
+                            *posix.OpenFolder(folder.Where())->Stat("f")};
+  for (const FileStat& stat : stats) {
+    EXPECT_EQ(stat.modified, 1000);
+    EXPECT_THAT(stat.created, testing::AnyOf(born, 1000));  // what file systems without it show
+  }
 }
 
 TEST_F(PosixFilesTest, FolderLeadsNowhereOutside) {

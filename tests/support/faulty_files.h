@@ -72,6 +72,9 @@ class FaultyFiles : public Files {
     Enter("Files.CreateFolder", path).CreateFolder(path, mode);
   }
   void Rename(const Path& from, const Path& to) override;
+  void RenameNoReplace(const Path& from, const Path& to) override {
+    Enter("Files.RenameNoReplace", from).RenameNoReplace(from, to);
+  }
   void SetMode(const Path& path, mode_t mode) override { Enter("Files.SetMode", path).SetMode(path, mode); }
   void SyncFileSystem(const Path& folder) override {
     Enter("Files.SyncFileSystem", folder).SyncFileSystem(folder);
