@@ -77,7 +77,6 @@ struct EncryptingSink::State {
   State(const CipherSuite& suite, const Secret& key, const FileNonce& nonce, ByteSink& destination)
       : sealer(suite, MasterKeyOf(key), nonce, destination) {}
   FileSealer sealer;
-  WipedBytes piece;
 };
 
 EncryptingSink::EncryptingSink(Algorithm algorithm, ByteSink& destination, const Secret& key,
@@ -93,9 +92,7 @@ EncryptingSink::EncryptingSink(Algorithm algorithm, ByteSink& destination, const
 EncryptingSink::~EncryptingSink() = default;
 
 void EncryptingSink::Write(Bytes plain) {
-  if (!m_state) return;
-  m_state->piece.assign(plain.begin(), plain.end());
-  m_state->sealer.Seal(m_state->piece);
+  if (m_state) m_state->sealer.Seal(plain);
 }
 
 void EncryptingSink::Finish() {
