@@ -7,6 +7,7 @@
 #include "crypto/cipher.h"
 #include "crypto/cipher_suite.h"
 #include "crypto/compression.h"
+#include "crypto/file_cipher.h"
 #include "crypto/keys.h"
 
 namespace tarnel {
@@ -14,7 +15,7 @@ namespace {
 
 const Secret kKey(kTrailerPassPhrase);
 constexpr std::int64_t kMebibyte = 1 << 20;
-constexpr std::int64_t kFileBytes = 64 * kMebibyte;
+constexpr std::int64_t kFileBytes = 128 * kMebibyte;
 
 class EndlessSource : public ByteSource {
  public:
@@ -36,11 +37,23 @@ class NowhereSink : public ByteSink {
 };
 
 void EncryptFile(benchmark::State& state, Algorithm algorithm) {
+  const auto workers = static_cast<std::size_t>(state.range(0));
+  const WipedBytes masterKey(kMasterKeyBytes, 7);
   NowhereSink sink;
-  std::string second;
   for (auto _ : state) {
     EndlessSource source(kFileBytes);
-    CipherEncryptFile(algorithm, source, sink, kKey, second);
+    SealFile(*FindCipherSuite(algorithm), masterKey, {}, source, sink, workers);
+  }
+  state.SetBytesProcessed(state.iterations() * kFileBytes);
+}
+
+void DecryptFile(benchmark::State& state, Algorithm algorithm) {
+  const auto workers = static_cast<std::size_t>(state.range(0));
+  const WipedBytes masterKey(kMasterKeyBytes, 7);
+  NowhereSink sink;
+  for (auto _ : state) {
+    EndlessSource source(kFileBytes);
+    OpenFile(*FindCipherSuite(algorithm), masterKey, source, sink, workers);
   }
   state.SetBytesProcessed(state.iterations() * kFileBytes);
 }
@@ -120,7 +133,12 @@ const bool registered = [] {
       return benchmark::RegisterBenchmark((what + std::string("/").append(offered.name)).c_str(), run,
                                           offered.algorithm);
     };
-    add("EncryptFile", EncryptFile)->Unit(benchmark::kMillisecond);
+    for (const std::size_t workers : {std::size_t{0}, std::max<std::size_t>(WorkerLimit(), 1)})
+      for (auto* benchmark : {add("EncryptFile", EncryptFile), add("DecryptFile", DecryptFile)})
+        benchmark->ArgName("workers")
+            ->Arg(static_cast<std::int64_t>(workers))
+            ->Unit(benchmark::kMillisecond)
+            ->UseRealTime();
     add("EncryptSmallFile", EncryptSmallFile)->Unit(benchmark::kMicrosecond);
     add("CounterMode", CounterMode)->Unit(benchmark::kMicrosecond);
     add("DecryptField", DecryptField);
