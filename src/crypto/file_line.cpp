@@ -1,11 +1,9 @@
 #include "crypto/file_line.h"
 
-#include <botan/mac.h>
 #include <botan/stream_cipher.h>
 
 #include <algorithm>
-#include <condition_variable>
-#include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,56 +13,8 @@ namespace tarnel {
 namespace {
 
 constexpr std::size_t kPiece = std::size_t{64} * 1024;
-constexpr std::size_t kPiecesOfBlock = 4;
+constexpr std::size_t kPiecesOfBlock = FileMac::kBlockBytes / kPiece;
 constexpr std::size_t kBytesAlone = 8 * kPiece;  // a thread takes as long to start as they take
-constexpr std::size_t kMacKeyBytes = 32;
-constexpr std::array<std::uint8_t, 12> kMacIv{};
-
-/// Lets one block after the other to the tag, in the order of their numbers.
-class Turns {
- public:
-  void Await(std::size_t number) {
-    std::unique_lock lock(m_mutex);
-    m_changed.wait(lock, [&] { return m_next == number; });
-  }
-
-  void Pass() {
-    const std::scoped_lock lock(m_mutex);
-    ++m_next;
-    m_changed.notify_all();
-  }
-
- private:
-  std::mutex m_mutex;
-  std::condition_variable m_changed;
-  std::size_t m_next = 0;
-};
-
-/// The turn of one block, which is passed on at the end at the latest, however that comes.
-class Turn {
- public:
-  Turn(Turns& turns, std::size_t number) : m_turns(turns), m_number(number) {}
-  ~Turn() {
-    if (m_isPassed) return;
-    m_turns.Await(m_number);
-    m_turns.Pass();
-  }
-  Turn(const Turn&) = delete;
-  Turn& operator=(const Turn&) = delete;
-
-  template <class Statement>
-  void Take(Statement statement) {
-    m_turns.Await(m_number);
-    statement();
-    m_turns.Pass();
-    m_isPassed = true;
-  }
-
- private:
-  Turns& m_turns;
-  std::size_t m_number;
-  bool m_isPassed = false;
-};
 
 /// What was held back of the block before, then pieces.
 struct Block {
@@ -72,9 +22,15 @@ struct Block {
   std::size_t held = 0;
   std::size_t length = 0;  ///< how many of them go through the cipher
   std::uint64_t offset = 0;
-  std::size_t number = 0;
+  FileMac::Sum sum{};  ///< of the cipher text
 
   MutableBytes Text() { return MutableBytes(bytes).first(length); }
+};
+
+/// What each thread has of its own.
+struct Worker {
+  std::unique_ptr<Botan::StreamCipher> cipher;
+  std::optional<FileMac::Summing> summing;
 };
 
 }  // namespace
@@ -83,33 +39,32 @@ struct FileLine::State {
   State(FileWay theWay, const CipherSuite& theSuite, const WipedBytes& masterKey, const FileNonce& nonce,
         ByteSink& sink, std::size_t workerCount);
 
-  bool IsAlone() const { return workers == 0 || offset < kBytesAlone; }
+  bool IsAlone() const { return workers == 0 || offset < kBytesAlone || offset % FileMac::kWordBytes != 0; }
   std::size_t FullBlock() const { return tail + (IsAlone() ? 1 : kPiecesOfBlock) * kPiece; }
   Block& Current() { return blocks[put % blocks.size()]; }
 
   void Submit();
   void HoldBack(Block& block);
+  void PassAlone(Block& block);
   void PutBeside();
+  void ArriveAll();
   void ArriveOldest();
   void Arrive(Block& block);
-  void Process(std::size_t worker, Block& block);
-  void Crypt(std::size_t worker, Block& block);
-  Botan::StreamCipher& CipherOf(std::size_t worker);
+  void Process(Worker& worker, Block& block);
+  void Crypt(Worker& worker, Block& block);
 
   const FileWay way;
   const CipherSuite& suite;
   ByteSink& destination;
   const std::size_t workers;
   const std::size_t tail;
-  WipedBytes cipherKey;
-  std::unique_ptr<Botan::MessageAuthenticationCode> mac;
-  std::vector<std::unique_ptr<Botan::StreamCipher>> ciphers;  ///< of each worker, and of the caller
-  Turns turns;
+  const WipedBytes keys;  ///< of cipher and tag
+  FileMac mac;
+  std::vector<Worker> own;  ///< of each worker, and at the end of the caller
   std::vector<Block> blocks;
   std::array<std::uint8_t, kFileTagBytes> heldBack{};
   std::size_t heldBackBytes = 0;
   std::uint64_t offset = 0;        ///< of the current block
-  std::size_t number = 0;          ///< of the current block
   std::size_t put = 0;             ///< blocks that went into the line
   std::size_t arrived = 0;         ///< of those
   std::unique_ptr<WorkLine> line;  ///< at the end, as it has to go first
@@ -122,28 +77,25 @@ FileLine::State::State(FileWay theWay, const CipherSuite& theSuite, const WipedB
       destination(sink),
       workers(workerCount),
       tail(way == FileWay::Open ? kFileTagBytes : 0),
-      mac(Botan::MessageAuthenticationCode::create_or_throw("GMAC(AES-256)")),
-      ciphers(workers + 1),
+      keys(DeriveKeys(masterKey, nonce, "tarnel file " + std::to_string(suite.fileCode),
+                      suite.keyBytes + FileMac::kKeyBytes)),
+      mac(Bytes(keys).subspan(suite.keyBytes)),
+      own(workers + 1),
       blocks(2 * workers + 1) {
-  const WipedBytes keys = DeriveKeys(masterKey, nonce, "tarnel file " + std::to_string(suite.fileCode),
-                                     suite.keyBytes + kMacKeyBytes);
-  cipherKey.assign(keys.begin(), keys.end() - kMacKeyBytes);
-  mac->set_key(keys.data() + suite.keyBytes, kMacKeyBytes);
-  mac->start(kMacIv.data(), kMacIv.size());
-  mac->update(nonce.data(), nonce.size());
+  mac.Update(nonce);
 }
 
 void FileLine::State::Submit() {
   Block& block = Current();
   if (block.held <= tail) return;
-  const bool isAlone = IsAlone();
+  const bool isBeside = !IsAlone() && block.held == FullBlock();
   HoldBack(block);
   block.offset = offset;
-  block.number = number++;
   offset += block.length;
-  if (!isAlone) return PutBeside();
-  Process(workers, block);
-  Arrive(block);
+  if (isBeside)
+    PutBeside();
+  else
+    PassAlone(block);
 }
 
 void FileLine::State::HoldBack(Block& block) {
@@ -153,19 +105,34 @@ void FileLine::State::HoldBack(Block& block) {
   heldBackBytes = tail;
 }
 
+void FileLine::State::PassAlone(Block& block) {
+  ArriveAll();
+  if (way == FileWay::Open) mac.Update(block.Text());
+  Crypt(own.back(), block);
+  if (way == FileWay::Seal) mac.Update(block.Text());
+  Arrive(block);
+}
+
 void FileLine::State::PutBeside() {
   if (!line)
     line = std::make_unique<WorkLine>(workers, blocks.size(), [this](std::size_t worker, std::size_t item) {
-      Process(worker, blocks[item % blocks.size()]);
+      Process(own[worker], blocks[item % blocks.size()]);
     });
   line->Put();
   ++put;
   if (put - arrived == blocks.size()) ArriveOldest();
 }
 
+void FileLine::State::ArriveAll() {
+  while (arrived < put)
+    ArriveOldest();
+}
+
 void FileLine::State::ArriveOldest() {
   line->Take();
-  Arrive(blocks[arrived++ % blocks.size()]);
+  Block& block = blocks[arrived++ % blocks.size()];
+  mac.Append(block.sum);
+  Arrive(block);
 }
 
 void FileLine::State::Arrive(Block& block) {
@@ -173,28 +140,21 @@ void FileLine::State::Arrive(Block& block) {
     destination.Write(left.first(std::min(left.size(), kPiece)));
 }
 
-/// The tag is over the cipher text, so it comes behind or before.
-void FileLine::State::Process(std::size_t worker, Block& block) {
-  Turn turn(turns, block.number);
-  if (way == FileWay::Seal) Crypt(worker, block);
-  turn.Take([&] { mac->update(block.bytes.data(), block.length); });
-  if (way == FileWay::Open) Crypt(worker, block);
+void FileLine::State::Process(Worker& worker, Block& block) {
+  if (!worker.summing) worker.summing.emplace(mac.MakeSumming());
+  if (way == FileWay::Open) block.sum = worker.summing->Of(block.Text());
+  Crypt(worker, block);
+  if (way == FileWay::Seal) block.sum = worker.summing->Of(block.Text());
 }
 
-void FileLine::State::Crypt(std::size_t worker, Block& block) {
-  Botan::StreamCipher& cipher = CipherOf(worker);
-  cipher.seek(block.offset);
-  cipher.cipher1(block.bytes.data(), block.length);
-}
-
-Botan::StreamCipher& FileLine::State::CipherOf(std::size_t worker) {
-  std::unique_ptr<Botan::StreamCipher>& cipher = ciphers[worker];
-  if (!cipher) {
-    cipher = MakeCounterMode(suite);
-    cipher->set_key(cipherKey.data(), cipherKey.size());
-    cipher->set_iv(nullptr, 0);
+void FileLine::State::Crypt(Worker& worker, Block& block) {
+  if (!worker.cipher) {
+    worker.cipher = MakeCounterMode(suite);
+    worker.cipher->set_key(keys.data(), suite.keyBytes);
+    worker.cipher->set_iv(nullptr, 0);
   }
-  return *cipher;
+  worker.cipher->seek(block.offset);
+  worker.cipher->cipher1(block.bytes.data(), block.length);
 }
 
 FileLine::FileLine(FileWay way, const CipherSuite& suite, const WipedBytes& masterKey, const FileNonce& nonce,
@@ -224,8 +184,7 @@ void FileLine::Add(std::size_t length) {
 
 void FileLine::Drain() {
   m_state->Submit();
-  while (m_state->arrived < m_state->put)
-    m_state->ArriveOldest();
+  m_state->ArriveAll();
 }
 
 Bytes FileLine::HeldBack() const {
@@ -235,9 +194,7 @@ Bytes FileLine::HeldBack() const {
 }
 
 FileTag FileLine::MakeTag() {
-  FileTag tag;
-  m_state->mac->final(tag.data());
-  return tag;
+  return m_state->mac.Finish();
 }
 
 }  // namespace tarnel

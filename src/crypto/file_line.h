@@ -8,13 +8,12 @@
 #include "base/bytes.h"
 #include "base/secret.h"
 #include "crypto/cipher_suite.h"
+#include "crypto/file_mac.h"
 
 namespace tarnel {
 
 inline constexpr std::size_t kFileNonceBytes = 16;
-inline constexpr std::size_t kFileTagBytes = 16;
 using FileNonce = std::array<std::uint8_t, kFileNonceBytes>;
-using FileTag = std::array<std::uint8_t, kFileTagBytes>;
 
 enum class FileWay { Seal, Open };
 
