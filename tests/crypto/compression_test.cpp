@@ -62,24 +62,23 @@ TEST(Compression, EveryLevelAndSizeComesBackAndIsWhatTheOneShotCallReads) {
 }
 
 TEST(Compression, StretchesAreOneStreamAndTheSameWithAnyNumberOfWorkers) {
-  std::string noise(2'100'000, '\0');
+  std::string noise(900'000, '\0');
   FillRandom({reinterpret_cast<std::uint8_t*>(noise.data()), noise.size()});
-  const std::string mixed = SampleText(700'000) + noise.substr(0, 600'000) + std::string(900'000, 'x');
+  const std::string mixed = SampleText(700'000) + noise + std::string(500'000, 'x');
   for (const int level : {0, 1, 6, 9})
-    for (const std::string& text : {SampleText(2'100'000), noise, mixed})
-      for (const std::size_t size : {kStretch, kStretch + 1, 2 * kStretch, 4 * kStretch - 1}) {
-        const std::string plain = text.substr(0, size);
-        const std::string form = Compress(plain, level, {}, 0);
-        std::string back(size, '\0');
-        uLongf length = size;
-        ASSERT_EQ(uncompress(reinterpret_cast<Bytef*>(back.data()), &length, AsBytes(form).data() + 4,
-                             form.size() - 4),
-                  Z_OK);
-        EXPECT_TRUE(length == size && back == plain) << level << " " << size;
-        EXPECT_TRUE(Decompress(form) == std::pair(plain, true)) << level << " " << size;
-        for (const std::size_t workers : {1U, 8U})
-          EXPECT_TRUE(Compress(plain, level, {}, workers) == form) << level << " " << size;
-      }
+    for (const std::size_t size : {kStretch, kStretch + 1, 4 * kStretch - 1}) {
+      const std::string plain = mixed.substr(0, size);
+      const std::string form = Compress(plain, level, {}, 0);
+      std::string back(size, '\0');
+      uLongf length = size;
+      ASSERT_EQ(uncompress(reinterpret_cast<Bytef*>(back.data()), &length, AsBytes(form).data() + 4,
+                           form.size() - 4),
+                Z_OK);
+      EXPECT_TRUE(length == size && back == plain) << level << " " << size;
+      EXPECT_TRUE(Decompress(form) == std::pair(plain, true)) << level << " " << size;
+      for (const std::size_t workers : {1U, 8U})
+        EXPECT_TRUE(Compress(plain, level, {}, workers) == form) << level << " " << size;
+    }
 }
 
 TEST(Compression, AFaultOfTheSourceComesBehindAllStretchesThatWereReadBeforeIt) {
