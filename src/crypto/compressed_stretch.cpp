@@ -93,7 +93,7 @@ void Continue(WipedBytes& form, const LastBlock& last) {
 
 struct StretchCompressor::State {
   struct Free {
-    void operator()(libdeflate_compressor* compressor) const { libdeflate_free_compressor(compressor); }
+    void operator()(libdeflate_compressor* unneeded) const { libdeflate_free_compressor(unneeded); }
   };
   std::unique_ptr<libdeflate_compressor, Free> compressor;
 };
