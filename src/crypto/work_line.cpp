@@ -1,5 +1,7 @@
 #include "crypto/work_line.h"
 
+#include <sched.h>
+
 #include <algorithm>
 #include <csignal>
 #include <system_error>
@@ -29,7 +31,10 @@ class NoSignals {
 
 std::size_t WorkerLimit() {
   constexpr std::size_t kMost = 8;
-  const std::size_t cores = std::thread::hardware_concurrency();
+  cpu_set_t
+      allowed;  // std::thread::hardware_concurrency opens a file to count the cores, those of others too
+  if (sched_getaffinity(0, sizeof allowed, &allowed) != 0) return 0;
+  const auto cores = static_cast<std::size_t>(CPU_COUNT(&allowed));
   return cores < 2 ? 0 : std::min(cores, kMost);
 }
 

@@ -10,8 +10,8 @@
 
 namespace tarnel {
 
-/// How many threads may work on one file: as many as the process may use cores, 8 at most; none where there
-/// is one core only.
+/// How many threads may work on one file: as many as the process may use cores, 8 at most; none where that
+/// is one core, or more than a thousand.
 std::size_t WorkerLimit();
 
 /// Items that are worked on side by side and come out in the order in which they went in.
