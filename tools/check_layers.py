@@ -39,6 +39,7 @@ OUTSIDE = [
      path.startswith(("tests/crypto/", "bench/crypto/"))),
     (re.compile(r"zlib\.h"), "zlib", lambda path, layer: layer == "crypto" and is_inner_crypto(path) or
      path.startswith(("tests/crypto/", "bench/crypto/"))),
+    (re.compile(r"libdeflate\.h"), "libdeflate", lambda path, layer: layer == "crypto" and is_inner_crypto(path)),
     (re.compile(r"CLI/.*"), "CLI11", lambda path, layer: layer == "cli"),
     (re.compile(r"nlohmann/.*"), "nlohmann-json", lambda path, layer: layer == "cli" or path.startswith("tests/cli/")),
     (re.compile(r"(gtest|gmock)/.*"), "GoogleTest", lambda path, layer: path.startswith("tests/")),

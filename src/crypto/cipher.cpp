@@ -76,7 +76,6 @@ struct EncryptingSink::State {
   State(const CipherSuite& suite, const Key& key, const FileNonce& nonce, ByteSink& destination)
       : sealer(suite, key.Master(), nonce, destination) {}
   FileSealer sealer;
-  WipedBytes piece;
 };
 
 EncryptingSink::EncryptingSink(Algorithm algorithm, ByteSink& destination, const Key& key,
@@ -92,13 +91,11 @@ EncryptingSink::EncryptingSink(Algorithm algorithm, ByteSink& destination, const
 EncryptingSink::~EncryptingSink() = default;
 
 void EncryptingSink::Write(Bytes plain) {
-  if (!m_state) return;
-  m_state->piece.assign(plain.begin(), plain.end());
-  m_state->sealer.Seal(m_state->piece);
+  if (m_state) m_state->sealer.Seal(plain);
 }
 
-void EncryptingSink::Finish(FileTag tag) {
-  if (m_state) m_state->sealer.Finish(tag);
+void EncryptingSink::Finish(FileEnd end) {
+  if (m_state) m_state->sealer.Finish(end);
 }
 
 bool CipherDecryptFile(Algorithm algorithm, ByteSource& source, ByteSink& destination, const Key& key,

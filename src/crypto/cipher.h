@@ -47,7 +47,7 @@ bool CipherKeyFits(Algorithm algorithm, std::string_view cipherText, TextForm fo
 bool CipherEncryptFile(Algorithm algorithm, ByteSource& source, ByteSink& destination, const Key& key,
                        std::string& secondKey);
 
-enum class FileTag { Right, Wrong };
+enum class FileEnd { Authentic, Damaged };
 
 /// CipherEncryptFile for contents that another stage hands on, such as a decryption under the old key. The
 /// second key string is emptied at the beginning; without a cipher nothing is written.
@@ -58,8 +58,8 @@ class EncryptingSink : public ByteSink {
   void Write(Bytes plain) override;
 
   /// Writes the tag. Call it once, behind the last Write; without it the encrypted file is not complete.
-  /// Wrong: a tag that never fits, for contents that must not pass for authentic.
-  void Finish(FileTag tag = FileTag::Right);
+  /// Damaged: a tag that never fits, for contents that must not pass for authentic.
+  void Finish(FileEnd end = FileEnd::Authentic);
 
  private:
   struct State;

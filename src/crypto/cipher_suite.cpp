@@ -27,7 +27,7 @@ constexpr std::array kSuites = std::to_array<CipherSuite>({
 constexpr std::size_t kCounterBytes = 8;
 
 std::unique_ptr<Botan::BlockCipher> MakeBlockCipher(std::string_view name) {
-  if (name == kRijndael) return MakeRijndael256(RijndaelPath::Fastest);
+  if (name == kRijndael) return MakeRijndael256(RijndaelPaths().back());
   return Botan::BlockCipher::create_or_throw(std::string(name));
 }
 

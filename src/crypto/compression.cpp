@@ -4,17 +4,23 @@
 
 #include <algorithm>
 #include <array>
+#include <exception>
 #include <limits>
 #include <new>
+#include <string>
+#include <vector>
 
 #include "base/error.h"
 #include "base/secret.h"
+#include "crypto/compressed_stretch.h"
 
 namespace tarnel {
 namespace {
 
 constexpr std::size_t kPiece = std::size_t{64} * 1024;
+constexpr std::size_t kStretch = 8 * kPiece;
 constexpr std::size_t kSizeBytes = 4;
+constexpr int kPresetLevel = 6;
 
 void SetInput(z_stream& stream, Bytes bytes) {
   stream.next_in = const_cast<Bytef*>(bytes.data());  // zlib reads only, whatever its type says
@@ -33,64 +39,119 @@ Error FileChanged() {
 }  // namespace
 
 struct CompressingSource::State {
-  State(ByteSource& source, Length size, int level);
-  ~State() {
-    if (hasStream) deflateEnd(&stream);
-  }
-  State(const State&) = delete;
-  State& operator=(const State&) = delete;
+  State(ByteSource& source, Length size, int theLevel, std::size_t workers);
 
-  std::size_t TakeSizeField(MutableBytes into);
-  std::size_t Deflate(MutableBytes into);
-  void Refill();
+  Bytes Next();
+  Bytes Head();
+  Bytes NextStretch();
+  Bytes Checksum();
+  void PutStretch();
+  void ReadStretch(WipedBytes& into);
   void ExpectEnd();
+  void Compress(std::size_t worker, std::size_t item);
+
+  struct Part {
+    WipedBytes plain;
+    WipedBytes form;
+    uLong checksum = 0;
+    Stretch stretch = Stretch::Inner;
+  };
+  enum class Phase { Head, Stretches, Checksum, Done };
 
   ByteSource& plain;
   Length remaining;
-  std::array<std::uint8_t, kSizeBytes> sizeField{};
-  std::size_t sizeFieldTaken = 0;
-  WipedBytes input;
-  z_stream stream{};
-  bool hasStream = false;
-  bool isFinished = false;
+  const int level;
+  Phase phase;
+  std::array<std::uint8_t, kSizeBytes + 2> edge{};  ///< what stands before or behind the stretches
+  Bytes pending;                                    ///< of what comes out
+  uLong checksum = adler32(0, nullptr, 0);
+  std::exception_ptr readError;  ///< comes out behind what was read before it
+  std::vector<Part> parts;
+  std::size_t put = 0;
+  std::size_t taken = 0;
+  std::vector<std::unique_ptr<StretchCompressor>> compressors;  ///< of each worker, or of the caller
+  WorkLine line;                                                ///< at the end, as it has to go first
 };
 
-CompressingSource::State::State(ByteSource& source, Length size, int level) : plain(source), remaining(size) {
+CompressingSource::State::State(ByteSource& source, Length size, int theLevel, std::size_t workers)
+    : plain(source),
+      remaining(size),
+      level(theLevel == Z_DEFAULT_COMPRESSION ? kPresetLevel : theLevel),
+      phase(size == 0 ? Phase::Done : Phase::Head),
+      parts(workers == 0 ? 1 : workers + 2),
+      compressors(workers + 1),
+      line(workers, parts.size(), [this](std::size_t worker, std::size_t item) { Compress(worker, item); }) {
   if (size < 0 || size > std::numeric_limits<std::int32_t>::max())
     throw Error(ErrorNumber::InvalidPropertyValue, "cannot compress a file of 2 GiB or more");
-  if (level < Z_DEFAULT_COMPRESSION || level > Z_BEST_COMPRESSION)
-    throw Error(ErrorNumber::InvalidPropertyValue, "no such compression level: " + std::to_string(level));
-  if (size == 0) return;
-  for (std::size_t i = 0; i < kSizeBytes; ++i)
-    sizeField[i] = static_cast<std::uint8_t>(size >> 8 * i);
-  input.resize(kPiece);
-  if (deflateInit(&stream, level) != Z_OK) throw std::bad_alloc();
-  hasStream = true;
+  if (level < 0 || level > Z_BEST_COMPRESSION)
+    throw Error(ErrorNumber::InvalidPropertyValue, "no such compression level: " + std::to_string(theLevel));
 }
 
-std::size_t CompressingSource::State::TakeSizeField(MutableBytes into) {
-  const std::size_t count = std::min(into.size(), kSizeBytes - sizeFieldTaken);
-  std::copy_n(sizeField.begin() + static_cast<std::ptrdiff_t>(sizeFieldTaken), count, into.begin());
-  sizeFieldTaken += count;
-  return count;
-}
-
-/// Fills `into`, which is no larger than a piece; less only at the end of the stream.
-std::size_t CompressingSource::State::Deflate(MutableBytes into) {
-  SetOutput(stream, into);
-  while (stream.avail_out != 0 && !isFinished) {
-    if (stream.avail_in == 0 && remaining != 0) Refill();
-    isFinished = deflate(&stream, remaining == 0 ? Z_FINISH : Z_NO_FLUSH) == Z_STREAM_END;
+/// What comes next; nothing at the end.
+Bytes CompressingSource::State::Next() {
+  switch (phase) {
+    case Phase::Head:
+      phase = Phase::Stretches;
+      return Head();
+    case Phase::Stretches:
+      return NextStretch();
+    case Phase::Checksum:
+      phase = Phase::Done;
+      return Checksum();
+    case Phase::Done:
+      break;
   }
-  return into.size() - stream.avail_out;
+  return {};
 }
 
-void CompressingSource::State::Refill() {
-  const std::size_t wanted = std::min(input.size(), static_cast<std::size_t>(remaining));
-  const std::size_t got = plain.Read(MutableBytes(input).first(wanted));
-  if (got < wanted) throw FileChanged();
-  SetInput(stream, Bytes(input).first(got));
-  remaining -= static_cast<Length>(got);
+/// The size, then the header of RFC 1950: deflate with a window of 32 KiB, and a hint at the level.
+Bytes CompressingSource::State::Head() {
+  for (std::size_t i = 0; i < kSizeBytes; ++i)
+    edge[i] = static_cast<std::uint8_t>(remaining >> 8 * i);
+  edge[kSizeBytes] = 0x78;
+  edge[kSizeBytes + 1] = level < 2 ? 0x01 : level < 6 ? 0x5E : level == 6 ? 0x9C : 0xDA;
+  return edge;
+}
+
+Bytes CompressingSource::State::NextStretch() {
+  while (remaining != 0 && !readError && put - taken < parts.size())
+    PutStretch();
+  if (taken == put) std::rethrow_exception(readError);
+  line.Take();
+  const Part& part = parts[taken++ % parts.size()];
+  checksum = adler32_combine(checksum, part.checksum, static_cast<z_off_t>(part.plain.size()));
+  if (part.stretch == Stretch::Last) phase = Phase::Checksum;
+  return part.form;
+}
+
+Bytes CompressingSource::State::Checksum() {
+  for (std::size_t i = 0; i < 4; ++i)
+    edge[i] = static_cast<std::uint8_t>(checksum >> 8 * (3 - i));
+  return Bytes(edge).first(4);
+}
+
+void CompressingSource::State::PutStretch() {
+  Part& part = parts[put % parts.size()];
+  try {
+    ReadStretch(part.plain);
+  } catch (...) {
+    readError = std::current_exception();
+    return;
+  }
+  part.stretch = remaining == 0 ? Stretch::Last : Stretch::Inner;
+  line.Put();
+  ++put;
+}
+
+void CompressingSource::State::ReadStretch(WipedBytes& into) {
+  into.resize(std::min(kStretch, static_cast<std::size_t>(remaining)));
+  for (std::size_t filled = 0; filled < into.size();) {
+    const std::size_t wanted = std::min(kPiece, into.size() - filled);
+    const std::size_t got = plain.Read(MutableBytes(into).subspan(filled, wanted));
+    if (got < wanted) throw FileChanged();
+    filled += got;
+    remaining -= static_cast<Length>(got);
+  }
   if (remaining == 0) ExpectEnd();
 }
 
@@ -99,19 +160,32 @@ void CompressingSource::State::ExpectEnd() {
   if (plain.Read({&beyond, 1}) != 0) throw FileChanged();
 }
 
-CompressingSource::CompressingSource(ByteSource& plain, Length size, int level)
-    : m_state(std::make_unique<State>(plain, size, level)) {}
+void CompressingSource::State::Compress(std::size_t worker, std::size_t item) {
+  Part& part = parts[item % parts.size()];
+  std::unique_ptr<StretchCompressor>& compressor = compressors[worker];
+  if (!compressor) compressor = std::make_unique<StretchCompressor>(level);
+  part.form = compressor->Compress(part.plain, part.stretch);
+  part.checksum = adler32(adler32(0, nullptr, 0), part.plain.data(), static_cast<uInt>(part.plain.size()));
+}
+
+CompressingSource::CompressingSource(ByteSource& plain, Length size, int level, std::size_t workers)
+    : m_isEmpty(size == 0),
+      m_state(
+          std::make_unique<State>(plain, size, level, size <= static_cast<Length>(kStretch) ? 0 : workers)) {}
 
 CompressingSource::~CompressingSource() = default;
 
 std::size_t CompressingSource::Read(MutableBytes into) {
-  if (!m_state->hasStream) {
-    m_state->ExpectEnd();
-    return 0;
+  if (m_isEmpty) m_state->ExpectEnd();
+  std::size_t filled = 0;
+  while (filled < into.size()) {
+    if (m_state->pending.empty()) m_state->pending = m_state->Next();
+    if (m_state->pending.empty()) break;
+    const std::size_t count = std::min(into.size() - filled, m_state->pending.size());
+    std::copy_n(m_state->pending.begin(), count, into.begin() + static_cast<std::ptrdiff_t>(filled));
+    m_state->pending = m_state->pending.subspan(count);
+    filled += count;
   }
-  std::size_t filled = m_state->TakeSizeField(into);
-  while (filled < into.size() && !m_state->isFinished)
-    filled += m_state->Deflate(into.subspan(filled, std::min(kPiece, into.size() - filled)));
   return filled;
 }
 

@@ -5,24 +5,27 @@
 
 #include "base/bytes.h"
 #include "base/files.h"
+#include "crypto/work_line.h"
 
 namespace tarnel {
 
 /// The compressed form of a file: its size as four bytes, little-endian, signed, then a zlib stream (RFC
 /// 1950). An empty file has an empty compressed form. Works in pieces; memory doesn't grow with the file.
 
-/// A source that delivers the compressed form of `plain`, which has `size` bytes. Level 0 to 9, or -1 for
-/// zlib's own default. Throws Error: InvalidPropertyValue from the constructor for any other level and for a
-/// size of 2 GiB or more; DeviceIo from Read when `plain` ends before `size` bytes or has more, for then the
-/// file changed.
+/// A source that delivers the compressed form of `plain`, which has `size` bytes. Level 0 to 9, or -1 for 6.
+/// The stream is made of stretches of half a mebibyte, which up to `workers` threads compress side by side
+/// while it reads ahead; the bytes are the same with any number. Throws Error: InvalidPropertyValue from the
+/// constructor for any other level and for a size of 2 GiB or more; DeviceIo from Read when `plain` ends
+/// before `size` bytes or has more, for then the file changed.
 class CompressingSource : public ByteSource {
  public:
-  CompressingSource(ByteSource& plain, Length size, int level);
+  CompressingSource(ByteSource& plain, Length size, int level, std::size_t workers = WorkerLimit());
   ~CompressingSource() override;
   std::size_t Read(MutableBytes into) override;
 
  private:
   struct State;
+  bool m_isEmpty;
   std::unique_ptr<State> m_state;
 };
 

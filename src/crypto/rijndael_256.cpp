@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <stdexcept>
 
 namespace tarnel {
 namespace {
@@ -135,13 +136,33 @@ void DecryptBlock(State& state, const std::uint32_t* schedule) {
   AddRoundKey(state, schedule, 0);
 }
 
+struct Path {
+  RijndaelPath path;
+  const char* provider;
+  RijndaelBlocks* encrypt;  ///< null: the portable way, or none on this processor
+};
+
+/// From the slowest to the fastest.
+const std::array<Path, 4>& Paths() {
+  static const auto paths = std::to_array<Path>({
+      {RijndaelPath::Portable, "base", nullptr},
+      {RijndaelPath::Aes, "aesni", FindRijndael256WithAes()},
+      {RijndaelPath::VectorAes, "vaes", FindRijndael256WithVaes()},
+      {RijndaelPath::WideVectorAes, "vaes512", FindRijndael256WithWideVaes()},
+  });
+  return paths;
+}
+
+bool CanRun(const Path& path) {
+  return path.path == RijndaelPath::Portable || path.encrypt != nullptr;
+}
+
 class Rijndael256 final : public Botan::Block_Cipher_Fixed_Params<kRijndaelBlock, 32> {
  public:
-  explicit Rijndael256(RijndaelPath path)
-      : m_path(path), m_withAes(path == RijndaelPath::Fastest ? FindRijndael256WithAes() : nullptr) {}
+  explicit Rijndael256(const Path& path) : m_path(path) {}
 
   std::string name() const override { return "Rijndael-256"; }
-  std::string provider() const override { return m_withAes != nullptr ? "aesni" : "base"; }
+  std::string provider() const override { return m_path.provider; }
   std::size_t parallelism() const override { return 8; }
   BlockCipher* clone() const override { return new Rijndael256(m_path); }
   void clear() override {
@@ -151,8 +172,8 @@ class Rijndael256 final : public Botan::Block_Cipher_Fixed_Params<kRijndaelBlock
 
   void encrypt_n(const std::uint8_t in[], std::uint8_t out[], std::size_t blocks) const override {
     verify_key_set(!m_schedule.empty());
-    if (m_withAes != nullptr)
-      m_withAes(m_scheduleBytes.data(), in, out, blocks);
+    if (m_path.encrypt != nullptr)
+      m_path.encrypt(m_scheduleBytes.data(), in, out, blocks);
     else
       ForEachBlock(in, out, blocks, EncryptBlock);
   }
@@ -176,8 +197,7 @@ class Rijndael256 final : public Botan::Block_Cipher_Fixed_Params<kRijndaelBlock
     }
   }
 
-  RijndaelPath m_path;
-  RijndaelBlocks* m_withAes;
+  const Path& m_path;
   Botan::secure_vector<std::uint32_t> m_schedule;
   Botan::secure_vector<std::uint8_t> m_scheduleBytes;
 };
@@ -203,8 +223,18 @@ void Rijndael256::key_schedule(const std::uint8_t key[], std::size_t length) {
 
 }  // namespace
 
+std::vector<RijndaelPath> RijndaelPaths() {
+  std::vector<RijndaelPath> paths;
+  for (const Path& path : Paths())
+    if (CanRun(path)) paths.push_back(path.path);
+  return paths;
+}
+
 std::unique_ptr<Botan::BlockCipher> MakeRijndael256(RijndaelPath path) {
-  return std::make_unique<Rijndael256>(path);
+  const auto found = std::ranges::find(Paths(), path, &Path::path);
+  if (found == Paths().end() || !CanRun(*found))
+    throw std::invalid_argument("no such path of Rijndael on this processor");
+  return std::make_unique<Rijndael256>(*found);
 }
 
 }  // namespace tarnel

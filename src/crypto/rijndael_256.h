@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 namespace Botan {
 class BlockCipher;
@@ -11,15 +12,20 @@ class BlockCipher;
 namespace tarnel {
 
 enum class RijndaelPath {
-  Fastest,   ///< AES instructions where the processor has them
-  Portable,  ///< tables in plain C++
+  Portable,       ///< tables in plain C++
+  Aes,            ///< AES instructions, half a block at once
+  VectorAes,      ///< the same on 256 bits: VAES with AVX2
+  WideVectorAes,  ///< the same on 512 bits: VAES with AVX-512 and its byte permutations (VBMI)
 };
+
+/// The paths that this processor can take, the fastest at the end.
+std::vector<RijndaelPath> RijndaelPaths();
 
 /// Rijndael with 256-bit blocks and a 256-bit key: 14 rounds, rows shifted by 1, 3 and 4. That is the cipher
 /// of the AES proposal (Daemen and Rijmen, "AES Proposal: Rijndael", version 2, 1999) in the size that became
-/// no standard. The portable path looks up tables by secret bytes, as the table ciphers of the library do;
-/// whoever shares the processor's cache could learn from that. Decryption is always portable: counter mode
-/// doesn't need it.
+/// no standard. Throws std::invalid_argument for a path that this processor can't take. The portable path
+/// looks up tables by secret bytes, as the table ciphers of the library do; whoever shares the processor's
+/// cache could learn from that. Decryption is always portable: counter mode doesn't need it.
 std::unique_ptr<Botan::BlockCipher> MakeRijndael256(RijndaelPath path);
 
 inline constexpr std::size_t kRijndaelBlock = 32;
@@ -31,7 +37,9 @@ inline constexpr std::size_t kRijndaelScheduleBytes = kRijndaelBlock * (kRijndae
 using RijndaelBlocks = void(const std::uint8_t* schedule, const std::uint8_t* in, std::uint8_t* out,
                             std::size_t blocks);
 
-/// The function that uses AES instructions; null where the processor has none.
+/// The function of each path that needs certain instructions; null where the processor has none of them.
 RijndaelBlocks* FindRijndael256WithAes();
+RijndaelBlocks* FindRijndael256WithVaes();
+RijndaelBlocks* FindRijndael256WithWideVaes();
 
 }  // namespace tarnel

@@ -135,7 +135,7 @@ void PasswordChange::Reencrypt(const MirrorRow& row, Damage damage, PayloadSink&
   const std::string fault = TakeOutStored(*m_rewrite.Stretch(row.start, row.size), ClaimsOf(row.record),
                                           row.hideout->algorithm, row.hideout->password, encrypting);
   if (!fault.empty() && damage == Damage::Refused) throw DamagedPayload("re-encrypt", row.Name(), fault);
-  encrypting.Finish(fault.empty() ? FileTag::Right : FileTag::Wrong);
+  encrypting.Finish(fault.empty() ? FileEnd::Authentic : FileEnd::Damaged);
 }
 
 void PasswordChange::ReloadHideout() {

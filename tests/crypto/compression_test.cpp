@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/error.h"
+#include "crypto/random.h"
 #include "tests/crypto/memory_streams.h"
 
 namespace tarnel {
@@ -15,10 +16,12 @@ namespace {
 using namespace std::string_literals;
 
 constexpr std::size_t kPiece = std::size_t{64} * 1024;
+constexpr std::size_t kStretch = 8 * kPiece;
 
-std::string Compress(std::string_view plain, int level, std::optional<Length> size = {}) {
+std::string Compress(std::string_view plain, int level, std::optional<Length> size = {},
+                     std::size_t workers = 2) {
   MemorySource source(plain);
-  CompressingSource compressing(source, size.value_or(static_cast<Length>(plain.size())), level);
+  CompressingSource compressing(source, size.value_or(static_cast<Length>(plain.size())), level, workers);
   std::vector<std::uint8_t> block(999);
   std::string form;
   while (const std::size_t got = compressing.Read(block))
@@ -56,6 +59,48 @@ TEST(Compression, EveryLevelAndSizeComesBackAndIsWhatTheOneShotCallReads) {
     }
   EXPECT_EQ(Compress("", 9), "");
   EXPECT_EQ(Decompress(""), std::pair(""s, true));
+}
+
+TEST(Compression, StretchesAreOneStreamAndTheSameWithAnyNumberOfWorkers) {
+  std::string noise(900'000, '\0');
+  FillRandom({reinterpret_cast<std::uint8_t*>(noise.data()), noise.size()});
+  const std::string mixed = SampleText(700'000) + noise + std::string(500'000, 'x');
+  for (const int level : {0, 1, 6, 9})
+    for (const std::size_t size : {kStretch, kStretch + 1, 4 * kStretch - 1}) {
+      const std::string plain = mixed.substr(0, size);
+      const std::string form = Compress(plain, level, {}, 0);
+      std::string back(size, '\0');
+      uLongf length = size;
+      ASSERT_EQ(uncompress(reinterpret_cast<Bytef*>(back.data()), &length, AsBytes(form).data() + 4,
+                           form.size() - 4),
+                Z_OK);
+      EXPECT_TRUE(length == size && back == plain) << level << " " << size;
+      EXPECT_TRUE(Decompress(form) == std::pair(plain, true)) << level << " " << size;
+      for (const std::size_t workers : {1U, 8U})
+        EXPECT_TRUE(Compress(plain, level, {}, workers) == form) << level << " " << size;
+    }
+}
+
+TEST(Compression, AFaultOfTheSourceComesBehindAllStretchesThatWereReadBeforeIt) {
+  const std::string plain = SampleText(5 * kStretch);
+  const std::string whole = Compress(plain, 6);
+  for (const std::size_t missing : {1U, 7U, 700'000U}) {
+    std::vector<std::string> fronts;
+    for (const std::size_t workers : {0U, 2U, 8U}) {
+      MemorySource source(plain.substr(missing));
+      CompressingSource compressing(source, static_cast<Length>(plain.size()), 6, workers);
+      std::string& front = fronts.emplace_back();
+      std::vector<std::uint8_t> byte(1);
+      EXPECT_THROW(
+          for (;;) {
+            compressing.Read(byte);
+            front += AsText(byte);
+          },
+          Error);
+    }
+    EXPECT_TRUE(fronts[0] == fronts[1] && fronts[1] == fronts[2]) << missing;
+    EXPECT_GT(fronts[0].size(), whole.size() / 2);
+  }
 }
 
 TEST(Compression, AFormCutOrAlteredAnywhereGivesNoWrongTextThatCountsAsIntact) {
