@@ -14,14 +14,16 @@ namespace {
 
 constexpr std::string_view kRijndael = "Rijndael-256";
 
+constexpr std::size_t kHalfMebibyte = std::size_t{512} * 1024;
+
 constexpr std::array kSuites = std::to_array<CipherSuite>({
-    {Algorithm::Blowfish, 18, 19, "Blowfish", 56},
-    {Algorithm::TripleDes, 55, 56, "TripleDES", 24},
-    {Algorithm::Des, 51, 52, "DES", 8},
-    {Algorithm::Cast5, 34, 35, "CAST-128", 16},
-    {Algorithm::Serpent256, 96, 96, "Serpent", 32},
-    {Algorithm::Rijndael256, 80, 80, kRijndael, 32},
-    {Algorithm::Twofish, 64, 64, "Twofish", 32},
+    {Algorithm::Blowfish, 18, 19, "Blowfish", 56, kHalfMebibyte},
+    {Algorithm::TripleDes, 55, 56, "TripleDES", 24, kHalfMebibyte},
+    {Algorithm::Des, 51, 52, "DES", 8, kHalfMebibyte},
+    {Algorithm::Cast5, 34, 35, "CAST-128", 16, kHalfMebibyte},
+    {Algorithm::Serpent256, 96, 96, "Serpent", 32, kHalfMebibyte},
+    {Algorithm::Rijndael256, 80, 80, kRijndael, 32, 8 * kHalfMebibyte},
+    {Algorithm::Twofish, 64, 64, "Twofish", 32, kHalfMebibyte},
 });
 
 constexpr std::size_t kCounterBytes = 8;

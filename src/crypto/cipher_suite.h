@@ -22,6 +22,7 @@ struct CipherSuite {
   int fileCode;
   std::string_view blockCipher;
   std::size_t keyBytes;
+  std::size_t bytesAlone;  ///< of a file, at least: as many as are encrypted while threads start
 };
 
 /// Null for a number without a cipher.

@@ -14,7 +14,6 @@ namespace {
 
 constexpr std::size_t kPiece = std::size_t{64} * 1024;
 constexpr std::size_t kPiecesOfBlock = FileMac::kBlockBytes / kPiece;
-constexpr std::size_t kBytesAlone = 8 * kPiece;  // a thread takes as long to start as they take
 
 /// What was held back of the block before, then pieces.
 struct Block {
@@ -39,7 +38,9 @@ struct FileLine::State {
   State(FileWay theWay, const CipherSuite& theSuite, const WipedBytes& masterKey, const FileNonce& nonce,
         ByteSink& sink, std::size_t workerCount);
 
-  bool IsAlone() const { return workers == 0 || offset < kBytesAlone || offset % FileMac::kWordBytes != 0; }
+  bool IsAlone() const {
+    return workers == 0 || offset < suite.bytesAlone || offset % FileMac::kWordBytes != 0;
+  }
   std::size_t FullBlock() const { return tail + (IsAlone() ? 1 : kPiecesOfBlock) * kPiece; }
   Block& Current() { return blocks[put % blocks.size()]; }
 

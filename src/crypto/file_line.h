@@ -20,11 +20,11 @@ enum class FileWay { Seal, Open };
 /// The bytes of one file on their way through cipher and tag to a destination, in which they arrive in their
 /// order, in pieces as large as those that came, and by calls on the caller's thread.
 ///
-/// The first half mebibyte of a file, and all of it where `workers` is 0, arrives as it comes. From there on
-/// up to `workers` threads encrypt or decrypt blocks of four pieces side by side while the caller fills
-/// further blocks; after as many blocks as there is memory for, the caller hands the oldest on before it goes
-/// on. So the destination gets the same calls in the same order, however many threads there are; only the
-/// source is read ahead, always as far. Memory is about half a mebibyte for a worker.
+/// The first bytes of a file (see CipherSuite), and all of it where `workers` is 0, arrive as they come. From
+/// there on up to `workers` threads encrypt or decrypt blocks of four pieces side by side while the caller
+/// fills further blocks; after as many blocks as there is memory for, the caller hands the oldest on before
+/// it goes on. So the destination gets the same calls in the same order, however many threads there are; only
+/// the source is read ahead, always as far. Memory is about half a mebibyte for a worker.
 class FileLine {
  public:
   /// When opening, the last 16 bytes that came are held back, as they may be the tag.

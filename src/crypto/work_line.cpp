@@ -31,10 +31,11 @@ class NoSignals {
 
 std::size_t WorkerLimit() {
   constexpr std::size_t kMost = 8;
-  cpu_set_t
-      allowed;  // std::thread::hardware_concurrency opens a file to count the cores, those of others too
-  if (sched_getaffinity(0, sizeof allowed, &allowed) != 0) return 0;
-  const auto cores = static_cast<std::size_t>(CPU_COUNT(&allowed));
+  // hardware_concurrency opens a file to count the cores, and counts those of others too.
+  cpu_set_t allowed;
+  const bool isKnown = sched_getaffinity(0, sizeof allowed, &allowed) == 0;
+  const std::size_t cores =
+      isKnown ? static_cast<std::size_t>(CPU_COUNT(&allowed)) : std::thread::hardware_concurrency();
   return cores < 2 ? 0 : std::min(cores, kMost);
 }
 

@@ -11,7 +11,7 @@
 namespace tarnel {
 
 /// How many threads may work on one file: as many as the process may use cores, 8 at most; none where that
-/// is one core, or more than a thousand.
+/// is one core.
 std::size_t WorkerLimit();
 
 /// Items that are worked on side by side and come out in the order in which they went in.
