@@ -108,8 +108,10 @@ TEST_F(DirectoryTreeTest, ANewFolderTakesTheNextFreeName) {
     EXPECT_EQ(tree.Path(), temp / "home/Desktop" / name / "");
     EXPECT_THAT(Told(), ElementsAre(std::string("create home/Desktop/") + name + "/"));
   }
-  Settle();  // the notifications find them there
+  tree.Rename(*tree.SelectedNode(), "born");
+  Settle();  // the notifications find them there, and the name of before nowhere
   EXPECT_EQ(Root(0).children.size(), 5U);
+  EXPECT_EQ(tree.Path(), temp / "home/Desktop/born/");
 }
 
 TEST_F(DirectoryTreeTest, ARenameNeverReplacesAndRefusesWhatIsNoName) {
