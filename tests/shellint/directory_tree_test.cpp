@@ -46,14 +46,6 @@ TEST_F(DirectoryTreeTest, ShowsItsRootsAndIsInitializedOnce) {
   tree.Initialize();
 }
 
-TEST_F(DirectoryTreeTest, ChildrenAreOneLevelAheadOfWhatIsVisible) {
-  EXPECT_THAT(Root(0).children[0]->children, IsEmpty());
-  tree.NodeExpanded(Root(0));
-  Settle();
-  ASSERT_EQ(Root(0).children[0]->children.size(), 1U);
-  EXPECT_THAT(Root(0).children[0]->children[0]->listing, DirectoryNode::Listing::NotYet);
-}
-
 TEST_F(DirectoryTreeTest, APathIsShownUnderItsNearestRootElseTheDesktopIs) {
   tree.SetPath(temp / "home/Desktop/letters");
   EXPECT_EQ(tree.SelectedNode()->parent, &Root(0));
