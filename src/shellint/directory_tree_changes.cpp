@@ -30,10 +30,11 @@ std::vector<std::string> DirectoryTree::PathsOf(WatchId folder) const {
   return paths;
 }
 
+/// A folder that has another name by now is added when that is told.
 void DirectoryTree::EntryCreated(const FolderChange& change, const std::string& path) {
-  if (change.isFolder || IsFolder(path))
+  if (IsFolder(path))
     FolderCreated(path);
-  else
+  else if (!change.isFolder)
     m_events.OnFileCreate(path);
 }
 
@@ -57,7 +58,7 @@ void DirectoryTree::EntryRenamed(const FolderChange& change) {
     }
     if (isKnown)
       DirectoryRenamed(oldPath, newPath);
-    else
+    else if (IsFolder(newPath))
       AddEverywhere(newPath);
     m_events.OnDirRename(WithSeparator(oldPath), WithSeparator(newPath));
   }

@@ -72,12 +72,6 @@ TEST_F(DrivesTest, AreWhatAPersonWouldNameAndOfTheirKind) {
               testing::IsSupersetOf({Path("/net"), Path("/mnt/share"), Path("/media/u/disc")}));
 }
 
-TEST_F(DrivesTest, ThisMachineHasARoot) {
-  const DriveSurvey survey = DriveList(files).Read();
-  ASSERT_FALSE(survey.drives.empty());
-  EXPECT_EQ(survey.drives[0].root, "/");
-}
-
 TEST_F(DrivesTest, PlacesAreTheUsersOwnElseTheHomeButNotTwice) {
   std::filesystem::create_directories(temp / "Desktop");
   std::filesystem::create_directories(temp / "Bureau \"neu\"");

@@ -108,6 +108,7 @@ ucDirectoryTree::ucDirectoryTree(Files& files, Dialogue& dialogue, std::unique_p
 }
 
 ucDirectoryTree::~ucDirectoryTree() {
+  qDeleteAll(findChildren<QSocketNotifier*>());  // before what they listen to is closed
   TreeView->setModel(nullptr);
 }
 
