@@ -21,8 +21,9 @@ std::string Excess(std::string_view record) {
 
 /// Contents that are stored as they are differ from their size by what the cipher adds.
 bool ContradictsSize(std::string_view record, Length payload) {
-  return GetTag(record, tag::kCompressed) == "0" &&
-         ReadNumber(GetTag(record, tag::kPlainSize)) != static_cast<double>(payload - kFileCipherOverhead);
+  const std::string_view size = GetTag(record, tag::kPlainSize);
+  return !size.empty() && GetTag(record, tag::kCompressed) == "0" &&
+         ReadNumber(size) != static_cast<double>(payload - kFileCipherOverhead);
 }
 
 bool ContradictsTrailer(std::string_view record, Length payload) {

@@ -93,7 +93,8 @@ std::string TakeOutPayload(ByteSource& payload, const PayloadClaims& claims, Alg
   std::string fault = TakeOutStored(payload, claims, algorithm, key, stored);
   if (!fault.empty()) return fault;
   if (isCompressed && !decompressing.IsIntact()) return kAltered;
-  if (ReadNumber(claims.plainSize) == static_cast<double>(counted.Written())) return {};
+  if (claims.plainSize.empty() || ReadNumber(claims.plainSize) == static_cast<double>(counted.Written()))
+    return {};
   return "its record says another size than the " + std::to_string(counted.Written()) + " bytes that it has";
 }
 

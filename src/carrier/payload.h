@@ -16,7 +16,7 @@ namespace tarnel {
 
 /// What a record says of its payload. All stored text, pointing into the record.
 struct PayloadClaims {
-  std::string_view plainSize;   ///< "?Fls=<"
+  std::string_view plainSize;   ///< "?Fls=<"; empty where the record doesn't say
   std::string_view compressed;  ///< "?Cmpr=<": "0" for contents that are stored as they are
   std::string_view seal;        ///< "?Seal=<"; empty in a record that doesn't name its payload
 };
