@@ -6,14 +6,13 @@
 #include "cli/leftovers.h"
 #include "cli/screens.h"
 #include "cli/verbs.h"
+#include "hiding/questions.h"
 #include "hiding/run_hide.h"
 #include "hiding/selection.h"
 
 namespace tarnel {
 
 namespace {
-
-constexpr const char* kDefaultTitle = "New Hideout";
 
 enum class Hideout { Joined, Made };
 
@@ -85,7 +84,7 @@ void HideVerb::Collect() {
   for (const PassedOver& passed : m_selection.Passed()) {
     m_around.messages.Warn("passed over: " + Printable(passed.path.native()) + " " + passed.reason);
   }
-  if (m_selection.Rows().empty()) throw CliFailure(ExitCode::Failed, "There are no files to hide!");
+  if (m_selection.Rows().empty()) throw CliFailure(ExitCode::Failed, NoFilesQuestion().text);
 }
 
 void HideVerb::AddPath(const Path& path) {
@@ -126,8 +125,8 @@ void HideVerb::MakeHideout(const GivenPassword& password) {
     ConfirmPassword(password.secret, m_around.terminal);
   }
   const Algorithm algorithm = m_options.algorithm.value_or(Algorithm::Rijndael256);
-  CreateHideout(m_bench.Carrier(), password.secret, m_options.title.value_or(kDefaultTitle), algorithm,
-                AlgorithmName(algorithm), m_bench.GetReading());
+  CreateHideout(m_bench.Carrier(), Key(password.secret), m_options.title.value_or(kPresetTitle), algorithm,
+                m_bench.GetReading());
   m_hideout = Hideout::Made;
 }
 

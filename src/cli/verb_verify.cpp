@@ -68,7 +68,7 @@ ExitCode RunVerb(const VerifyOptions& options, Surroundings& around) {
   Workbench bench(options.carrier, around);
   bench.Open();
   VerifyOnTerminal screen(around.talk);
-  const VerifyResult result = RunVerify(bench.Carrier(), bench.Key(), around.files, screen);
+  const VerifyResult result = RunVerify(bench.Carrier(), bench.Hideout(), around.files, screen);
   around.talk.Progress().Clear();
   if (result.cancelled) throw CliFailure(ExitCode::Cancelled, "cancelled before all entries were read");
   if (around.options.json) {

@@ -48,8 +48,20 @@ TEST_F(FileListTest, ShowsFoldersThenFilesOfTheClickedFolderOnly) {
   EXPECT_EQ(Shown(Column::Compressed), (Strings{"/", ""})) << "off by the presets";
 }
 
+TEST(FileTypes, NumbersKeysInTheOrderOfTheirComing) {
+  FileTypes types([](const std::string& name) { return name.ends_with(".none") ? "" : "type of " + name; });
+  std::string icons;
+  for (const char* name : {"a.txt", "b.TXT", "Setup.EXE", "install.exe", "other.exe", "Makefile", "x.none",
+                           "archive.tar.gz", ".bashrc", "trailing."})
+    icons += std::to_string(types.Of(name).icon);
+  EXPECT_EQ(icons, "4455622782");
+  EXPECT_EQ(types.Of("b.TXT").text, "type of a.txt");
+  EXPECT_EQ(types.Keys(), (Strings{"txt", "setup", "exe", "gz", "bashrc"}));
+}
+
 TEST(FileList, AddsAColumnAtTheEndAndNeverTouchesTheFirst) {
-  FileList list;
+  FileTypes types([](const std::string&) { return std::string(); });
+  FileList list(types);
   Settings settings;
   settings.columns = {true, true, false, false, false, true};
   list.ApplyColumns(settings);

@@ -29,7 +29,7 @@ TEST_F(SessionTest, ClickMakesTheHideoutCurrentUnlessItIsBlocked) {
   EXPECT_EQ(session.current.CurrentCarrierPath, "/a.png");
   EXPECT_EQ(session.current.CurrentCarrierName, "a.png");
   EXPECT_EQ(session.current.CurrentAlgorithmId, Algorithm::TripleDes);
-  EXPECT_TRUE(session.current.CurrentPassword == Secret("secret of /a.png"));
+  EXPECT_TRUE(session.current.CurrentPassword.IsOf(Secret("secret of /a.png")));
   EXPECT_EQ(session.algorithmPanel, " TRIPLEDES");
   EXPECT_EQ(session.filesPanel, "3 File(s) ");
   EXPECT_EQ(session.ActiveListHwnd, Attention::DirView);

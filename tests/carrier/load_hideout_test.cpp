@@ -7,6 +7,7 @@
 #include "carrier/companions.h"
 #include "tests/carrier/carrier_bench.h"
 #include "tests/support/faulty_files.h"
+#include "tests/support/held_key.h"
 
 namespace tarnel::test {
 
@@ -40,7 +41,7 @@ TEST(LoadHideout, ListsTheEntriesOfOneKeyNewestFirst) {
   EXPECT_EQ(bench.current.CurrentCarrierPath, bench.carrier);
   EXPECT_EQ(bench.current.CurrentCarrierName, "carrier.bin");
   EXPECT_EQ(bench.current.CurrentHideoutTitle, "Title 3");
-  EXPECT_TRUE(bench.current.CurrentPassword == Secret("secret"));
+  EXPECT_TRUE(bench.current.CurrentPassword == HeldKey("secret"));
 }
 
 TEST(LoadHideout, ReadsTheExampleOfTheFormatPageForEver) {
@@ -145,7 +146,7 @@ TEST(LoadHideout, AnswersErrorsAtEveryFileOperation) {
   bench.Hide({"very long", std::string(6000, 'x'), std::string(4000, 'f')}, mine);
   const auto loadFrom = [&](FaultyFiles& files) {
     bench.catalogue.RemoveCarrier(bench.carrier);
-    Reading reading{files, bench.catalogue, bench.types, bench.guards, bench.current};
+    Reading reading{files, bench.catalogue, bench.guards, bench.current};
     return LoadHideout(bench.RequestFor(mine), reading, bench.screen);
   };
   FaultyFiles quiet(bench.posix);

@@ -10,6 +10,7 @@
 #include "carrier/length_field.h"
 #include "carrier/record.h"
 #include "tests/carrier/carrier_bench.h"
+#include "tests/support/held_key.h"
 
 namespace tarnel::test {
 
@@ -72,7 +73,7 @@ TEST(Record, HoldsItsTagsInOrder) {
 
 TEST(Record, IsRefusedWhereTheAlgorithmHasNoCipher) {
   std::string secondKey;
-  EXPECT_THROW(SealEntry("?Fnm=<a>", 1, Algorithm::Rc4, Secret("secret"), secondKey), Error);
+  EXPECT_THROW(SealEntry("?Fnm=<a>", 1, Algorithm::Rc4, HeldKey("secret"), secondKey), Error);
 }
 
 }  // namespace tarnel::test

@@ -163,7 +163,7 @@ TEST_F(CarrierFormsTest, CreatingChecksInOrderAndWritesNothing) {
   Press(form, "Cmd_Ok");
   EXPECT_EQ(form.result(), QDialog::Accepted);
   EXPECT_EQ(session->SelectedNode()->text, " abcde") << "the leading blank stays";
-  EXPECT_TRUE(session->current.CurrentPassword == Secret("abc"));
+  EXPECT_TRUE(session->current.CurrentPassword.IsOf(Secret("abc")));
   EXPECT_EQ(session->current.CurrentAlgorithmId, Algorithm::TripleDes);
   EXPECT_EQ(session->algorithmPanel, " TripleDES");
   EXPECT_EQ(ReadAll(carrier.carrier), before);

@@ -3,6 +3,7 @@
 #include "carrier/tags.h"
 #include "retrieval/run_password.h"
 #include "tests/retrieval/retrieval_bench.h"
+#include "tests/support/held_key.h"
 
 namespace tarnel::test {
 namespace {
@@ -29,7 +30,7 @@ TEST_F(Password, ChecksOldThenNewThenConfirmation) {
   for (const auto& c : cases) {
     script().Expect(c.id, Answer::Ok);
     const PasswordResult result = RunPassword(
-        {.oldPassword = Secret(c.old), .newPassword = Secret(c.now), .confirmation = Secret("New")},
+        {.oldPassword = HeldKey(c.old), .newPassword = HeldKey(c.now), .confirmation = Secret("New")},
         bench.faulty, bench.rewriteScreen);
     EXPECT_EQ(result.refused, c.fault);
     EXPECT_EQ(Last(script().Asked()).text, c.text);
@@ -43,7 +44,7 @@ TEST_F(Password, OpensEveryEntryInItsOldPlaceAndLeavesOthersByteForByte) {
   const std::string foreignTail = bench.catalogue.Rows().at(0).tail;
   bench.ContentsUnder({});
   EXPECT_EQ(bench.ChangePassword("secret", "new").changed, 2u);
-  EXPECT_EQ(bench.current.CurrentPassword, Secret("new"));
+  EXPECT_EQ(bench.current.CurrentPassword, HeldKey("new"));
   EXPECT_EQ(bench.Names(), (Strings{"b", "a"}));
   const MirrorRow& row = bench.catalogue.Rows().at(1);
   EXPECT_EQ(row.Field(tag::kDate), "11/22/26 10:00:00");

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/retrieval/retrieval_bench.h"
+#include "tests/support/held_key.h"
 
 namespace tarnel::test {
 namespace {
@@ -10,7 +11,7 @@ namespace {
 struct RecoverBench : RetrievalBench {
   RecoverBench() : RetrievalBench(100) { Hide({"a", "aaa"}, twofish); }
 
-  RecoverPlan Plan() { return PlanRecovery(carrier, Secret("secret"), files, person); }
+  RecoverPlan Plan() { return PlanRecovery(carrier, HeldKey("secret"), files, person); }
 
   const Under twofish{"secret", Algorithm::Twofish};
   Path backup = folder / "carrier.bin.bak";
@@ -71,7 +72,7 @@ TEST(Recover, ProposesTheCopyWithTheMostWholeEntriesAndThenTheFewestDamagedOnes)
 
 TEST(Recover, ProposesNothingUnderAWrongPassword) {
   RecoverBench bench;
-  EXPECT_EQ(PlanRecovery(bench.carrier, Secret("other"), bench.files, bench.person).best, std::nullopt);
+  EXPECT_EQ(PlanRecovery(bench.carrier, HeldKey("other"), bench.files, bench.person).best, std::nullopt);
 }
 
 TEST(Recover, LosesNoCopyWhateverFailsAndGivesATemporaryCarrierTheModeOfTheCarrier) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/retrieval/retrieval_bench.h"
+#include "tests/support/held_key.h"
 
 namespace tarnel::test {
 namespace {
@@ -16,7 +17,7 @@ struct VerifyBench : RetrievalBench {
 
   VerifyResult Run() {
     HideoutKey key;
-    key.password = Secret("secret");
+    key.password = HeldKey("secret");
     return RunVerify(carrier, key, files, person);
   }
   /// "name" or "name: reason", newest first.
@@ -52,14 +53,14 @@ TEST(Verify, TellsDamagedContentsFromADamagedRecordAndAWrongSize) {
   const MirrorRow& middle = bench.catalogue.Rows().at(0);
   bench.FlipBit(middle.start.value + middle.size + 60, 1);
   EXPECT_EQ(bench.Verdicts(),
-            (Strings{"c: its record says another size than its contents have",
-                     ": its record is damaged", "a: its contents are damaged or were altered"}));
+            (Strings{"c: its record says another size than its contents have", ": its record is damaged",
+                     "a: its contents are damaged or were altered"}));
 }
 
 TEST(Verify, ReportsWhatLiesBeforeATrailerThatLeadsNowhere) {
   VerifyBench bench;
   bench.HideRecord("?Fnm=<a>", "")
-      .Append(SealEntry("?Fnm=<lost>", 9999, Algorithm::Twofish, Secret("other"), bench.secondKey));
+      .Append(SealEntry("?Fnm=<lost>", 9999, Algorithm::Twofish, HeldKey("other"), bench.secondKey));
   bench.Hide({"b"});
   const VerifyResult result = bench.Run();
   ASSERT_EQ(result.entries.size(), 1u);
