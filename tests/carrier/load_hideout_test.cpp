@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "carrier/companions.h"
+#include "crypto/base64.h"
 #include "tests/carrier/carrier_bench.h"
 #include "tests/support/faulty_files.h"
 #include "tests/support/held_key.h"
@@ -46,21 +47,19 @@ TEST(LoadHideout, ListsTheEntriesOfOneKeyNewestFirst) {
 
 TEST(LoadHideout, ReadsTheExampleOfTheFormatPageForEver) {
   CarrierBench bench(0);
-  const std::string record =
-      "nmXiQn6FtsgKxIdQdwyDIN4IbK3E3fJCDxsIqyXVGWXlV3fXI6geG+e2HcQJZALwqRWsEYS4OyiK\r\n"
-      "VEZR7abQSHS6KbQk4E0jpZKgcLBpdwlV9cNvS3cVIjmXGwCLKVxCH33y9yvypQQkf5dr+DOyLiJD\r\n"
-      "g2wjogeDM0S090t1fxxPVDideAZKJE0lGRftSBev2V2tchvhY1Ug/NnGUCPuUPj13kRBIOTadNjq\r\nZQ==";
-  bench.Append(
-      "body\xD8\xF4\xEB$5<-Ta\xE8\xBA\xD1\xC0\x99\xA4\xA2\xE1\xC1\xC4"
-      "B\x86\xF7\xEF\xCB"
-      "D\xDA\"Sy\xB6\xB0\xDDG\x18^D\xDD" +
-      record +
-      "Kk/MuDkrhr0F2SUpE04ybDC6RTn49GWca5+Gopzu"
-      "wqvhYnnRzRjSAEDeWZv1JOPoOSTcBdbbWC473ODR");
-  ASSERT_EQ(bench.Size(), 359);
+  bench.Append("body" + Base64Decode("AAECAwQFBgcICQoLDA0OD6cNd1ggjtUd7xhX+BqkmqcTqxUsRQ==") +
+               "ICEiIyQlJieUNV4mdiZ5S+H6DVr3gxLTv9CHHIG6Twwa2qd552tf+DWzl3MO5SiZaqqAThJlAQSl\r\n"
+               "gO5UvzbgZWRfmGWClMmLIF70lJoangtDLSQ233VOdGj2d8Ts196KKMif+dEtzYo+Q3157phJ0NQl\r\n"
+               "6TIjm0hEC4ISCaGlC82E1ypsheFFhuZ52TX1+WZ2p2wIMUk8UwDotNgF3yJKcdttsuY+RYcMetGU\r\n"
+               "h2HKIROVv0s/ah6a01o9LXVBHI+Wc8l0CvdfDJ1vQnIdGseZSAEmUG4="
+               "MDEyMzQ1Njc1yhIn8aj1vW3uSy0AHSyNDZWhDt0K"
+               "QEFCQ0RFRkessMifQ7hvkrOYvkiZ6XOL4cDRQxwY");
+  ASSERT_EQ(bench.Size(), 411);
   ASSERT_EQ(bench.TryPassword("secret"), LoadResult::Loaded);
-  EXPECT_EQ(bench.Names(), Strings{"a>b.txt"});
-  EXPECT_EQ(bench.ContentOf(bench.catalogue.Rows().at(0)), "hello");
+  ASSERT_EQ(bench.Names(), Strings{"a>b.txt"});
+  const MirrorRow& row = bench.catalogue.Rows()[0];
+  EXPECT_EQ(row.Field(tag::kSeal), "8ed51def1857f81aa49aa713ab152c45");
+  EXPECT_EQ(bench.ContentOf(row), "hello");
 }
 
 TEST(LoadHideout, ReplacesAnOpenHideoutByTheseRules) {
