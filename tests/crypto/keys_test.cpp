@@ -1,14 +1,11 @@
 #include "crypto/keys.h"
 
-#include <botan/hex.h>
 #include <gtest/gtest.h>
 
 #include <thread>
 
 #include "crypto/base64.h"
 #include "crypto/cipher.h"
-#include "crypto/cipher_suite.h"
-#include "crypto/string_cipher.h"
 #include "tests/crypto/memory_streams.h"
 
 namespace tarnel {
@@ -62,27 +59,6 @@ TEST(PinnedTexts, OpenForEver) {
         << AlgorithmName(algorithm);
     EXPECT_EQ(sink.text, "a pinned file of more than two blocks of any cipher");
   }
-}
-
-TEST(PinnedTexts, TheExampleOfTheDescriptionIsRight) {
-  const WipedBytes masterKey = kTrailer.Master();
-  EXPECT_EQ(Botan::hex_encode(masterKey.data(), masterKey.size(), false),
-            "551aaf100535fc218cb95f0a2d772490620c796d20448a514d41e9edd099139b");
-  StringCipher cipher(*FindCipherSuite(Algorithm::Blowfish), masterKey);
-  EXPECT_EQ(
-      Base64Encode(AsBytes(cipher.Seal({0x10, 0x11, 0x12, 0x13, 0x14, 0x15, 0x16, 0x17}, "1234 bytes"))),
-      "EBESExQVFhd2QmsxUOQPcrlr6eA8y+IoPBf+ks/3sQuhXSg5oDxrNz30");
-}
-
-TEST(Hkdf, AgreesWithTheVectorsOfRfc5869) {
-  const WipedBytes secret(22, 0x0B);
-  const auto salt = Botan::hex_decode("000102030405060708090a0b0c");
-  const WipedBytes salted = DeriveKeys(secret, salt, "\xF0\xF1\xF2\xF3\xF4\xF5\xF6\xF7\xF8\xF9", 42);
-  EXPECT_EQ(Botan::hex_encode(salted.data(), salted.size(), false),
-            "3cb25f25faacd57a90434f64d0362f2a2d2d0a90cf1a5a4c5db02d56ecc4c5bf34007208d5b887185865");
-  const WipedBytes plain = DeriveKeys(secret, {}, "", 42);
-  EXPECT_EQ(Botan::hex_encode(plain.data(), plain.size(), false),
-            "8da4e775a563c18f715f802a063c5a31b8a11f5c5ee1879ec3454e5f3c738d2d9d201395faa4b61a96c8");
 }
 
 int YieldsToPrepare(const Secret& phrase) {
