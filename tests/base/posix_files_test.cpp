@@ -112,6 +112,12 @@ TEST_F(PosixFilesTest, RenameNoReplaceReplacesNothingAlsoWhereThePlatformCantDoI
   }
 }
 
+TEST_F(PosixFilesTest, ASecondNameOfAFileIsNoFreeName) {
+  std::filesystem::create_hard_link(folder.Put("file", "x"), folder / "second");
+  EXPECT_EQ(NumberOf([&] { posix.RenameNoReplace(folder / "file", folder / "second"); }),
+            ErrorNumber::FileExists);
+}
+
 TEST_F(PosixFilesTest, AFileIsAsOldAsItsBirthNotItsLastChange) {
   const Path path = folder.Put("f", "x");
   const std::time_t born = posix.Stat(path)->created;
