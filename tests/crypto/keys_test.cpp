@@ -1,11 +1,14 @@
 #include "crypto/keys.h"
 
+#include <botan/hex.h>
 #include <gtest/gtest.h>
 
 #include <thread>
 
 #include "crypto/base64.h"
 #include "crypto/cipher.h"
+#include "crypto/cipher_suite.h"
+#include "crypto/string_cipher.h"
 #include "tests/crypto/memory_streams.h"
 
 namespace tarnel {
@@ -59,6 +62,16 @@ TEST(PinnedTexts, OpenForEver) {
         << AlgorithmName(algorithm);
     EXPECT_EQ(sink.text, "a pinned file of more than two blocks of any cipher");
   }
+}
+
+TEST(PinnedTexts, TheExampleOfTheDescriptionIsRight) {
+  const WipedBytes masterKey = kTrailer.Master();
+  EXPECT_EQ(Botan::hex_encode(masterKey.data(), masterKey.size(), false),
+            "551aaf100535fc218cb95f0a2d772490620c796d20448a514d41e9edd099139b");
+  StringCipher cipher(*FindCipherSuite(Algorithm::Blowfish), masterKey);
+  EXPECT_EQ(
+      Base64Encode(AsBytes(cipher.Seal({0x10, 0x11, 0x12, 0x13, 0x14, 0x15, 0x16, 0x17}, "1234 bytes"))),
+      "EBESExQVFhd2QmsxUOQPcrlr6eA8y+IoPBf+ks/3sQuhXSg5oDxrNz30");
 }
 
 int YieldsToPrepare(const Secret& phrase) {
