@@ -108,11 +108,9 @@ class CarrierBench {
   LoadRequest RequestFor(const Under& under) const {
     return {.carrier = carrier, .password = HeldKey(under.password), .algorithm = under.algorithm};
   }
-  LoadResult Load(const Under& under = {}, LoadRequest::Reload reload = LoadRequest::Reload::Forced,
-                  LoadRequest::Fit fit = LoadRequest::Fit::AnyEntry) {
+  LoadResult Load(const Under& under = {}, LoadRequest::Reload reload = LoadRequest::Reload::Forced) {
     LoadRequest request = RequestFor(under);
     request.reload = reload;
-    request.fit = fit;
     return LoadHideout(request, reading, screen);
   }
   LoadResult TryPassword(const std::string& password) {
