@@ -2,7 +2,7 @@
 
 _tarnel_cli()
 {
-    local verbs="hide list extract verify delete update passwd search recover"
+    local verbs="hide list extract verify delete update passwd search recover salvage"
     local algorithms="BLOWFISH CAST5 DES SERPENT-256 RIJNDAEL-256 TRIPLEDES TWOFISH"
     local options="--json --no-input --quiet --on-error --password-file --password-fd --help"
     local cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD-1]} verb= word
@@ -32,8 +32,10 @@ _tarnel_cli()
 
     if [[ $cur == -* ]]; then
         case $verb in
-            hide) options+=" --title --algorithm --compress --no-folders --write-protect --originals" ;;
+            hide) options+=" --title --algorithm --compress --no-folders --new --write-protect --originals" ;;
             extract) options+=" --to --overwrite --flat" ;;
+            salvage) options+=" --to" ;;
+            recover) options+=" --yes" ;;
             passwd) options+=" --new-password-file --new-password-fd" ;;
             search) options+=" --type --algorithm --recursive --newest-only" ;;
             '') options+=" --version" ;;

@@ -1,6 +1,6 @@
 # fish completion for tarnel-cli
 
-set -l verbs hide list extract verify delete update passwd search recover
+set -l verbs hide list extract verify delete update passwd search recover salvage
 set -l algorithms BLOWFISH CAST5 DES SERPENT-256 RIJNDAEL-256 TripleDES TWOFISH
 set -l none "not __fish_seen_subcommand_from $verbs"
 
@@ -13,7 +13,8 @@ complete -c tarnel-cli -n $none -a delete -d 'take entries out for good'
 complete -c tarnel-cli -n $none -a update -d 'replace the contents of a hidden file'
 complete -c tarnel-cli -n $none -a passwd -d 'change the password of a hideout'
 complete -c tarnel-cli -n $none -a search -d 'find carriers in a folder'
-complete -c tarnel-cli -n $none -a recover -d 'put things right after an interrupted run'
+complete -c tarnel-cli -n $none -a recover -d 'put things right after an interrupted run or damage'
+complete -c tarnel-cli -n $none -a salvage -d 'bring back what is whole in a damaged carrier'
 complete -c tarnel-cli -n $none -l version -d 'show the version'
 
 complete -c tarnel-cli -l json -d 'print JSON'
@@ -29,6 +30,7 @@ complete -c tarnel-cli -n $hide -l title -x -d 'title of a new hideout'
 complete -c tarnel-cli -n $hide -l algorithm -x -a "$algorithms" -d 'algorithm of a new hideout'
 complete -c tarnel-cli -n $hide -l compress -d 'compress first, at level 6'
 complete -c tarnel-cli -n $hide -l no-folders -d 'do not keep the names of folders'
+complete -c tarnel-cli -n $hide -l new -d 'make a new hideout, also in a damaged carrier'
 complete -c tarnel-cli -n $hide -l write-protect -d 'make the carrier read-only'
 complete -c tarnel-cli -n $hide -l originals -x -a 'keep trash destroy' -d 'what becomes of the originals'
 
@@ -36,6 +38,9 @@ set -l extract '__fish_seen_subcommand_from extract'
 complete -c tarnel-cli -n $extract -l to -x -a '(__fish_complete_directories)' -d 'the folder to put them in'
 complete -c tarnel-cli -n $extract -l overwrite -d 'replace existing files'
 complete -c tarnel-cli -n $extract -l flat -d 'without folders'
+
+complete -c tarnel-cli -n '__fish_seen_subcommand_from salvage' -l to -x -a '(__fish_complete_directories)' -d 'the folder to put them in'
+complete -c tarnel-cli -n '__fish_seen_subcommand_from recover' -l yes -d 'do it without asking'
 
 set -l passwd '__fish_seen_subcommand_from passwd'
 complete -c tarnel-cli -n $passwd -l new-password-file -r -F -d 'take the new password from a file'

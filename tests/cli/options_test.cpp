@@ -114,8 +114,8 @@ TEST(Options, WhatIsWrongIsAUsageErrorThatNamesIt) {
 
 TEST(Options, ManualAndCompletionsKnowEveryOptionVerbAndAlgorithm) {
   EXPECT_THAT(HelpOf("--version"), testing::MatchesRegex("tarnel-cli [0-9.]+\n"));
-  std::set<std::string> wanted = {"hide",   "list",   "extract", "verify", "delete",
-                                  "update", "passwd", "search",  "recover"};
+  std::set<std::string> wanted = {"hide",   "list",   "extract", "verify",  "delete",
+                                  "update", "passwd", "search",  "recover", "salvage"};
   std::string help = HelpOf("--help");
   for (const std::string& verb : wanted)
     help += HelpOf(verb + " --help");
