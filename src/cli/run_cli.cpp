@@ -1,8 +1,10 @@
 #include "cli/run_cli.h"
 
+#include <algorithm>
 #include <exception>
 
 #include "cli/exit_codes.h"
+#include "cli/help_pages.h"
 #include "cli/options.h"
 #include "cli/terminal_dialogue.h"
 #include "cli/verbs.h"
@@ -15,6 +17,15 @@ Colour ColourFor(Terminal& terminal, const Variables& variables) {
   const bool isRefused =
       !variables("NO_COLOR").value_or("").empty() || variables("TERM").value_or("dumb") == "dumb";
   return terminal.ErrorIsTerminal() && !isRefused ? Colour::On : Colour::Off;
+}
+
+std::string TextFor(const HelpWish& wish, const Terminal& terminal) {
+  constexpr std::size_t kNarrowest = 30;
+  constexpr std::size_t kWidest = 100;
+  if (wish.about == HelpWish::About::Version) return "tarnel-cli " TARNEL_VERSION "\n";
+  const std::size_t width =
+      terminal.OutputIsTerminal() ? std::clamp(terminal.Width() - 1, kNarrowest, kWidest) : kWidest - 20;
+  return wish.about == HelpWish::About::Program ? ProgramHelp(width) : VerbHelp(*FindVerb(wish.verb), width);
 }
 
 void FinishOutput(Terminal& terminal) {
@@ -62,8 +73,8 @@ int RunCli(const std::vector<std::string>& arguments, Terminal& terminal, Files&
   Messages early(terminal, form, Volume::Normal, colour);
   return static_cast<int>(Guarded(early, [&] {
     const auto parsed = ParseOptions(arguments);
-    if (const auto* help = std::get_if<HelpText>(&parsed)) {
-      terminal.Write(help->text);
+    if (const auto* wish = std::get_if<HelpWish>(&parsed)) {
+      terminal.Write(TextFor(*wish, terminal));
       FinishOutput(terminal);
       return ExitCode::Done;
     }

@@ -27,7 +27,7 @@ const char* WordOf(Verdict verdict) {
 
 std::string JsonText(const VerifyOptions& options, const VerifyResult& result) {
   Json object = JsonObject();
-  PutBytes(object, "carrier", options.carrier);
+  PutBytes(object, "carrier", options.carriers.front());
   object["files"] = Json::array();
   for (const VerifiedEntry& entry : result.entries) {
     Json file;
@@ -65,7 +65,7 @@ ExitCode CodeOf(const VerifyResult& result) {
 }  // namespace
 
 ExitCode RunVerb(const VerifyOptions& options, Surroundings& around) {
-  Workbench bench(options.carrier, around);
+  Workbench bench(options.carriers.front(), around);
   bench.Open();
   VerifyOnTerminal screen(around.talk);
   const VerifyResult result = RunVerify(bench.Carrier(), bench.Key(), around.files, screen);
