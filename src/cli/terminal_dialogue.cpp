@@ -149,7 +149,7 @@ std::optional<Answer> TerminalDialogue::AnswerByRule(const Question& question) {
 }
 
 Answer TerminalDialogue::AskPerson(const Question& question) {
-  std::string prompt = PrintableLines(TextOf(question)) + "\n" + Prompt(question);
+  std::string prompt = m_messages.Shown(TextOf(question)) + "\n" + Prompt(question);
   for (;;) {
     const std::optional<std::string> line = m_terminal.ReadLine(prompt);
     Yield();
@@ -160,7 +160,7 @@ Answer TerminalDialogue::AskPerson(const Question& question) {
 }
 
 void TerminalDialogue::SayAnswer(const Question& question, Answer answer) {
-  m_messages.Warn(TextOf(question) + "\nanswered with " + KeyOf(answer).word);
+  m_messages.Answered(TextOf(question), KeyOf(answer).word);
 }
 
 CliFailure TerminalDialogue::LastFailure() const {

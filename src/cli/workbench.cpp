@@ -26,7 +26,10 @@ Workbench::Workbench(const std::string& given, Surroundings& around)
     : m_around(around),
       m_given(given),
       m_carrier(FindCarrier(given, around.files)),
-      m_reading{around.files, m_catalogue, m_guards, m_current} {}
+      m_reading{around.files, m_catalogue, m_guards, m_current} {
+  around.messages.ShowAs(m_carrier, given);
+  PutBytes(around.report, "carrier", given);
+}
 
 void RefuseBusy(const Path& carrier, Files& files) {
   const std::unique_ptr<File> file = files.OpenToRead(carrier);
@@ -38,9 +41,12 @@ void RefuseBusy(const Path& carrier, Files& files) {
 }
 
 void Workbench::Open() {
-  const GivenPassword password =
-      ObtainPassword(m_around.options, m_around.variables, m_around.terminal, m_around.messages);
-  if (TryOpen(password.secret)) return;
+  OpenWith(ObtainPassword(m_around.options, m_around.variables, m_around.terminal, m_around.messages).secret);
+}
+
+void Workbench::OpenWith(const Secret& password) {
+  if (TryOpen(password)) return;
+  RefuseBusy(m_carrier, m_around.files);
   const std::string name = Printable(m_given);
   if (!m_faults.None()) {
     WarnOfFaults();

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/files.h"
+#include "cli/exit_codes.h"
 #include "cli/run_cli.h"
 #include "tests/support/held_key.h"
 #include "tests/support/temp_folder.h"
@@ -30,7 +31,9 @@ inline Secret Held(std::string_view phrase) {
 class ScriptedTerminal : public Terminal {
  public:
   void Write(std::string_view text) override { out += text; }
-  void FinishOutput() override {}
+  void FinishOutput() override {
+    if (isReaderGone) throw CliFailure(ExitCode::ReaderGone, "gone");
+  }
   void WriteError(std::string_view text) override { err += text; }
   bool OutputIsTerminal() const override { return isTerminal; }
   bool ErrorIsTerminal() const override { return isTerminal; }
@@ -51,6 +54,7 @@ class ScriptedTerminal : public Terminal {
   bool canAsk = false;
   bool isTerminal = false;
   bool isCancelled = false;
+  bool isReaderGone = false;
 
  private:
   std::optional<std::string> Next(std::deque<std::string>& typed, std::string_view prompt) {
