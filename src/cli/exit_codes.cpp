@@ -7,6 +7,26 @@ CliFailure::CliFailure(const Error& error) : CliFailure(CodeOf(error.Number()), 
 CliFailure::CliFailure(ExitCode code, const Error& error)
     : std::runtime_error(error.Description()), m_code(code), m_number(error.Number()) {}
 
+const std::vector<ExitCodeRow>& ExitCodeTable() {
+  static const std::vector<ExitCodeRow> table = {
+      {ExitCode::Done, "done"},
+      {ExitCode::Failed, "another error"},
+      {ExitCode::Usage, "wrong usage, or no way to get a password"},
+      {ExitCode::PartlyDone, "partly done: something was left out, and named"},
+      {ExitCode::OutputExists, "an existing file was kept"},
+      {ExitCode::NoSpace, "no space; what doesn't fit was not hidden, and is named"},
+      {ExitCode::Permission, "permission denied"},
+      {ExitCode::Damaged, "damaged: an entry or the carrier is not whole"},
+      {ExitCode::Busy, "another process works on the carrier"},
+      {ExitCode::Unreadable, "the disk doesn't give all of the carrier; what it didn't give may be whole"},
+      {ExitCode::CarrierNotFound, "the carrier was not found"},
+      {ExitCode::NoHideout, "no hideout opens with this password"},
+      {ExitCode::EntryNotFound, "the hideout has no such entry"},
+      {ExitCode::Cancelled, "cancelled by Ctrl+C, SIGTERM or SIGHUP; the carrier is as it was"},
+      {ExitCode::ReaderGone, "whoever read standard output closed it; nothing is said"}};
+  return table;
+}
+
 ExitCode CodeOf(ErrorNumber number) {
   switch (number) {
     case ErrorNumber::FileExists:

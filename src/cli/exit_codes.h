@@ -3,12 +3,13 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "base/error.h"
 
 namespace tarnel {
 
-/// What tarnel-cli tells a script. The numbers stand in the manual page.
+/// What tarnel-cli tells a script.
 enum class ExitCode : int {
   Done = 0,
   Failed = 1,
@@ -24,7 +25,14 @@ enum class ExitCode : int {
   NoHideout = 12,
   EntryNotFound = 13,
   Cancelled = 130,
+  ReaderGone = 141,
 };
+
+struct ExitCodeRow {
+  ExitCode code;
+  const char* meaning;  ///< for the manual page
+};
+const std::vector<ExitCodeRow>& ExitCodeTable();
 
 /// Ends a verb: the sentence for the person, the code for the script.
 class CliFailure : public std::runtime_error {

@@ -56,6 +56,16 @@ Json JsonOfNames(const std::vector<std::string>& names) {
   return ArrayOf(names, [](const std::string& name) -> std::string_view { return name; });
 }
 
+Json JsonOfPaths(const std::vector<std::string>& paths) {
+  Json array = Json::array();
+  for (const std::string& path : paths) {
+    Json object;
+    PutBytes(object, "path", path);
+    array.push_back(std::move(object));
+  }
+  return array;
+}
+
 Json JsonOfNames(const std::vector<Path>& paths) {
   return ArrayOf(paths, [](const Path& path) -> std::string_view { return path.native(); });
 }
@@ -72,14 +82,18 @@ void PutFaults(Json& object, const ChainFaults& faults) {
   }
 }
 
-Json JsonOfFailure(const CliFailure& failure) {
+Json JsonOfFailure(const CliFailure& failure, std::string_view message) {
+  Json object = JsonObject();
+  PutFailure(object, failure, message);
+  return object;
+}
+
+void PutFailure(Json& object, const CliFailure& failure, std::string_view message) {
   Json error;
   error["code"] = static_cast<int>(failure.Code());
-  error["message"] = failure.what();
+  error["message"] = message;
   if (failure.Number()) error["number"] = static_cast<int>(*failure.Number());
-  Json object = JsonObject();
   object["error"] = std::move(error);
-  return object;
 }
 
 Json JsonOfMessage(const char* kind, std::string_view text) {

@@ -23,11 +23,14 @@ void PutBytes(Json& object, const std::string& key, std::string_view bytes);
 /// A list of names or paths: an array of objects with the one key `name`.
 Json JsonOfNames(const std::vector<std::string>& names);
 Json JsonOfNames(const std::vector<Path>& paths);
+/// Paths of entries, each as an object with "path".
+Json JsonOfPaths(const std::vector<std::string>& paths);
 
 /// "broken_at", "closed_by" and "damaged_entries", each only where there is something to say.
 void PutFaults(Json& object, const ChainFaults& faults);
 
-Json JsonOfFailure(const CliFailure& failure);
+Json JsonOfFailure(const CliFailure& failure, std::string_view message);
+void PutFailure(Json& object, const CliFailure& failure, std::string_view message);
 Json JsonOfMessage(const char* kind, std::string_view text);
 
 /// The object on one line, with its line end.

@@ -13,11 +13,40 @@ constexpr const char* kPlain = "\x1b[0m";
 
 }  // namespace
 
+void Messages::ShowAs(const Path& full, const std::string& given) {
+  const bool isPlain = !given.empty() && given.front() != '/' && Path(given).filename() == full.filename();
+  if (isPlain) m_names.emplace_back(Printable(full.native()), Printable(given));
+}
+
+std::string Messages::Shown(std::string_view text) const {
+  std::string shown = PrintableLines(text);
+  for (const auto& [full, given] : m_names) {
+    for (std::size_t at = shown.find(full); at != std::string::npos; at = shown.find(full, at)) {
+      const bool isWhole =
+          at == 0 || std::string_view(" \n\"(").find(shown[at - 1]) != std::string_view::npos;
+      if (isWhole) shown.replace(at, full.size(), given);
+      at += isWhole ? given.size() : full.size();
+    }
+  }
+  return shown;
+}
+
+void Messages::Answered(std::string_view question, const char* answer) {
+  if (m_form == MessageForm::Text) {
+    Say("warning", kYellow, std::string(question) + "\nanswered with " + answer);
+    return;
+  }
+  Json object = JsonObject();
+  object["question"]["message"] = Shown(question);
+  object["question"]["answer"] = answer;
+  m_terminal.WriteError(JsonLine(object));
+}
+
 void Messages::Fail(const CliFailure& failure) {
   if (m_form == MessageForm::Text) {
     Say("error", kRed, failure.what());
   } else {
-    m_terminal.WriteError(JsonLine(JsonOfFailure(failure)));
+    m_terminal.WriteError(JsonLine(JsonOfFailure(failure, Shown(failure.what()))));
   }
 }
 
@@ -28,20 +57,20 @@ void Messages::Warn(std::string_view text) {
 void Messages::Note(std::string_view text) {
   if (m_volume == Volume::Quiet) return;
   if (m_form == MessageForm::JsonLines) {
-    m_terminal.WriteError(JsonLine(JsonOfMessage("note", text)));
+    Say("note", "", text);
   } else {
-    m_terminal.WriteError(PrintableLines(text) + "\n");
+    m_terminal.WriteError(Shown(text) + "\n");
   }
 }
 
 void Messages::Say(const char* kind, const char* colour, std::string_view text) {
+  const std::string shown = Shown(text);
   if (m_form == MessageForm::JsonLines) {
-    m_terminal.WriteError(JsonLine(JsonOfMessage(kind, text)));
+    m_terminal.WriteError(JsonLine(JsonOfMessage(kind, shown)));
     return;
   }
   const std::string label = std::string(kind) + ":";
-  m_terminal.WriteError((m_colour == Colour::On ? colour + label + kPlain : label) + " " +
-                        PrintableLines(text) + "\n");
+  m_terminal.WriteError((m_colour == Colour::On ? colour + label + kPlain : label) + " " + shown + "\n");
 }
 
 std::string PrintableLines(std::string_view text) {

@@ -2,7 +2,10 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
+#include "base/files.h"
 #include "cli/exit_codes.h"
 #include "cli/terminal.h"
 
@@ -18,6 +21,14 @@ class Messages {
   Messages(Terminal& terminal, MessageForm form, Volume volume, Colour colour)
       : m_terminal(terminal), m_form(form), m_volume(volume), m_colour(colour) {}
 
+  /// From now on the path, and what it begins, is shown as the person has named it; unless it is reached
+  /// through a symbolic link, beside which other files lie.
+  void ShowAs(const Path& full, const std::string& given);
+  /// `text` with such paths replaced, its line ends as "\n", and each line printable.
+  std::string Shown(std::string_view text) const;
+
+  /// A question that was answered without asking anybody.
+  void Answered(std::string_view question, const char* answer);
   /// Never hidden.
   void Fail(const CliFailure& failure);
   void Warn(std::string_view text);
@@ -31,6 +42,7 @@ class Messages {
   MessageForm m_form;
   Volume m_volume;
   Colour m_colour;
+  std::vector<std::pair<std::string, std::string>> m_names;  ///< printable: full path, as it is shown
 };
 
 /// `text` with its line ends, of whatever kind, as "\n", and each line printable.

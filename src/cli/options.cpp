@@ -1,398 +1,229 @@
 #include "cli/options.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
-#include <array>
-#include <functional>
-#include <set>
-#include <utility>
 
 #include "base/printable.h"
-#include "carrier/open_hideout.h"
-#include "cli/argument_scan.h"
-#include "cli/exit_codes.h"
-#include "cli/help_texts.h"
-#include "search/carrier_types.h"
+#include "cli/command_table.h"
+#include "cli/nearest_word.h"
+#include "cli/option_values.h"
 
 namespace tarnel {
 
 namespace {
 
-template <class Value>
-using Choices = std::vector<std::pair<std::string, Value>>;
+constexpr const char* kHelpVerb = "help";
 
-const Choices<OnError> kOnErrorChoices = {
-    {"abort", OnError::Abort}, {"retry", OnError::Retry}, {"ignore", OnError::Ignore}};
-const Choices<Originals> kOriginalsChoices = {
-    {"keep", Originals::Keep}, {"trash", Originals::Trash}, {"destroy", Originals::Destroy}};
-
-CliFailure UsageError(const std::string& message) {
-  return CliFailure(ExitCode::Usage, message);
+bool TakesValue(const OptionRow& row) {
+  return !row.value.empty();
 }
 
-std::string Folded(std::string_view text) {
-  std::string folded(text);
-  for (char& c : folded) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  }
-  return folded;
-}
-
-Choices<Algorithm> AlgorithmChoices() {
-  Choices<Algorithm> choices;
-  for (const OfferedAlgorithm& offered : OfferedAlgorithms()) {
-    choices.emplace_back(offered.name, offered.algorithm);
-  }
-  return choices;
-}
-
-template <class Value>
-std::string Names(const Choices<Value>& choices) {
-  std::string names;
-  for (const auto& choice : choices)
-    names += (names.empty() ? "" : ", ") + choice.first;
-  return names;
-}
-
-/// The value that `text` names, whatever its case.
-template <class Value>
-Value Choose(const Choices<Value>& choices, const char* option, const std::string& text) {
-  for (const auto& [name, value] : choices) {
-    if (Folded(name) == Folded(text)) return value;
-  }
-  throw UsageError(std::string(option) + ": \"" + Printable(text) + "\" is none of " + Names(choices));
-}
-
-void CheckTitle(const std::string& title) {
-  if (title.find_first_not_of(' ') == std::string::npos) throw UsageError("--title: the title is empty");
-  if (std::any_of(title.begin(), title.end(), TitleRefuses)) {
-    throw UsageError("--title: a title can't hold \"/\", \"\\\", \"<\" or \">\"");
-  }
-}
-
-/// The options `prefix`-file and `prefix`-fd, of which only one may be given.
-void AddPasswordSource(CLI::App& app, const std::string& prefix, const std::string& what,
-                       std::optional<std::string>& fileTarget, std::optional<int>& descriptorTarget) {
-  const auto takeFile = [&fileTarget](const std::string& name) { fileTarget = name; };
-  CLI::Option* file = app.add_option_function<std::string>(
-      prefix + "-file", takeFile, "Take " + what + " from the first line of a file; \"-\" is standard input");
-  const auto takeNumber = [&descriptorTarget](int number) { descriptorTarget = number; };
-  app.add_option_function<int>(prefix + "-fd", takeNumber,
-                               "Take " + what + " from the first line of an open file descriptor")
-      ->type_name("N")
-      ->check(CLI::NonNegativeNumber)
-      ->excludes(file->type_name("FILE"));
-}
-
-/// True for a type that lists exactly this extension, such as "*.png".
-bool NamesExtension(const CarrierType& type, const std::string& text) {
-  const std::string pattern = Folded("*." + text);
-  const std::string known = Folded(type.text);
-  return known.find(pattern + ",") != std::string::npos || known.find(pattern + ")") != std::string::npos;
-}
-
-/// The item of the list of carrier types that `text` means: "image", "video", "audio", "program", or an
-/// extension.
-std::size_t ChooseType(const std::string& text) {
-  constexpr std::array groups = {std::pair{"ALL", "All Carrier Types"}, std::pair{"IMAGE", "Image Files"},
-                                 std::pair{"VIDEO", "Video File"}, std::pair{"AUDIO", "Audio File"},
-                                 std::pair{"PROGRAM", "Program File"}};
-  const auto group = std::ranges::find(groups, Folded(text), [](const auto& pair) { return pair.first; });
-  const auto types = CarrierTypes();
-  for (std::size_t i = 0; i < types.size(); ++i) {
-    if (group != groups.end() ? types[i].text == group->second : NamesExtension(types[i], text)) return i;
-  }
-  throw UsageError("--type: \"" + Printable(text) +
-                   "\" is none of all, image, video, audio, program, nor an extension of a carrier type");
-}
-
-/// Builds the parser, runs it, and hands out what it found. Positional arguments go through it as their
-/// index, so that it can't take a file name for anything else.
-class Parser {
- public:
-  Parser();
-  std::variant<CommandLine, HelpText> Parse(const std::vector<std::string>& arguments);
-
- private:
-  using Finish = std::function<VerbOptions()>;
-  struct Verb {
-    CLI::App* app;
-    Finish finish;
-  };
-
-  void AddGlobals();
-  void AddHide();
-  void AddList();
-  void AddExtract();
-  void AddVerify();
-  void AddDelete();
-  void AddUpdate();
-  void AddPasswd();
-  void AddSearch();
-  void AddRecover();
-  void AddSalvage();
-  CLI::App& AddVerb(const char* name, const char* description, const char* examples, Finish finish,
-                    const char* subject = "CARRIER", const char* subjectHelp = "The carrier file");
-  void AddMany(CLI::App& app, const char* name, const char* help);
-  template <class Value>
-  void AddChoice(CLI::App& app, const char* name, Choices<Value> choices, std::function<void(Value)> take,
-                 const std::string& help);
-
-  std::set<std::string> ValuedOptions() const;
-  const Verb& FindVerb(const std::string& name) const;
-  void RunParser(const ArgumentScan& scan);
-  std::string Given(const std::string& index) const { return m_given.at(std::stoul(index)); }
-  std::string Carrier() const { return Given(m_carrier); }
-  std::vector<std::string> Many() const;
-
-  CLI::App m_app{help::kProgram, "tarnel-cli"};
-  std::vector<Verb> m_verbs;
-  std::vector<std::string> m_given;  ///< the positional arguments
-  std::string m_carrier;             ///< indices, as the parser hands them out
-  std::vector<std::string> m_many;
-  GlobalOptions m_global;
-  std::string m_entry;
-  std::string m_file;
-  HideOptions m_hide;
-  ExtractOptions m_extract;
-  PasswdOptions m_passwd;
-  SearchOptions m_search;
-  RecoverOptions m_recover;
-  SalvageOptions m_salvage;
+/// An option as it was typed. Two verbs may have an option of one name, but it takes a value in both or in
+/// none.
+struct TypedOption {
+  std::string name;
+  const OptionRow* any = nullptr;  ///< a row of that name; null if there is none
+  std::optional<std::string> value;
 };
 
-Parser::Parser() {
-  m_app.footer(help::kProgramFooter);
-  m_app.fallthrough();
-  m_app.set_version_flag("--version", "tarnel-cli " TARNEL_VERSION);
-  AddGlobals();
-  AddHide();
-  AddList();
-  AddExtract();
-  AddVerify();
-  AddDelete();
-  AddUpdate();
-  AddPasswd();
-  AddSearch();
-  AddRecover();
-  AddSalvage();
+/// Takes the arguments apart, hands out what they say, and says what is wrong with them.
+class Parser {
+ public:
+  explicit Parser(const std::vector<std::string>& arguments) : m_words(arguments) {}
+  std::variant<CommandLine, HelpWish> Parse();
+
+ private:
+  void TakeApart();
+  void TakeLong(const std::string& word);
+  void TakeLetters(const std::string& word);
+  void TakeNextAsValue(TypedOption& option);
+  void TakePlain(const std::string& word);
+  void Apply(const TypedOption& option);
+  const OptionRow& RowFor(const TypedOption& option) const;
+  std::optional<HelpWish> Help();
+  const VerbRow& Verb() const;
+  void CheckOperands(const VerbRow& verb) const;
+  void CheckExclusions() const;
+
+  const std::vector<std::string>& m_words;
+  std::size_t m_next = 0;
+  std::string m_verb;
+  std::vector<TypedOption> m_options;
+  ParsedOptions m_parsed;
+};
+
+template <class Matches>
+const OptionRow* FindOption(Matches matches) {
+  const auto found = std::ranges::find_if(OptionTable(), matches);
+  return found == OptionTable().end() ? nullptr : &*found;
 }
 
-void Parser::AddGlobals() {
-  m_app.add_flag("--json", m_global.json, "Print one JSON object; errors too are objects");
-  m_app.add_flag("--no-input", m_global.noInput, "Ask nothing; take the safe answer and say so");
-  m_app.add_flag("--quiet", m_global.quiet, "No progress, no word of success; errors are still shown");
-  AddChoice<OnError>(
-      m_app, "--on-error", kOnErrorChoices, [this](OnError value) { m_global.onError = value; },
-      "What to do at an error instead of asking: abort, retry (three times) or ignore");
-  AddPasswordSource(m_app, "--password", "the password", m_global.passwordFile, m_global.passwordFd);
+std::string Hint(const std::string& verb) {
+  return "; see tarnel-cli " + (FindVerb(verb) ? verb + " " : std::string()) + "--help";
 }
 
-CLI::App& Parser::AddVerb(const char* name, const char* description, const char* examples, Finish finish,
-                          const char* subject, const char* subjectHelp) {
-  CLI::App* app = m_app.add_subcommand(name, description);
-  app->footer(examples);
-  app->add_option(subject, m_carrier, subjectHelp)->required()->type_name("");
-  m_verbs.push_back({app, std::move(finish)});
-  return *app;
+std::string Suggestion(const std::string& typed, const std::vector<std::string>& words) {
+  const std::string nearest = NearestWord(typed, words);
+  return nearest.empty() ? "" : "; did you mean " + nearest + "?";
 }
 
-void Parser::AddMany(CLI::App& app, const char* name, const char* help) {
-  app.add_option(name, m_many, help)->type_name("")->expected(-1);
-}
-
-template <class Value>
-void Parser::AddChoice(CLI::App& app, const char* name, Choices<Value> choices,
-                       std::function<void(Value)> take, const std::string& help) {
-  const auto choose = [choices = std::move(choices), name, take = std::move(take)](const std::string& text) {
-    take(Choose(choices, name, text));
-  };
-  app.add_option_function<std::string>(name, choose, help)->type_name("NAME");
-}
-
-void Parser::AddHide() {
-  CLI::App& app = AddVerb("hide", help::kHide, help::kHideExamples, [this] {
-    m_hide.carrier = Carrier();
-    m_hide.paths = Many();
-    return m_hide;
-  });
-  AddMany(app, "PATH", "Files and folders to hide");
-  app.get_option("PATH")->required();
-  const auto takeTitle = [this](const std::string& title) {
-    CheckTitle(title);
-    m_hide.title = title;
-  };
-  app.add_option_function<std::string>("--title", takeTitle, "Title of a new hideout; preset \"New Hideout\"")
-      ->type_name("TEXT");
-  AddChoice<Algorithm>(
-      app, "--algorithm", AlgorithmChoices(), [this](Algorithm value) { m_hide.algorithm = value; },
-      "Algorithm of a new hideout, preset RIJNDAEL-256: " + Names(AlgorithmChoices()));
-  app.add_option_function<int>(
-         "--compress", [this](int level) { m_hide.compressionLevel = level; },
-         "Compress first: --compress for level 6, or --compress=1 to --compress=9")
-      ->type_name("LEVEL")
-      ->check(CLI::Range(1, 9));
-  app.add_flag("--no-folders", m_hide.noFolders, "Don't keep the names of folders");
-  app.add_flag("--new", m_hide.makeNew, "Make a new hideout, also in a carrier that is damaged");
-  app.add_flag("--write-protect", m_hide.writeProtect, "Make the carrier read-only afterwards");
-  AddChoice<Originals>(
-      app, "--originals", kOriginalsChoices, [this](Originals value) { m_hide.originals = value; },
-      "What becomes of the originals once they can be read back: keep, trash or destroy");
-}
-
-void Parser::AddList() {
-  AddVerb("list", help::kList, help::kListExamples, [this] { return ListOptions{Carrier()}; });
-}
-
-void Parser::AddExtract() {
-  CLI::App& app = AddVerb("extract", help::kExtract, help::kExtractExamples, [this] {
-    m_extract.carrier = Carrier();
-    m_extract.entries = Many();
-    return m_extract;
-  });
-  AddMany(app, "ENTRY", "folder/name, or folder/ for all below it; all entries if none is named");
-  app.add_option("--to", m_extract.target, "The folder to put them in; made if it is missing")
-      ->required()
-      ->type_name("DIR");
-  app.add_flag("--overwrite", m_extract.overwrite, "Replace existing files without asking");
-  app.add_flag("--flat", m_extract.flat, "Put all files into DIR itself, without folders");
-}
-
-void Parser::AddVerify() {
-  AddVerb("verify", help::kVerify, help::kVerifyExamples, [this] { return VerifyOptions{Carrier()}; });
-}
-
-void Parser::AddDelete() {
-  CLI::App& app = AddVerb("delete", help::kDelete, help::kDeleteExamples, [this] {
-    return DeleteOptions{Carrier(), Many()};
-  });
-  AddMany(app, "ENTRY", "folder/name, or folder/ for all below it");
-  app.get_option("ENTRY")->required();
-}
-
-void Parser::AddUpdate() {
-  CLI::App& app = AddVerb("update", help::kUpdate, help::kUpdateExamples, [this] {
-    return UpdateOptions{Carrier(), Given(m_entry), Given(m_file)};
-  });
-  app.add_option("ENTRY", m_entry, "The hidden file, as list shows it")->required()->type_name("");
-  app.add_option("FILE", m_file, "The file with the new contents")->required()->type_name("");
-}
-
-void Parser::AddPasswd() {
-  CLI::App& app = AddVerb("passwd", help::kPasswd, help::kPasswdExamples, [this] {
-    m_passwd.carrier = Carrier();
-    return m_passwd;
-  });
-  AddPasswordSource(app, "--new-password", "the new password", m_passwd.newPassword.file,
-                    m_passwd.newPassword.descriptor);
-}
-
-void Parser::AddSearch() {
-  CLI::App& app = AddVerb(
-      "search", help::kSearch, help::kSearchExamples,
-      [this] {
-        m_search.folder = Carrier();
-        return m_search;
-      },
-      "DIR", "The folder to look through");
-  app.add_option_function<std::string>(
-         "--type", [this](const std::string& text) { m_search.type = ChooseType(text); },
-         "Only carriers of this type: all, image, video, audio, program, or an extension such as png")
-      ->type_name("TEXT");
-  AddChoice<Algorithm>(
-      app, "--algorithm", AlgorithmChoices(), [this](Algorithm value) { m_search.algorithm = value; },
-      "Try this algorithm only");
-  app.add_flag("--recursive", m_search.recursive, "Look into subfolders too");
-  app.add_flag("--newest-only", m_search.newestOnly,
-               "Try the newest entry of each file only, which is faster");
-}
-
-void Parser::AddRecover() {
-  CLI::App& app = AddVerb("recover", help::kRecover, help::kRecoverExamples, [this] {
-    m_recover.carrier = Carrier();
-    return m_recover;
-  });
-  app.add_flag("--yes", m_recover.yes, "Do it without asking");
-}
-
-void Parser::AddSalvage() {
-  CLI::App& app = AddVerb("salvage", help::kSalvage, help::kSalvageExamples, [this] {
-    m_salvage.carrier = Carrier();
-    return m_salvage;
-  });
-  app.add_option("--to", m_salvage.target, "The folder to put them in; made if it is missing")
-      ->required()
-      ->type_name("DIR");
-}
-
-std::vector<std::string> Parser::Many() const {
-  std::vector<std::string> all;
-  all.reserve(m_many.size());
-  for (const std::string& index : m_many)
-    all.push_back(Given(index));
-  return all;
-}
-
-std::set<std::string> Parser::ValuedOptions() const {
-  std::set<std::string> names;
-  const auto collect = [&names](const CLI::App& app) {
-    for (const CLI::Option* option : app.get_options()) {
-      if (option->get_items_expected_min() == 0) continue;
-      for (const std::string& name : option->get_lnames())
-        names.insert("--" + name);
-    }
-  };
-  collect(m_app);
-  for (const Verb& verb : m_verbs)
-    collect(*verb.app);
+std::vector<std::string> VerbNames() {
+  std::vector<std::string> names;
+  for (const VerbRow& verb : VerbTable())
+    names.push_back(verb.name);
+  names.emplace_back(kHelpVerb);
   return names;
 }
 
-const Parser::Verb& Parser::FindVerb(const std::string& name) const {
-  std::string names;
-  for (const Verb& verb : m_verbs) {
-    if (verb.app->get_name() == name) return verb;
-    names += (names.empty() ? "" : ", ") + verb.app->get_name();
+void Parser::TakeApart() {
+  bool optionsEnded = false;
+  while (m_next < m_words.size()) {
+    const std::string& word = m_words[m_next++];
+    if (optionsEnded || word.size() < 2 || word.front() != '-') {
+      TakePlain(word);
+    } else if (word == "--") {
+      optionsEnded = true;
+    } else if (word[1] == '-') {
+      TakeLong(word);
+    } else {
+      TakeLetters(word);
+    }
   }
-  if (name.empty()) throw UsageError("a verb is missing, one of " + names + "; see tarnel-cli --help");
-  throw UsageError("unknown verb \"" + Printable(name) + "\"; it is one of " + names);
 }
 
-void Parser::RunParser(const ArgumentScan& scan) {
-  std::vector<std::string> words;
-  if (!scan.verb.empty()) words.push_back(scan.verb);
-  words.insert(words.end(), scan.options.begin(), scan.options.end());
-  for (std::size_t i = 0; i < scan.positionals.size(); ++i)
-    words.push_back(std::to_string(i));
-  std::reverse(words.begin(), words.end());
-  m_given = scan.positionals;
-  m_app.parse(words);
+void Parser::TakePlain(const std::string& word) {
+  if (m_verb.empty() && m_parsed.operands.empty()) {
+    m_verb = word;
+  } else {
+    m_parsed.operands.push_back(word);
+  }
 }
 
-std::variant<CommandLine, HelpText> Parser::Parse(const std::vector<std::string>& arguments) {
-  const ArgumentScan scan = ScanArguments(arguments, ValuedOptions());
-  if (!scan.verb.empty()) FindVerb(scan.verb);
-  try {
-    RunParser(scan);
-  } catch (const CLI::CallForHelp&) {
-    return HelpText{m_app.help()};
-  } catch (const CLI::CallForVersion& version) {
-    return HelpText{std::string(version.what()) + "\n"};
-  } catch (const CLI::ExtrasError&) {
-    const std::string first = m_app.remaining(true).front();
-    throw UsageError("unexpected argument \"" + Printable(first.front() == '-' ? first : Given(first)) +
-                     "\"");
-  } catch (const CLI::ParseError& error) {
-    throw UsageError(error.what());
+void Parser::TakeLong(const std::string& word) {
+  const std::size_t equals = word.find('=');
+  TypedOption option{.name = word.substr(0, equals), .any = nullptr, .value = std::nullopt};
+  option.any = FindOption([&](const OptionRow& row) { return row.name == option.name; });
+  if (equals != std::string::npos) {
+    option.value = word.substr(equals + 1);
+  } else if (option.any && TakesValue(*option.any)) {
+    TakeNextAsValue(option);
   }
-  const Verb& verb = FindVerb(scan.verb);
-  return CommandLine{m_global, verb.finish()};
+  m_options.push_back(std::move(option));
+}
+
+/// "-q", "-qr", "-oDIR", "-o DIR"
+void Parser::TakeLetters(const std::string& word) {
+  for (std::size_t i = 1; i < word.size(); ++i) {
+    TypedOption option{.name = {'-', word[i]}, .any = nullptr, .value = std::nullopt};
+    option.any = FindOption([&](const OptionRow& row) { return row.letter == word[i]; });
+    const bool isValued = option.any && TakesValue(*option.any);
+    if (isValued && i + 1 < word.size()) option.value = word.substr(i + 1);
+    if (isValued && i + 1 == word.size()) TakeNextAsValue(option);
+    const bool isLast = isValued || !option.any;
+    m_options.push_back(std::move(option));
+    if (isLast) return;
+  }
+}
+
+void Parser::TakeNextAsValue(TypedOption& option) {
+  const OptionRow& row = *option.any;
+  const bool isThere = m_next < m_words.size();
+  const bool isOptional = !row.standIn.empty();
+  if (isThere && (!isOptional || std::ranges::find(row.words, m_words[m_next]) != row.words.end())) {
+    option.value = m_words[m_next++];
+  } else if (isOptional) {
+    option.value = row.standIn;
+  }
+}
+
+const OptionRow& Parser::RowFor(const TypedOption& option) const {
+  const auto serves = [&](const OptionRow& row) {
+    return (row.name == option.name || (row.letter != 0 && option.name == std::string("-") + row.letter)) &&
+           row.Serves(m_verb);
+  };
+  if (const OptionRow* row = FindOption(serves)) return *row;
+  const std::string name = Printable(option.name);
+  if (option.any) {
+    throw UsageError(name + " is an option of " + option.any->verbs.front() + ", not of " + m_verb +
+                     Hint(m_verb));
+  }
+  std::vector<std::string> known;
+  for (const OptionRow& row : OptionTable())
+    if (row.Serves(m_verb)) known.push_back(row.name);
+  throw UsageError("there is no option " + name + Suggestion(option.name, known) + Hint(m_verb));
+}
+
+void Parser::Apply(const TypedOption& option) {
+  const OptionRow& row = RowFor(option);
+  if (!TakesValue(row) && option.value) throw UsageError(row.name + " takes no value");
+  if (TakesValue(row) && !option.value) throw UsageError(row.name + " needs a value: " + row.value);
+  row.take(m_parsed, option.value.value_or(""));
+}
+
+const VerbRow& Parser::Verb() const {
+  if (const VerbRow* verb = FindVerb(m_verb)) return *verb;
+  if (m_verb.empty()) throw UsageError("a verb is missing; see tarnel-cli --help");
+  const std::string suggestion = Suggestion(m_verb, VerbNames());
+  throw UsageError("there is no verb " + Printable(m_verb) + suggestion + Hint(""));
+}
+
+/// "help", "help VERB", "-h", "VERB -h", "-V": whatever else is wrong.
+std::optional<HelpWish> Parser::Help() {
+  const auto has = [this](const char* name, const char* letter) {
+    return std::ranges::any_of(
+        m_options, [&](const TypedOption& option) { return option.name == name || option.name == letter; });
+  };
+  if (has("--version", "-V")) return HelpWish{HelpWish::About::Version};
+  const bool isHelpVerb = m_verb == kHelpVerb;
+  if (!isHelpVerb && !has("--help", "-h")) return std::nullopt;
+  if (isHelpVerb) m_verb = m_parsed.operands.empty() ? "" : m_parsed.operands.front();
+  if (m_verb.empty()) return HelpWish{HelpWish::About::Program};
+  return HelpWish{HelpWish::About::Verb, Verb().name};
+}
+
+void Parser::CheckOperands(const VerbRow& verb) const {
+  const std::vector<std::string>& given = m_parsed.operands;
+  for (std::size_t i = given.size(); i < verb.operands.size(); ++i) {
+    const std::string& missing = verb.operands[i];
+    if (missing.front() != '[')
+      throw UsageError(missing.substr(0, missing.find('.')) + " is missing" + Hint(verb.name));
+  }
+  const bool isOpen = verb.operands.back().find("...") != std::string::npos;
+  if (isOpen || given.size() <= verb.operands.size()) return;
+  throw UsageError("unexpected argument \"" + Printable(given[verb.operands.size()]) + "\"" +
+                   Hint(verb.name));
+}
+
+void Parser::CheckExclusions() const {
+  const NewPasswordOptions& fresh = m_parsed.passwd.newPassword;
+  const auto refuse = [](bool isBoth, const char* names) {
+    if (isBoth) throw UsageError(std::string(names) + " exclude each other");
+  };
+  refuse(m_parsed.global.passwordFile && m_parsed.global.passwordFd, "--password-file and --password-fd");
+  refuse(fresh.file && fresh.descriptor, "--new-password-file and --new-password-fd");
+  refuse(m_parsed.hide.makeNew && m_parsed.hide.existing, "--new and --existing");
+  const auto isInput = [](const std::optional<std::string>& name) { return name == "-"; };
+  const bool hasDash = std::ranges::find(m_parsed.operands, "-") != m_parsed.operands.end();
+  const int content = (isInput(m_parsed.choice.filesFrom) ? 1 : 0) + (m_verb == "hide" && hasDash ? 1 : 0);
+  const int takers = content + (isInput(m_parsed.global.passwordFile) || isInput(fresh.file) ? 1 : 0);
+  if (takers > 1) throw UsageError("standard input can't be two things at once");
+}
+
+std::variant<CommandLine, HelpWish> Parser::Parse() {
+  TakeApart();
+  if (const std::optional<HelpWish> wish = Help()) return *wish;
+  const VerbRow& verb = Verb();
+  for (const TypedOption& option : m_options)
+    Apply(option);
+  CheckOperands(verb);
+  CheckExclusions();
+  VerbOptions options = verb.finish(m_parsed);
+  return CommandLine{m_parsed.global, std::move(options)};
 }
 
 }  // namespace
 
-std::variant<CommandLine, HelpText> ParseOptions(const std::vector<std::string>& arguments) {
-  return Parser().Parse(arguments);
+std::variant<CommandLine, HelpWish> ParseOptions(const std::vector<std::string>& arguments) {
+  return Parser(arguments).Parse();
 }
 
 bool AsksForJson(const std::vector<std::string>& arguments) {

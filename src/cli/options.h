@@ -21,37 +21,55 @@ struct GlobalOptions {
   std::optional<int> passwordFd;
 };
 
+/// What hide, extract and delete share in choosing.
+struct ChoiceOptions {
+  std::vector<std::string> exclude;      ///< globs
+  std::optional<std::string> filesFrom;  ///< a file with more operands; "-" is standard input
+  bool dryRun = false;                   ///< say what would be done, and do nothing
+};
+
 struct HideOptions {
   std::string carrier;
   std::vector<std::string> paths;
+  ChoiceOptions choice;
   std::optional<std::string> title;
   std::optional<Algorithm> algorithm;
   std::optional<int> compressionLevel;
+  std::optional<std::string> name;  ///< of what comes through standard input
   bool noFolders = false;
+  bool keepTimes = false;
+  bool follow = false;  ///< links met in a folder stand for the files that they lead to
   bool writeProtect = false;
   Originals originals = Originals::Keep;
-  bool makeNew = false;  ///< make a new hideout where none opens, whatever the carrier is like
+  bool makeNew = false;   ///< make a new hideout where none opens, whatever the carrier is like
+  bool existing = false;  ///< never make one
 };
 
 struct ListOptions {
   std::string carrier;
+  std::vector<std::string> entries;
+  bool onlyNames = false;  ///< whole names, each ended by a zero byte
 };
 
 struct ExtractOptions {
   std::string carrier;
   std::vector<std::string> entries;
-  std::string target;
+  ChoiceOptions choice;
+  std::string target;  ///< "-" is standard output
   bool overwrite = false;
   bool flat = false;
+  bool allVersions = false;
 };
 
 struct VerifyOptions {
-  std::string carrier;
+  std::vector<std::string> carriers;
+  std::vector<std::string> entries;
 };
 
 struct DeleteOptions {
   std::string carrier;
   std::vector<std::string> entries;
+  ChoiceOptions choice;
 };
 
 struct UpdateOptions {
@@ -96,14 +114,16 @@ struct CommandLine {
   VerbOptions verb;
 };
 
-/// What --help and --version ask for, ready for standard output.
-struct HelpText {
-  std::string text;
+/// The person wants help: on a verb, on all of them (an empty name), or the version.
+struct HelpWish {
+  enum class About { Program, Verb, Version } about = About::Program;
+  std::string verb = {};
 };
 
-/// Reads the arguments, program name not included. Options may stand before or behind the verb; "--" ends
-/// them. Throws CliFailure(Usage).
-std::variant<CommandLine, HelpText> ParseOptions(const std::vector<std::string>& arguments);
+/// Reads the arguments, program name not included, by the tables of command_table.h. Options may stand before
+/// or behind the verb; "--" ends them. Throws CliFailure(Usage) that names what is wrong, and what is nearest
+/// to it.
+std::variant<CommandLine, HelpWish> ParseOptions(const std::vector<std::string>& arguments);
 
 /// True if --json stands among the options, even where the rest can't be understood.
 bool AsksForJson(const std::vector<std::string>& arguments);

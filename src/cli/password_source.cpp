@@ -20,7 +20,7 @@ namespace {
 constexpr std::size_t kLongestLine = std::size_t{64} * 1024;
 
 CliFailure Unreadable(const std::string& name) {
-  return CliFailure(ExitCode::Failed, ErrnoError(errno, "read the password from", name));
+  return CliFailure(ExitCode::Usage, ErrnoError(errno, "read the password from", name));
 }
 
 CliFailure CancelledAtPrompt() {
@@ -59,7 +59,8 @@ std::optional<Secret> FromPlaces(const GlobalOptions& options, const Variables& 
                                  Messages& messages) {
   if (options.passwordFile) return FromFile(*options.passwordFile, messages);
   if (options.passwordFd) return FromDescriptor(*options.passwordFd);
-  if (const auto name = variables("TARNEL_PASSWORD_FILE")) return FromFile(*name, messages);
+  if (const auto name = variables("TARNEL_PASSWORD_FILE"); name && !name->empty())
+    return FromFile(*name, messages);
   return std::nullopt;
 }
 
@@ -77,6 +78,13 @@ void CheckNewPassword(const Secret& password) {
   if (std::any_of(text.begin(), text.end(), NewPasswordRefuses)) {
     throw CliFailure(ExitCode::Usage, "a new password can't hold \"<\" or \">\"");
   }
+}
+
+void SayWhetherWeak(const Secret& password, Messages& messages) {
+  constexpr std::size_t kEnough = 20;
+  if (password.View().size() >= kEnough) return;
+  messages.Note(
+      "The new password is short, and guesses are cheap here: five or six random words are strong.");
 }
 
 Secret ReadFirstLine(int descriptor, const std::string& name) {
@@ -133,6 +141,7 @@ Secret ObtainNewPassword(const NewPasswordOptions& options, bool noInput, Termin
                      "terminal");
   }
   CheckNewPassword(password);
+  SayWhetherWeak(password, messages);
   return password;
 }
 

@@ -22,8 +22,8 @@ struct GivenPassword {
 
 /// The pass phrase from, in this order: --password-file, --password-fd, the file that TARNEL_PASSWORD_FILE
 /// names, a prompt. From files the first line without its line end counts. Warns of a file that others may
-/// read. Throws CliFailure: Usage if it is empty or if there is no way to get one, Cancelled at the prompt,
-/// Failed for what can't be read.
+/// read. Throws CliFailure: Usage if it is empty, can't be read or if there is no way to get one, Cancelled
+/// at the prompt.
 GivenPassword ObtainPassword(const GlobalOptions& options, const Variables& variables, Terminal& terminal,
                              Messages& messages);
 
@@ -34,6 +34,9 @@ Secret ObtainNewPassword(const NewPasswordOptions& options, bool noInput, Termin
 
 /// Throws CliFailure(Usage) for an empty pass phrase and for characters that a new one can't hold.
 void CheckNewPassword(const Secret& password);
+
+/// A note where a new pass phrase is likely to be guessed.
+void SayWhetherWeak(const Secret& password, Messages& messages);
 
 /// Prompts once more. Throws CliFailure: Usage if the two differ, Cancelled.
 void ConfirmPassword(const Secret& password, Terminal& terminal);

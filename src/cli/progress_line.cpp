@@ -11,6 +11,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kPause{100};
 constexpr double kShortestMeasurement = 0.5;
+constexpr double kLongestForecast = 24.0 * 3600;
 constexpr const char* kClearLine = "\r\x1b[K";
 
 /// As many bytes of a printable line as surely fit, cut between characters.
@@ -24,8 +25,22 @@ std::string CutToWidth(std::string text, std::size_t width) {
 
 }  // namespace
 
+void ProgressLine::SetLabel(std::string label) {
+  if (label == m_label) return;
+  m_label = std::move(label);
+  m_lastDone = -1;
+}
+
+void ProgressLine::ShowStage() {
+  m_isDrawn = false;
+  ShowText(m_label + " ...");
+}
+
 void ProgressLine::Show(std::int64_t done, std::int64_t total) {
-  if (done < m_lastDone || m_lastDone < 0) m_began = Clock::now();
+  if (done < m_lastDone || m_lastDone < 0) {
+    m_began = Clock::now();
+    m_firstDone = done;
+  }
   m_lastDone = done;
   if (IsTimeToDraw()) m_terminal.WriteError(kClearLine + Text(done, total));
 }
@@ -49,11 +64,13 @@ void ProgressLine::Clear() {
 
 std::string ProgressLine::Text(std::int64_t done, std::int64_t total) const {
   const double seconds = std::chrono::duration<double>(m_drawn - m_began).count();
-  const double left = done > 0 ? seconds * static_cast<double>(total - done) / static_cast<double>(done) : -1;
   const std::int64_t percent = total > 0 ? std::min<std::int64_t>(done * 100 / total, 100) : 100;
   std::string numbers = std::to_string(percent) + " %";
-  if (seconds >= kShortestMeasurement) {
-    numbers += "  " + Rate(done, seconds) + "  " + Duration(left) + " left";
+  const std::int64_t measured = done - m_firstDone;
+  if (seconds >= kShortestMeasurement && measured > 0) {
+    const double left = seconds * static_cast<double>(total - done) / static_cast<double>(measured);
+    numbers += "  " + Rate(measured, seconds);
+    if (left >= 0 && left < kLongestForecast) numbers += "  " + Duration(left) + " left";
   }
   const std::size_t width = m_terminal.Width() - 1;
   if (numbers.size() + 2 >= width) return CutToWidth(numbers, width);

@@ -19,9 +19,12 @@ class ProgressLine {
   ProgressLine(const ProgressLine&) = delete;
   ProgressLine& operator=(const ProgressLine&) = delete;
 
-  /// What is being done, such as "Hiding letter.txt".
-  void SetLabel(std::string label) { m_label = std::move(label); }
-  /// `done` of `total` bytes. A smaller `done` than before begins a new measurement.
+  /// What is being done, such as "Hiding letter.txt". Another label begins a new measurement.
+  void SetLabel(std::string label);
+  /// Draws the label at once, however soon after the last drawing, for work that can't say how far it is.
+  void ShowStage();
+  /// `done` of `total` bytes. A smaller `done` than before begins a new measurement; how fast and how long
+  /// count from its first call on, and are shown where they mean something.
   void Show(std::int64_t done, std::int64_t total);
   /// The same for work of which nobody knows how much there is.
   void ShowText(std::string_view text);
@@ -38,6 +41,7 @@ class ProgressLine {
   std::string m_label;
   bool m_isDrawn = false;
   std::int64_t m_lastDone = -1;
+  std::int64_t m_firstDone = 0;  ///< of this measurement
   Clock::time_point m_began;
   Clock::time_point m_drawn;
 };

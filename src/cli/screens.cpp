@@ -15,7 +15,11 @@ std::string Counter(std::size_t number, std::size_t count) {
 }  // namespace
 
 void HideOnTerminal::ShowStage(HideStage stage) {
-  Talk().Progress().SetLabel(m_file.empty() ? StageText(stage) : m_file);
+  const bool isOfFile = !m_file.empty() && (stage == HideStage::Compressing ||
+                                            stage == HideStage::Encrypting || stage == HideStage::Hiding);
+  if (isOfFile) return Talk().Progress().SetLabel(m_file);
+  Talk().Progress().SetLabel(StageText(stage));
+  Talk().Progress().ShowStage();
 }
 
 void HideOnTerminal::ShowFile(std::size_t number, std::size_t count, const Path& source, Length) {
@@ -23,13 +27,30 @@ void HideOnTerminal::ShowFile(std::size_t number, std::size_t count, const Path&
   Talk().Progress().SetLabel(m_file);
 }
 
+void HideOnTerminal::FileDone(std::size_t number) {
+  m_done.insert(number);
+  m_file.clear();
+}
+
 void HideOnTerminal::ShowProgress(double value, double maximum) {
-  Talk().Progress().Show(std::llround(value), std::llround(maximum));
+  if (!m_file.empty()) Talk().Progress().Show(std::llround(value), std::llround(maximum));
+}
+
+Answer ExtractOnTerminal::Ask(const Question& question) {
+  const Answer answer = OnTerminal::Ask(question);
+  if (question.buttons == Buttons::YesNoOverwriteAll && answer == Answer::No)
+    m_keptExisting.push_back(m_target);
+  return answer;
 }
 
 void ExtractOnTerminal::ShowFile(std::size_t number, std::size_t count, std::string_view storedName, Length,
-                                 const Path&) {
+                                 const Path& target) {
+  m_target = target;
   Talk().Progress().SetLabel(Counter(number, count) + ToPlatform(storedName));
+}
+
+void ExtractOnTerminal::ShowProgress(Length value, Length maximum) {
+  Talk().Progress().Show(value, maximum);
 }
 
 }  // namespace tarnel

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -55,20 +56,31 @@ class HideOnTerminal : public ReadingOnTerminal<HideScreen> {
 
   void ShowStage(HideStage stage) override;
   void ShowFile(std::size_t number, std::size_t count, const Path& source, Length size) override;
-  void FileDone(std::size_t) override { m_file.clear(); }
+  void FileDone(std::size_t number) override;
   void ShowProgress(double value, double maximum) override;
+
+  /// Numbers of the rows that were hidden, from 1.
+  const std::set<std::size_t>& Done() const { return m_done; }
 
  private:
   std::string m_file;  ///< "[2/5] letter.txt" while a file is being hidden
+  std::set<std::size_t> m_done;
 };
 
 class ExtractOnTerminal : public OnTerminal<ExtractScreen> {
  public:
   using OnTerminal::OnTerminal;
 
+  Answer Ask(const Question& question) override;
   void ShowFile(std::size_t number, std::size_t count, std::string_view storedName, Length size,
                 const Path& target) override;
-  void ShowProgress(Length value, Length maximum) override { Talk().Progress().Show(value, maximum); }
+  void ShowProgress(Length value, Length maximum) override;
+
+  const std::vector<Path>& KeptExisting() const { return m_keptExisting; }
+
+ private:
+  Path m_target;
+  std::vector<Path> m_keptExisting;
 };
 
 class SalvageOnTerminal : public OnTerminal<SalvageScreen> {

@@ -9,6 +9,7 @@
 #include <cerrno>
 
 #include "base/error.h"
+#include "cli/exit_codes.h"
 #include "cli/signals.h"
 
 namespace tarnel {
@@ -102,6 +103,7 @@ void ProcessTerminal::FinishOutput() {
   // Some file systems report a full disk only at close.
   const int copy = ::dup(STDOUT_FILENO);
   if (copy >= 0 && ::close(copy) != 0 && m_writeError == 0) m_writeError = errno;
+  if (m_writeError == EPIPE) throw CliFailure(ExitCode::ReaderGone, "the reader of standard output is gone");
   if (m_writeError != 0) throw ErrnoError(m_writeError, "write to", "standard output");
 }
 

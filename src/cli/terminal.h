@@ -16,7 +16,8 @@ class Terminal {
 
   /// Standard output: data only.
   virtual void Write(std::string_view text) = 0;
-  /// Flushes standard output. What could not be written, ever since the start, is an Error.
+  /// Flushes standard output. What could not be written, ever since the start, is an Error; if it was because
+  /// nobody reads it any more, a CliFailure(ReaderGone), of which nothing is said.
   virtual void FinishOutput() = 0;
   /// Standard error. Failures are passed over: there is nobody left to tell.
   virtual void WriteError(std::string_view text) = 0;

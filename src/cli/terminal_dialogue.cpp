@@ -4,6 +4,10 @@
 #include <map>
 #include <vector>
 
+#include "base/destruction_questions.h"
+#include "carrier/questions.h"
+#include "retrieval/questions.h"
+
 namespace tarnel {
 
 namespace {
@@ -12,15 +16,13 @@ constexpr int kMostRetries = 3;
 
 /// Questions that the command itself answers: nobody looks at a hideout after an abort, and an update was
 /// asked for, as the trash was with --originals=trash.
-const std::map<std::string, Answer> kSettled = {
-    {"load.reload", Answer::No}, {"update.confirm", Answer::Yes}, {"trash.confirm", Answer::Yes}};
-
-constexpr const char* kWalkQuestion = "load.error";
-constexpr const char* kDamagedQuestion = "extract.damaged";
+const std::map<std::string, Answer> kSettled = {{question_id::kReload, Answer::No},
+                                                {question_id::kUpdate, Answer::Yes},
+                                                {question_id::kTrash, Answer::Yes}};
 
 /// Entries that are passed over where nobody can be asked, for the others are wanted all the same.
 bool ConcernsOneEntry(const Question& question) {
-  return question.id == kDamagedQuestion || question.id == "extract.name";
+  return question.id == question_id::kDamagedEntry || question.id == question_id::kEntryName;
 }
 
 struct Key {
@@ -84,7 +86,7 @@ std::string TextOf(const Question& question) {
 }
 
 bool IsBrokenWalk(const Question& question) {
-  return question.id == kWalkQuestion && question.cause &&
+  return question.id == question_id::kLoadError && question.cause &&
          question.cause->Number() == ErrorNumber::BadRecordNumber;
 }
 
@@ -129,7 +131,7 @@ Answer TerminalDialogue::AnswerError(const Question& question) {
   const std::optional<Answer> ruled = AnswerByRule(question);
   const Answer answer = ruled ? *ruled : AskPerson(question);
   if (ruled && answer != Answer::Abort) SayAnswer(question, answer);
-  const bool isIgnoredWalk = answer == Answer::Ignore && question.id == kWalkQuestion;
+  const bool isIgnoredWalk = answer == Answer::Ignore && question.id == question_id::kLoadError;
   if (answer == Answer::Abort) m_aborted = text;
   if (answer == Answer::Abort || isIgnoredWalk) m_failure = FailureOf(question);
   return answer;
@@ -147,7 +149,7 @@ std::optional<Answer> TerminalDialogue::AnswerByRule(const Question& question) {
 }
 
 Answer TerminalDialogue::AskPerson(const Question& question) {
-  std::string prompt = PrintableLines(TextOf(question)) + "\n" + Prompt(question);
+  std::string prompt = m_messages.Shown(TextOf(question)) + "\n" + Prompt(question);
   for (;;) {
     const std::optional<std::string> line = m_terminal.ReadLine(prompt);
     Yield();
@@ -158,7 +160,7 @@ Answer TerminalDialogue::AskPerson(const Question& question) {
 }
 
 void TerminalDialogue::SayAnswer(const Question& question, Answer answer) {
-  m_messages.Warn(TextOf(question) + "\nanswered with " + KeyOf(answer).word);
+  m_messages.Answered(TextOf(question), KeyOf(answer).word);
 }
 
 CliFailure TerminalDialogue::LastFailure() const {

@@ -25,6 +25,8 @@ class TerminalDialogue {
   void Yield() { m_isCancelled = m_terminal.CancelRequested(); }
   bool CancelRequested() const { return m_isCancelled; }
 
+  /// False where no terminal is, where nobody wants to be asked, and behind a cancel.
+  bool CanAsk() const { return m_canAsk && !m_isCancelled; }
   /// Whether there was an error as LastFailure gives it.
   bool HasFailed() const { return m_failure.has_value(); }
   /// The error behind the last answer Abort, the last ignored error of a walk or the last message of an
@@ -38,7 +40,6 @@ class TerminalDialogue {
   std::optional<Answer> AnswerByRule(const Question& question);
   Answer AskPerson(const Question& question);
   void SayAnswer(const Question& question, Answer answer);
-  bool CanAsk() const { return m_canAsk && !m_isCancelled; }
 
   Terminal& m_terminal;
   Messages& m_messages;

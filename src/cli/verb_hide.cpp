@@ -1,19 +1,20 @@
+#include <algorithm>
 
-
+#include "base/formats.h"
 #include "base/printable.h"
 #include "carrier/companions.h"
-#include "cli/json_output.h"
+#include "carrier/format.h"
+#include "cli/choice.h"
+#include "cli/hide_choice.h"
 #include "cli/leftovers.h"
 #include "cli/screens.h"
 #include "cli/verbs.h"
+#include "crypto/cipher.h"
 #include "hiding/run_hide.h"
-#include "hiding/selection.h"
 
 namespace tarnel {
 
 namespace {
-
-constexpr const char* kDefaultTitle = "New Hideout";
 
 enum class Hideout { Joined, Made };
 
@@ -28,73 +29,56 @@ std::vector<Path> BackupsBeside(const Path& carrier, Files& files) {
 class HideVerb {
  public:
   HideVerb(const HideOptions& options, Surroundings& around)
-      : m_options(options),
-        m_around(around),
-        m_bench(options.carrier, around),
-        m_selectionScreen(around.talk),
-        m_selection(around.files, m_selectionScreen) {}
+      : m_options(options), m_around(around), m_bench(options.carrier, around), m_choice(options, around) {}
 
   ExitCode Run() {
+    if (m_options.choice.dryRun) return DryRun();
     RefuseBusy(m_bench.Carrier(), m_around.files);
     AskAboutLeftovers(BackupsBeside(m_bench.Carrier(), m_around.files), m_around);
-    Collect();
+    m_choice.Collect();
     OpenOrMake();
+    RefuseWhatCannotFit();
+    AskBeforeDestroying();
     Hide();
+    FillReport();
     CheckEnding();
     Report();
     return CodeOfResult();
   }
 
  private:
-  void Collect();
-  void AddPath(const Path& path);
+  ExitCode DryRun();
   void OpenOrMake();
   void RefuseNewBesideDamage();
+  void RefuseNewUnasked(const GivenPassword& password);
   void MakeHideout(const GivenPassword& password);
   void SayWhatIsNotUsed();
+  void RefuseWhatCannotFit();
+  void AskBeforeDestroying();
   HideRequest Request() const;
   void Hide();
   void CheckEnding();
   [[noreturn]] void EndAborted();
   void WarnAboutBackup();
+  void SayWhatIsNotHidden();
+  void FillReport();
   void Report();
-  std::string JsonText() const;
   ExitCode CodeOfResult() const;
 
   const HideOptions& m_options;
   Surroundings& m_around;
   Workbench m_bench;
-  SelectionOnTerminal m_selectionScreen;
-  Selection m_selection;
-  std::vector<Path> m_chosen;
+  HideChoice m_choice;
   Hideout m_hideout = Hideout::Joined;
   Length m_sizeBefore = 0;
   HideResult m_result;
+  std::vector<Path> m_notHidden;  ///< neither hidden nor left out on purpose
 };
 
-void HideVerb::Collect() {
-  for (const std::string& given : m_options.paths) {
-    m_chosen.push_back(FullPath(given, m_around.files));
-    if (!m_around.files.Stat(m_chosen.back())) {
-      throw CliFailure(ExitCode::Failed, "cannot find " + Printable(given) + "; nothing was hidden");
-    }
-  }
-  for (const Path& path : m_chosen)
-    AddPath(path);
-  if (m_around.talk.CancelRequested()) throw CliFailure(ExitCode::Cancelled, "cancelled");
-  for (const PassedOver& passed : m_selection.Passed()) {
-    m_around.messages.Warn("passed over: " + Printable(passed.path.native()) + " " + passed.reason);
-  }
-  if (m_selection.Rows().empty()) throw CliFailure(ExitCode::Failed, "There are no files to hide!");
-}
-
-void HideVerb::AddPath(const Path& path) {
-  const std::optional<FileStat> stat = m_around.files.Stat(path);
-  if (stat && stat->kind == FileKind::Folder) {
-    m_selection.AddWholeFolder(path);
-  } else {
-    m_selection.AddFile(path, path.parent_path().native());
-  }
+ExitCode HideVerb::DryRun() {
+  m_choice.Collect();
+  ShowChoice(m_choice.EntryPaths(), "would_hide", m_around);
+  return m_choice.PassedOver().empty() ? ExitCode::Done : ExitCode::PartlyDone;
 }
 
 void HideVerb::OpenOrMake() {
@@ -106,6 +90,7 @@ void HideVerb::OpenOrMake() {
     return;
   }
   if (!m_options.makeNew) RefuseNewBesideDamage();
+  if (!m_options.makeNew) RefuseNewUnasked(password);
   MakeHideout(password);
 }
 
@@ -119,15 +104,31 @@ void HideVerb::RefuseNewBesideDamage() {
                        ", for one of this password may be there; recover it first, or say --new");
 }
 
+/// A wrong password must not make a second hideout where nobody notices. One that was typed is confirmed.
+void HideVerb::RefuseNewUnasked(const GivenPassword& password) {
+  const std::string message = "no hideout in " + Printable(m_options.carrier) + " opens with this password";
+  if (m_options.existing) throw CliFailure(ExitCode::NoHideout, message);
+  if (!m_around.talk.CanAsk()) throw CliFailure(ExitCode::NoHideout, message + "; say --new to make one");
+  if (password.origin == GivenPassword::Origin::Typed) return;
+  const Question question{.id = "cli.new",
+                          .title = "Tarnel",
+                          .text = "No hideout opens with this password. Do you want to make a new one?",
+                          .buttons = Buttons::YesNo,
+                          .icon = Icon::Question,
+                          .preset = Answer::No};
+  if (m_around.talk.Ask(question) != Answer::Yes) throw CliFailure(ExitCode::NoHideout, message);
+}
+
 void HideVerb::MakeHideout(const GivenPassword& password) {
   CheckNewPassword(password.secret);
   if (password.origin == GivenPassword::Origin::Typed) {
     m_around.messages.Note("No hideout opens with this password; a new one will be made.");
     ConfirmPassword(password.secret, m_around.terminal);
   }
+  SayWhetherWeak(password.secret, m_around.messages);
   const Algorithm algorithm = m_options.algorithm.value_or(Algorithm::Rijndael256);
-  CreateHideout(m_bench.Carrier(), password.secret, m_options.title.value_or(kDefaultTitle), algorithm,
-                AlgorithmName(algorithm), m_bench.GetReading());
+  CreateHideout(m_bench.Carrier(), Key(password.secret), m_options.title.value_or(kPresetTitle), algorithm,
+                m_bench.GetReading());
   m_hideout = Hideout::Made;
 }
 
@@ -141,16 +142,52 @@ void HideVerb::SayWhatIsNotUsed() {
   }
 }
 
+/// Of compressed files only the run shows how much room they take.
+void HideVerb::RefuseWhatCannotFit() {
+  if (m_options.compressionLevel) return;
+  const auto overhead =
+      static_cast<Length>(m_choice.Rows().size()) * (kFileCipherOverhead + Length{kTrailerSize});
+  const Length needed = m_choice.TotalBytes() + overhead;
+  const Length size = m_around.files.OpenToRead(m_bench.Carrier())->Size();
+  if (needed > kCarrierLimit - size) {
+    throw CliFailure(ExitCode::Failed,
+                     "the carrier would become too large, for it stays below 2 GiB; nothing was "
+                     "hidden");
+  }
+  if (needed > m_around.files.FreeSpace(m_bench.Carrier().parent_path())) {
+    throw CliFailure(ExitCode::NoSpace, "not enough free space: the files need " + HumanSize(needed) +
+                                            " more on the disk of the carrier; nothing was hidden");
+  }
+}
+
+void HideVerb::AskBeforeDestroying() {
+  if (m_options.originals != Originals::Destroy || !m_around.talk.CanAsk()) return;
+  const std::size_t count = m_choice.Rows().size();
+  const Question question{
+      .id = "cli.destroy",
+      .title = "Tarnel",
+      .text = "Once hidden and read back, " +
+              (count == 1 ? "the original" : "all " + std::to_string(count) + " originals") +
+              " will be overwritten and deleted. Do you want that?",
+      .buttons = Buttons::YesNo,
+      .icon = Icon::Question,
+      .preset = Answer::No};
+  if (m_around.talk.Ask(question) == Answer::Yes) return;
+  throw CliFailure(m_around.talk.CancelRequested() ? ExitCode::Cancelled : ExitCode::Failed,
+                   "nothing was hidden");
+}
+
 HideRequest HideVerb::Request() const {
   HideRequest request;
-  request.rows = m_selection.Rows();
-  request.totalBytes = m_selection.TotalSelectedBytes();
+  request.rows = m_choice.Rows();
+  request.totalBytes = static_cast<double>(m_choice.TotalBytes());
+  request.keepTimes = m_options.keepTimes;
   request.compress = m_options.compressionLevel.has_value();
   request.compressionLevel = m_options.compressionLevel.value_or(request.compressionLevel);
   request.saveFolders = !m_options.noFolders;
   request.writeProtect = m_options.writeProtect;
   request.originals = m_options.originals;
-  request.chosen = m_chosen;
+  request.chosen = m_choice.Removable();
   return request;
 }
 
@@ -159,6 +196,11 @@ void HideVerb::Hide() {
   HideOnTerminal screen(m_around.talk);
   m_result = RunHide(Request(), m_bench.GetReading(), screen);
   m_around.talk.Progress().Clear();
+  for (std::size_t row = 0; row < m_choice.Rows().size(); ++row) {
+    const Path& source = m_choice.Rows()[row].source;
+    const bool isLeftOut = std::ranges::find(m_result.leftOut, source) != m_result.leftOut.end();
+    if (!screen.Done().contains(row + 1) && !isLeftOut) m_notHidden.push_back(source);
+  }
 }
 
 void HideVerb::CheckEnding() {
@@ -168,8 +210,9 @@ void HideVerb::CheckEnding() {
     case HideEnding::Cancelled:
       throw CliFailure(ExitCode::Cancelled, "cancelled; the carrier is as it was");
     case HideEnding::NoSpace:
+      SayWhatIsNotHidden();
       throw CliFailure(ExitCode::NoSpace, "not enough free space; " + std::to_string(m_result.hidden) +
-                                              " of " + std::to_string(m_selection.Rows().size()) +
+                                              " of " + std::to_string(m_choice.Rows().size()) +
                                               " files were hidden, and all originals are in place");
     case HideEnding::TooLarge:
       throw CliFailure(ExitCode::Failed, "the carrier would become too large; it is as it was");
@@ -192,21 +235,20 @@ void HideVerb::EndAborted() {
   throw failure;
 }
 
-std::string HideVerb::JsonText() const {
-  std::vector<Path> passedOver;
-  passedOver.reserve(m_selection.Passed().size());
-  for (const PassedOver& passed : m_selection.Passed())
-    passedOver.push_back(passed.path);
-  Json object = JsonObject();
-  PutBytes(object, "carrier", m_options.carrier);
-  PutBytes(object, "title", m_bench.Title());
-  object["algorithm"] = m_bench.Algorithm();
-  object["new_hideout"] = m_hideout == Hideout::Made;
-  object["hidden"] = m_result.hidden;
-  object["left_out"] = JsonOfNames(m_result.leftOut);
-  object["passed_over"] = JsonOfNames(passedOver);
-  object["originals_left"] = JsonOfNames(m_result.originalsLeft);
-  return JsonLine(object);
+void HideVerb::SayWhatIsNotHidden() {
+  for (const Path& path : m_notHidden)
+    m_around.messages.Warn("not hidden: " + m_choice.Shown(path));
+}
+
+void HideVerb::FillReport() {
+  Json& report = m_around.report;
+  PutBytes(report, "title", m_bench.Title());
+  report["algorithm"] = m_bench.Algorithm();
+  report["new_hideout"] = m_hideout == Hideout::Made;
+  report["hidden"] = m_result.hidden;
+  report["left_out"] = JsonOfNames(m_result.leftOut);
+  report["not_hidden"] = JsonOfNames(m_notHidden);
+  report["originals_left"] = JsonOfNames(m_result.originalsLeft);
 }
 
 void HideVerb::WarnAboutBackup() {
@@ -225,14 +267,10 @@ void HideVerb::WarnAboutBackup() {
 void HideVerb::Report() {
   WarnAboutBackup();
   for (const Path& path : m_result.leftOut) {
-    m_around.messages.Warn("left out: " + Printable(path.native()));
+    m_around.messages.Warn("left out: " + m_choice.Shown(path));
   }
   for (const Path& path : m_result.originalsLeft) {
     m_around.messages.Warn("still there: the original " + Printable(path.native()));
-  }
-  if (m_around.options.json) {
-    m_around.terminal.Write(JsonText());
-    return;
   }
   m_around.messages.Note(std::to_string(m_result.hidden) + (m_result.hidden == 1 ? " file" : " files") +
                          " hidden in " + Printable(m_options.carrier) + ", " +
@@ -243,7 +281,7 @@ void HideVerb::Report() {
 ExitCode HideVerb::CodeOfResult() const {
   const bool isWhole = m_result.ending == HideEnding::Done && m_result.backup.empty() &&
                        m_result.needlessBackup.empty() && m_result.leftOut.empty() &&
-                       m_result.originalsLeft.empty() && m_selection.Passed().empty();
+                       m_result.originalsLeft.empty() && m_choice.PassedOver().empty();
   return isWhole ? ExitCode::Done : ExitCode::PartlyDone;
 }
 

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "base/formats.h"
@@ -6,13 +7,16 @@
 #include "carrier/format.h"
 #include "carrier/stored_text.h"
 #include "carrier/tags.h"
-#include "cli/entry_paths.h"
-#include "cli/json_output.h"
+#include "cli/dates.h"
+#include "cli/entries.h"
 #include "cli/verbs.h"
+#include "retrieval/restored_file.h"
 
 namespace tarnel {
 
 namespace {
+
+using Rows = std::vector<std::size_t>;
 
 /// A number of a record, which anybody may have written.
 std::int64_t WholeNumber(std::string_view text) {
@@ -20,74 +24,73 @@ std::int64_t WholeNumber(std::string_view text) {
   return std::llround(std::clamp(ReadNumber(text), -limit, limit));
 }
 
-Json JsonOfRow(const MirrorRow& row) {
+Json JsonOfRow(const MirrorRow& row, std::size_t number) {
   Json file;
+  file["number"] = number;
+  PutBytes(file, "path", PathOfEntry(row));
   PutBytes(file, "name", ToPlatform(row.Name()));
   PutBytes(file, "folder", FolderOfEntry(row.Folder()));
   file["size"] = WholeNumber(row.Field(tag::kPlainSize));
   file["stored"] = row.size;
   file["attributes"] = WholeNumber(row.Field(tag::kAttributes));
   if (!row.Field(tag::kMode).empty()) PutBytes(file, "mode", row.Field(tag::kMode));
-  PutBytes(file, "date", ToPlatform(row.Field(tag::kDate)));
+  const std::string date = ToPlatform(row.Field(tag::kDate));
+  PutBytes(file, "date", date);
+  if (const auto iso = IsoOfDateText(date)) file["date_iso"] = *iso;
+  const RestoredAttributes attributes = RestoredAttributesOf({row.record.data(), row.record.size()});
+  if (attributes.modified) file["modified"] = IsoOfMoment(*attributes.modified);
   file["compressed"] = row.Field(tag::kCompressed) != "0";
   file["level"] = WholeNumber(row.Field(tag::kCompressed));
   file["start"] = row.start.value;
   return file;
 }
 
-std::string JsonText(const Workbench& bench) {
-  Json object = JsonObject();
-  PutBytes(object, "carrier", bench.GivenName());
-  PutBytes(object, "title", bench.Title());
-  object["algorithm"] = bench.Algorithm();
-  object["files"] = Json::array();
-  for (const MirrorRow& row : bench.Rows())
-    object["files"].push_back(JsonOfRow(row));
-  PutFaults(object, bench.Faults());
-  return JsonLine(object);
+void FillReport(const Workbench& bench, const Rows& chosen, Json& report) {
+  PutBytes(report, "title", bench.Title());
+  report["algorithm"] = bench.Algorithm();
+  report["files"] = Json::array();
+  for (const std::size_t row : chosen)
+    report["files"].push_back(JsonOfRow(bench.Rows()[row], NumberOfEntry(bench.Rows(), row)));
+  PutFaults(report, bench.Faults());
 }
 
-struct Line {
-  std::string size;
-  std::string date;
-  std::string path;
-};
-
-Line LineOf(const MirrorRow& row) {
-  return {std::to_string(WholeNumber(row.Field(tag::kPlainSize))),
-          Printable(ToPlatform(row.Field(tag::kDate))), Printable(PathOfEntry(row.Folder(), row.Name()))};
-}
-
-std::string Spaces(std::size_t width, const std::string& text) {
-  return std::string(width - text.size(), ' ');
-}
-
-std::string Table(const std::vector<MirrorRow>& rows) {
-  std::vector<Line> lines;
-  lines.reserve(rows.size());
-  std::size_t sizeWidth = 0;
-  std::size_t dateWidth = 0;
-  for (const MirrorRow& row : rows) {
-    lines.push_back(LineOf(row));
-    sizeWidth = std::max(sizeWidth, lines.back().size.size());
-    dateWidth = std::max(dateWidth, lines.back().date.size());
+/// Columns of a table: all but the last to the right.
+std::string Table(const Workbench& bench, const Rows& chosen) {
+  constexpr std::size_t kColumns = 4;
+  std::vector<std::array<std::string, kColumns>> lines;
+  std::array<std::size_t, kColumns> widths{};
+  lines.reserve(chosen.size());
+  for (const std::size_t index : chosen) {
+    const MirrorRow& row = bench.Rows()[index];
+    lines.push_back({"#" + std::to_string(NumberOfEntry(bench.Rows(), index)),
+                     std::to_string(WholeNumber(row.Field(tag::kPlainSize))),
+                     Printable(ToPlatform(row.Field(tag::kDate))), ListedPath(PathOfEntry(row))});
+    for (std::size_t i = 0; i + 1 < kColumns; ++i)
+      widths[i] = std::max(widths[i], lines.back()[i].size());
   }
   std::string table;
-  for (const Line& line : lines) {
-    table += Spaces(sizeWidth, line.size) + line.size + "  " + line.date + Spaces(dateWidth, line.date) +
-             "  " + line.path + "\n";
+  for (const auto& line : lines) {
+    for (std::size_t i = 0; i + 1 < kColumns; ++i)
+      table += std::string(widths[i] - line[i].size(), ' ') + line[i] + "  ";
+    table += line.back() + "\n";
   }
   return table;
 }
 
-std::string Totals(const Workbench& bench) {
+std::string Totals(const Workbench& bench, const Rows& chosen) {
   double bytes = 0;
-  for (const MirrorRow& row : bench.Rows())
-    bytes += static_cast<double>(WholeNumber(row.Field(tag::kPlainSize)));
-  const std::size_t count = bench.Rows().size();
-  return std::to_string(count) + (count == 1 ? " file, " : " files, ") +
+  for (const std::size_t row : chosen)
+    bytes += static_cast<double>(WholeNumber(bench.Rows()[row].Field(tag::kPlainSize)));
+  return std::to_string(chosen.size()) + (chosen.size() == 1 ? " file, " : " files, ") +
          HumanSize(std::llround(std::min(bytes, 1e18))) + ", " + Printable(bench.Title()) + ", " +
          bench.Algorithm() + "\n";
+}
+
+std::string WholePaths(const Workbench& bench, const Rows& chosen) {
+  std::string paths;
+  for (const std::size_t row : chosen)
+    paths += PathOfEntry(bench.Rows()[row]) + '\0';
+  return paths;
 }
 
 }  // namespace
@@ -96,12 +99,11 @@ ExitCode RunVerb(const ListOptions& options, Surroundings& around) {
   Workbench bench(options.carrier, around);
   bench.Open();
   bench.WarnOfFaults();
-  if (around.options.json) {
-    around.terminal.Write(JsonText(bench));
-  } else {
-    around.terminal.Write(Table(bench.Rows()));
-    if (around.terminal.OutputIsTerminal()) around.terminal.Write(Totals(bench));
-  }
+  const Rows chosen = MatchEntries(bench.Rows(), {.named = options.entries, .excluded = {}});
+  FillReport(bench, chosen, around.report);
+  if (around.options.json) return bench.CodeOfReading(ExitCode::Done);
+  around.terminal.Write(options.onlyNames ? WholePaths(bench, chosen) : Table(bench, chosen));
+  if (!options.onlyNames && around.terminal.OutputIsTerminal()) around.terminal.Write(Totals(bench, chosen));
   return bench.CodeOfReading(ExitCode::Done);
 }
 

@@ -1,6 +1,5 @@
 #include "base/printable.h"
-#include "cli/entry_paths.h"
-#include "cli/json_output.h"
+#include "cli/entries.h"
 #include "cli/rewrite_verbs.h"
 #include "cli/screens.h"
 #include "cli/verbs.h"
@@ -11,15 +10,9 @@ namespace tarnel {
 namespace {
 
 void Report(const PasswdOptions& options, const PasswordResult& result, Surroundings& around) {
-  if (around.options.json) {
-    Json object = JsonObject();
-    PutBytes(object, "carrier", options.carrier);
-    object["changed"] = result.changed;
-    object["damaged"] = JsonOfNames(NamesOf(result.damaged));
-    PutFaults(object, result.leftBehind);
-    around.terminal.Write(JsonLine(object));
-    return;
-  }
+  around.report["changed"] = result.changed;
+  around.report["damaged"] = JsonOfNames(NamesOf(result.damaged));
+  PutFaults(around.report, result.leftBehind);
   around.messages.Note(std::to_string(result.changed) + (result.changed == 1 ? " entry" : " entries") +
                        " in " + Printable(options.carrier) + " now open with the new password");
 }
@@ -41,7 +34,7 @@ ExitCode RunVerb(const PasswdOptions& options, Surroundings& around) {
   const Secret fresh =
       ObtainNewPassword(options.newPassword, around.options.noInput, around.terminal, around.messages);
   const PasswordRequest request{.oldPassword = bench.Current().CurrentPassword,
-                                .newPassword = fresh,
+                                .newPassword = Key(fresh),
                                 .confirmation = fresh,
                                 .leftover = leftover};
   RewriteOnTerminal screen(around.talk, "Changing the password");

@@ -2,7 +2,6 @@
 #include "base/formats.h"
 #include "base/printable.h"
 #include "carrier/companions.h"
-#include "cli/json_output.h"
 #include "cli/screens.h"
 #include "cli/verbs.h"
 #include "crypto/keys.h"
@@ -25,9 +24,11 @@ class RecoverVerb {
       : m_options(options), m_around(around), m_carrier(FullPath(options.carrier, around.files)) {}
 
   ExitCode Run() {
+    PutBytes(m_around.report, "carrier", m_options.carrier);
+    m_around.messages.ShowAs(m_carrier, m_options.carrier);
     MustExist();
-    m_password =
-        ObtainPassword(m_around.options, m_around.variables, m_around.terminal, m_around.messages).secret;
+    m_password = Key(
+        ObtainPassword(m_around.options, m_around.variables, m_around.terminal, m_around.messages).secret);
     if (!LeftoversBeside(m_carrier, m_around.files).empty()) SettleCopies();
     if (m_taken == m_carrier) MendChain();
     Report();
@@ -49,7 +50,7 @@ class RecoverVerb {
   const RecoverOptions& m_options;
   Surroundings& m_around;
   const Path m_carrier;
-  Secret m_password;
+  Key m_password;
   RecoverPlan m_plan;
   Path m_taken = m_carrier;           ///< which copy is the carrier now
   std::vector<Path> m_kept;           ///< what the others are called
@@ -103,9 +104,18 @@ void RecoverVerb::Plan() {
 }
 
 void RecoverVerb::ShowCopies() {
-  if (m_around.options.json) return;
+  m_around.report["copies"] = Json::array();
   for (const CarrierCopy& copy : m_plan.copies) {
-    m_around.terminal.Write(Printable(copy.path.native()) + ": " + Findings(copy) + "\n");
+    Json object;
+    PutBytes(object, "path", copy.path.native());
+    object["size"] = copy.size;
+    object["opens"] = copy.algorithm.has_value();
+    object["entries"] = copy.entries;
+    object["damaged"] = copy.damaged;
+    object["finding"] = Findings(copy);
+    m_around.report["copies"].push_back(std::move(object));
+    if (m_around.options.json) continue;
+    m_around.terminal.Write(m_around.messages.Shown(copy.path.native()) + ": " + Findings(copy) + "\n");
   }
 }
 
@@ -128,7 +138,7 @@ void RecoverVerb::MendChain() {
 
 MendPlan RecoverVerb::PlanTheMending(File& carrier) {
   PlainOnTerminal dialogue(m_around.talk);
-  PrepareKey(m_password, [&dialogue] { dialogue.Yield(); });
+  m_password.Prepare([&dialogue] { dialogue.Yield(); });
   MendPlan plan = PlanMending(carrier, m_password, dialogue);
   if (plan.entries == 0) {
     throw CliFailure(ExitCode::NoHideout, "nothing in " + Printable(m_options.carrier) +
@@ -168,17 +178,9 @@ void RecoverVerb::AskForLeave(const std::string& text) {
 }
 
 void RecoverVerb::Report() {
-  if (m_around.options.json) {
-    Json object = JsonObject();
-    PutBytes(object, "carrier", m_options.carrier);
-    PutBytes(object, "taken", m_taken.native());
-    object["mended"] = Json::array();
-    for (const std::string& sentence : m_mended)
-      object["mended"].push_back(sentence);
-    object["kept"] = JsonOfNames(m_kept);
-    m_around.terminal.Write(JsonLine(object));
-    return;
-  }
+  PutBytes(m_around.report, "taken", m_taken.native());
+  m_around.report["mended"] = m_mended;
+  m_around.report["kept"] = JsonOfNames(m_kept);
   for (const Path& path : m_kept)
     m_around.messages.Note("kept: " + Printable(path.native()));
   const bool isChanged = !m_kept.empty();

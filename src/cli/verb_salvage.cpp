@@ -1,6 +1,5 @@
 #include "base/printable.h"
 #include "carrier/stored_text.h"
-#include "cli/json_output.h"
 #include "cli/screens.h"
 #include "cli/verbs.h"
 #include "crypto/keys.h"
@@ -32,16 +31,10 @@ void Report(const SalvageOptions& options, const SalvageResult& result, Surround
     around.messages.Warn("damaged: " + LineOf(entry));
   for (const EntryFault& entry : result.leftOut)
     around.messages.Warn("left out: " + LineOf(entry));
-  if (around.options.json) {
-    Json object = JsonObject();
-    PutBytes(object, "carrier", options.carrier);
-    PutBytes(object, "target", options.target);
-    object["salvaged"] = result.salvaged;
-    object["damaged"] = JsonOf(result.damaged);
-    object["left_out"] = JsonOf(result.leftOut);
-    around.terminal.Write(JsonLine(object));
-    return;
-  }
+  PutBytes(around.report, "target", options.target);
+  around.report["salvaged"] = result.salvaged;
+  around.report["damaged"] = JsonOf(result.damaged);
+  around.report["left_out"] = JsonOf(result.leftOut);
   around.messages.Note(std::to_string(result.salvaged) + (result.salvaged == 1 ? " file" : " files") +
                        " salvaged to " + Printable(options.target));
 }
@@ -58,9 +51,10 @@ ExitCode RunVerb(const SalvageOptions& options, Surroundings& around) {
   const GivenPassword password =
       ObtainPassword(around.options, around.variables, around.terminal, around.messages);
   SalvageOnTerminal screen(around.talk);
-  PrepareKey(password.secret, [&screen] { screen.Yield(); });
+  const Key key(password.secret);
+  key.Prepare([&screen] { screen.Yield(); });
   const SalvageRequest request{.carrier = bench.Carrier(), .target = options.target};
-  const SalvageResult result = RunSalvage(request, password.secret, around.files, screen);
+  const SalvageResult result = RunSalvage(request, key, around.files, screen);
   around.talk.Progress().Clear();
   if (result.ending == SalvageEnding::Aborted) throw around.talk.LastFailure();
   if (result.ending == SalvageEnding::Cancelled) {
@@ -68,6 +62,7 @@ ExitCode RunVerb(const SalvageOptions& options, Surroundings& around) {
                      "cancelled after " + std::to_string(result.salvaged) + " salvaged files");
   }
   if (result.found == 0) {
+    RefuseBusy(bench.Carrier(), around.files);
     throw CliFailure(ExitCode::NoHideout,
                      "nothing in " + Printable(options.carrier) + " opens with this password");
   }

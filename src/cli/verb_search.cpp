@@ -1,6 +1,5 @@
 #include "base/printable.h"
 #include "carrier/stored_text.h"
-#include "cli/json_output.h"
 #include "cli/screens.h"
 #include "cli/verbs.h"
 #include "search/search_folder.h"
@@ -25,16 +24,21 @@ std::string LineOf(const SearchRow& row) {
          AlgorithmName(row.algorithm) + "\n";
 }
 
-std::string JsonOf(const SearchRow& row) {
-  Json object = JsonObject();
+Json JsonOf(const SearchRow& row) {
+  Json object;
   PutBytes(object, "carrier", row.carrier.native());
   PutBytes(object, "title", ToPlatform(row.title));
   object["algorithm"] = AlgorithmName(row.algorithm);
-  return JsonLine(object);
+  return object;
 }
 
 ExitCode Report(const SearchSummary& summary, Surroundings& around) {
+  around.report["not_searched"] = Json::array();
   for (const NotSearched& place : summary.notSearched) {
+    Json object;
+    PutBytes(object, "path", place.path.native());
+    object["reason"] = place.reason;
+    around.report["not_searched"].push_back(std::move(object));
     around.messages.Warn("not searched: " + Printable(place.path.native()) + ": " + place.reason);
   }
   if (summary.ending == SearchEnding::Cancelled) throw CliFailure(ExitCode::Cancelled, "cancelled");
@@ -47,15 +51,17 @@ ExitCode Report(const SearchSummary& summary, Surroundings& around) {
 
 ExitCode RunVerb(const SearchOptions& options, Surroundings& around) {
   const Path folder = FullPath(options.folder, around.files);
+  around.messages.ShowAs(folder, options.folder);
+  around.report["carriers"] = Json::array();
   GivenPassword password = ObtainPassword(around.options, around.variables, around.terminal, around.messages);
   SearchOnTerminal screen(around.talk, [&around](const SearchRow& row) {
-    around.terminal.Write(around.options.json ? JsonOf(row) : LineOf(row));
+    around.report["carriers"].push_back(JsonOf(row));
+    if (!around.options.json) around.terminal.Write(around.messages.Shown(LineOf(row)));
   });
   Catalogue catalogue;
-  FileTypes types([](const std::string&) { return std::string(); });
   ReadingGuards guards;
   CurrentHideout current;
-  Reading reading{around.files, catalogue, types, guards, current};
+  Reading reading{around.files, catalogue, guards, current};
   SearchResults results;
   const SearchRequest request = RequestFor(options, std::move(password.secret));
   const SearchSummary summary = SearchFolder(folder, request, results, reading, screen);

@@ -2,8 +2,7 @@
 
 #include "base/printable.h"
 #include "carrier/tags.h"
-#include "cli/entry_paths.h"
-#include "cli/json_output.h"
+#include "cli/entries.h"
 #include "cli/rewrite_verbs.h"
 #include "cli/screens.h"
 #include "cli/verbs.h"
@@ -13,29 +12,24 @@ namespace tarnel {
 
 namespace {
 
-/// The newest entry of exactly that path.
+/// The newest entry of exactly that path, or the one of that number.
 const MirrorRow& FindEntry(const Workbench& bench, const std::string& entry, Messages& messages) {
-  const std::vector<std::size_t> rows = MatchEntries(bench.Rows(), {entry});
+  const std::vector<std::size_t> rows = MatchEntries(bench.Rows(), {.named = {entry}, .excluded = {}});
+  const auto versions = VersionsOf(bench.Rows(), rows);
+  if (versions.size() > 1) {
+    throw CliFailure(ExitCode::Usage, "only a single file can be updated; " + Printable(entry) +
+                                          " stands for " + std::to_string(versions.size()));
+  }
   if (rows.size() > 1) {
-    messages.Warn("several entries have the name " + Printable(entry) + "; the newest of them is updated");
+    messages.Note("of " + std::to_string(rows.size()) + " versions of " + Printable(entry) +
+                  " the newest is updated, number " +
+                  std::to_string(NumberOfEntry(bench.Rows(), rows.front())));
   }
   return bench.Rows()[rows.front()];
 }
 
 int LevelOf(const PreviewParcel& parcel) {
   return static_cast<int>(std::clamp(ReadNumber(parcel.ViewCompressed), 1.0, 9.0));
-}
-
-void Report(const UpdateOptions& options, Surroundings& around) {
-  if (around.options.json) {
-    Json object = JsonObject();
-    PutBytes(object, "carrier", options.carrier);
-    PutBytes(object, "entry", options.entry);
-    object["updated"] = 1;
-    around.terminal.Write(JsonLine(object));
-    return;
-  }
-  around.messages.Note(Printable(options.entry) + " updated in " + Printable(options.carrier));
 }
 
 }  // namespace
@@ -47,9 +41,12 @@ ExitCode RunVerb(const UpdateOptions& options, Surroundings& around) {
   Workbench bench(options.carrier, around);
   const Leftover leftover = PrepareRewrite(bench, around);
   around.files.OpenToRead(options.file);
+  around.messages.ShowAs(FullPath(options.file, around.files), options.file);
   bench.Open();
   bench.WarnOfFaults();
-  PreviewParcel parcel = ParcelOf(FindEntry(bench, options.entry, around.messages));
+  const MirrorRow& entry = FindEntry(bench, options.entry, around.messages);
+  const std::string path = PathOfEntry(entry);
+  PreviewParcel parcel = ParcelOf(entry);
   const UpdateRequest request{.previewFile = FullPath(options.file, around.files),
                               .compressionLevel = LevelOf(parcel),
                               .leftover = leftover};
@@ -59,7 +56,9 @@ ExitCode RunVerb(const UpdateOptions& options, Surroundings& around) {
     throw CliFailure(ExitCode::Failed, "nothing was updated");
   }
   CheckRewrite(result.ending, result.temporary, around);
-  Report(options, around);
+  PutBytes(around.report, "path", path);
+  around.report["updated"] = 1;
+  around.messages.Note(ListedPath(path) + " updated in " + Printable(options.carrier));
   return ExitCode::Done;
 }
 

@@ -1,9 +1,9 @@
 #include <algorithm>
+#include <array>
 
 #include "base/printable.h"
 #include "carrier/stored_text.h"
-#include "cli/entry_paths.h"
-#include "cli/json_output.h"
+#include "cli/entries.h"
 #include "cli/screens.h"
 #include "cli/verbs.h"
 #include "retrieval/recover.h"
@@ -25,31 +25,40 @@ const char* WordOf(Verdict verdict) {
   return "damaged";
 }
 
-std::string JsonText(const VerifyOptions& options, const VerifyResult& result) {
-  Json object = JsonObject();
-  PutBytes(object, "carrier", options.carrier);
-  object["files"] = Json::array();
-  for (const VerifiedEntry& entry : result.entries) {
-    Json file;
-    PutBytes(file, "name", ToPlatform(entry.name));
-    PutBytes(file, "folder", FolderOfEntry(entry.folder));
-    file["start"] = entry.at.value;
-    file["verdict"] = WordOf(entry.verdict);
-    if (!entry.reason.empty()) file["reason"] = entry.reason;
-    object["files"].push_back(std::move(file));
-  }
-  PutFaults(object, result.chain);
-  object["leftovers"] = JsonOfNames(result.leftovers);
-  return JsonLine(object);
+/// The sum over all carriers.
+struct Tally {
+  std::size_t files = 0;
+  std::size_t damaged = 0;
+  std::size_t unreadable = 0;
+  std::size_t carriers = 0;
+  std::size_t failed = 0;  ///< carriers of which nothing could be said
+};
+
+std::string SentenceOf(const Tally& tally) {
+  std::string text = std::to_string(tally.files) + (tally.files == 1 ? " file" : " files");
+  if (tally.carriers > 1) text += " in " + std::to_string(tally.carriers) + " carriers";
+  text += ", " + std::to_string(tally.damaged) + " damaged";
+  if (tally.unreadable > 0) text += ", " + std::to_string(tally.unreadable) + " unreadable";
+  if (tally.failed > 0) text += "; " + std::to_string(tally.failed) + " carriers could not be verified";
+  return text;
 }
 
-std::string LineOf(const VerifiedEntry& entry) {
-  const std::string name = entry.name.empty() ? "(the entry at byte " + std::to_string(entry.at.value) + ")"
-                                              : Printable(PathOfEntry(entry.folder, entry.name));
-  std::string line = WordOf(entry.verdict);
-  line.resize(std::max<std::size_t>(line.size(), 7), ' ');
-  return line + "  " + name + (entry.reason.empty() ? "" : ": " + entry.reason) + "\n";
-}
+class VerifyVerb {
+ public:
+  VerifyVerb(const VerifyOptions& options, Surroundings& around) : m_options(options), m_around(around) {}
+  ExitCode Run();
+
+ private:
+  ExitCode VerifyOne(const std::string& carrier, const Secret& password);
+  ExitCode VerifyOrSayWhyNot(const std::string& carrier, const Secret& password);
+  void TakeWanted(std::vector<VerifiedEntry>& entries, const Workbench& bench) const;
+  void Report(const std::string& carrier, const VerifyResult& result);
+  std::string LineOf(const std::string& carrier, const VerifiedEntry& entry) const;
+
+  const VerifyOptions& m_options;
+  Surroundings& m_around;
+  Tally m_tally;
+};
 
 /// Damage counts before what could only not be read.
 ExitCode CodeOf(const VerifyResult& result) {
@@ -62,26 +71,120 @@ ExitCode CodeOf(const VerifyResult& result) {
   return result.chain.closedBy ? ExitCode::PartlyDone : ExitCode::Done;
 }
 
+/// The one that says most of several carriers.
+ExitCode Worse(ExitCode a, ExitCode b) {
+  constexpr std::array order = {ExitCode::Damaged,         ExitCode::Unreadable, ExitCode::NoHideout,
+                                ExitCode::CarrierNotFound, ExitCode::Busy,       ExitCode::Failed};
+  for (const ExitCode code : order)
+    if (a == code || b == code) return code;
+  return a == ExitCode::Done ? b : a;
+}
+
+ExitCode VerifyVerb::Run() {
+  const Secret password =
+      ObtainPassword(m_around.options, m_around.variables, m_around.terminal, m_around.messages).secret;
+  m_around.report["carriers"] = Json::array();
+  ExitCode code = ExitCode::Done;
+  for (const std::string& carrier : m_options.carriers)
+    code = Worse(code, m_options.carriers.size() == 1 ? VerifyOne(carrier, password)
+                                                      : VerifyOrSayWhyNot(carrier, password));
+  m_around.report.erase("carrier");
+  m_around.report["sum"] = {{"carriers", m_tally.carriers},
+                            {"files", m_tally.files},
+                            {"damaged", m_tally.damaged},
+                            {"unreadable", m_tally.unreadable},
+                            {"failed", m_tally.failed}};
+  const bool isWorthALine = !m_around.options.quiet || code != ExitCode::Done;
+  if (!m_around.options.json && isWorthALine) m_around.terminal.Write(SentenceOf(m_tally) + "\n");
+  return code;
+}
+
+ExitCode VerifyVerb::VerifyOrSayWhyNot(const std::string& carrier, const Secret& password) {
+  const auto say = [&](const CliFailure& failure) {
+    ++m_tally.failed;
+    Json object;
+    PutBytes(object, "carrier", carrier);
+    PutFailure(object, failure, m_around.messages.Shown(failure.what()));
+    m_around.report["carriers"].push_back(std::move(object));
+    m_around.messages.Fail(failure);
+    return failure.Code();
+  };
+  try {
+    return VerifyOne(carrier, password);
+  } catch (const CliFailure& failure) {
+    if (failure.Code() == ExitCode::Cancelled) throw;
+    return say(failure);
+  } catch (const Error& error) {
+    return say(CliFailure(error));
+  }
+}
+
+ExitCode VerifyVerb::VerifyOne(const std::string& carrier, const Secret& password) {
+  Workbench bench(carrier, m_around);
+  bench.OpenWith(password);
+  VerifyOnTerminal screen(m_around.talk);
+  VerifyResult result = RunVerify(bench.Carrier(), bench.Hideout(), m_around.files, screen);
+  m_around.talk.Progress().Clear();
+  if (result.cancelled) throw CliFailure(ExitCode::Cancelled, "cancelled before all entries were read");
+  const ExitCode whole = CodeOf(result);
+  if (whole != ExitCode::Done) RefuseBusy(bench.Carrier(), m_around.files);  // nothing is said of half a hide
+  TakeWanted(result.entries, bench);
+  std::ranges::stable_partition(result.entries,
+                                [](const VerifiedEntry& entry) { return entry.verdict == Verdict::Intact; });
+  Report(carrier, result);
+  return CodeOf(result);
+}
+
+void VerifyVerb::TakeWanted(std::vector<VerifiedEntry>& entries, const Workbench& bench) const {
+  if (m_options.entries.empty()) return;
+  std::vector<Position> wanted;
+  for (const std::size_t row : MatchEntries(bench.Rows(), {.named = m_options.entries, .excluded = {}}))
+    wanted.push_back(bench.Rows()[row].start);
+  std::erase_if(entries, [&](const VerifiedEntry& entry) {
+    return std::ranges::find(wanted, entry.at) == wanted.end();
+  });
+}
+
+void VerifyVerb::Report(const std::string& carrier, const VerifyResult& result) {
+  Json object;
+  PutBytes(object, "carrier", carrier);
+  object["files"] = Json::array();
+  ++m_tally.carriers;
+  for (const VerifiedEntry& entry : result.entries) {
+    ++m_tally.files;
+    if (entry.verdict == Verdict::Damaged) ++m_tally.damaged;
+    if (entry.verdict == Verdict::Unreadable) ++m_tally.unreadable;
+    Json file;
+    PutBytes(file, "path", PathOfEntry(entry.folder, entry.name));
+    file["start"] = entry.at.value;
+    file["verdict"] = WordOf(entry.verdict);
+    if (!entry.reason.empty()) file["reason"] = entry.reason;
+    object["files"].push_back(std::move(file));
+    const bool isShown = !m_around.options.quiet || entry.verdict != Verdict::Intact;
+    if (isShown && !m_around.options.json) m_around.terminal.Write(LineOf(carrier, entry));
+  }
+  PutFaults(object, result.chain);
+  object["leftovers"] = JsonOfNames(result.leftovers);
+  m_around.report["carriers"].push_back(std::move(object));
+  for (const Path& path : result.leftovers)
+    m_around.messages.Warn(LeftoverAdvice(path));
+  for (const std::string& sentence : SentencesOf(result.chain))
+    m_around.messages.Warn(sentence);
+}
+
+std::string VerifyVerb::LineOf(const std::string& carrier, const VerifiedEntry& entry) const {
+  const std::string name = entry.name.empty() ? "(the entry at byte " + std::to_string(entry.at.value) + ")"
+                                              : ListedPath(PathOfEntry(entry.folder, entry.name));
+  std::string line = WordOf(entry.verdict);
+  line.resize(std::max<std::size_t>(line.size(), 7), ' ');
+  const std::string place = m_options.carriers.size() > 1 ? Printable(carrier) + ": " : "";
+  return line + "  " + place + name + (entry.reason.empty() ? "" : ": " + entry.reason) + "\n";
+}
+
 }  // namespace
 
 ExitCode RunVerb(const VerifyOptions& options, Surroundings& around) {
-  Workbench bench(options.carrier, around);
-  bench.Open();
-  VerifyOnTerminal screen(around.talk);
-  const VerifyResult result = RunVerify(bench.Carrier(), bench.Key(), around.files, screen);
-  around.talk.Progress().Clear();
-  if (result.cancelled) throw CliFailure(ExitCode::Cancelled, "cancelled before all entries were read");
-  if (around.options.json) {
-    around.terminal.Write(JsonText(options, result));
-  } else {
-    for (const VerifiedEntry& entry : result.entries)
-      around.terminal.Write(LineOf(entry));
-  }
-  for (const Path& path : result.leftovers)
-    around.messages.Warn(LeftoverAdvice(path));
-  for (const std::string& sentence : SentencesOf(result.chain))
-    around.messages.Warn(sentence);
-  return CodeOf(result);
+  return VerifyVerb(options, around).Run();
 }
 
 }  // namespace tarnel

@@ -26,8 +26,10 @@ Workbench::Workbench(const std::string& given, Surroundings& around)
     : m_around(around),
       m_given(given),
       m_carrier(FindCarrier(given, around.files)),
-      m_types([](const std::string&) { return std::string(); }),
-      m_reading{around.files, m_catalogue, m_types, m_guards, m_current} {}
+      m_reading{around.files, m_catalogue, m_guards, m_current} {
+  around.messages.ShowAs(m_carrier, given);
+  PutBytes(around.report, "carrier", given);
+}
 
 void RefuseBusy(const Path& carrier, Files& files) {
   const std::unique_ptr<File> file = files.OpenToRead(carrier);
@@ -39,9 +41,12 @@ void RefuseBusy(const Path& carrier, Files& files) {
 }
 
 void Workbench::Open() {
-  const GivenPassword password =
-      ObtainPassword(m_around.options, m_around.variables, m_around.terminal, m_around.messages);
-  if (TryOpen(password.secret)) return;
+  OpenWith(ObtainPassword(m_around.options, m_around.variables, m_around.terminal, m_around.messages).secret);
+}
+
+void Workbench::OpenWith(const Secret& password) {
+  if (TryOpen(password)) return;
+  RefuseBusy(m_carrier, m_around.files);
   const std::string name = Printable(m_given);
   if (!m_faults.None()) {
     WarnOfFaults();
@@ -59,7 +64,7 @@ void Workbench::Open() {
 bool Workbench::TryOpen(const Secret& password) {
   if (m_around.files.OpenToRead(m_carrier)->Size() < Length{kTrailerSize}) return false;
   OpeningOnTerminal screen(m_around.talk, m_guards);
-  const LoadResult result = TryPassword(m_carrier, password, m_reading, screen);
+  const LoadResult result = TryPassword(m_carrier, Key(password), m_reading, screen);
   m_around.talk.Progress().Clear();
   m_faults = screen.Faults();
   if (m_around.talk.CancelRequested()) throw CliFailure(ExitCode::Cancelled, "cancelled");

@@ -5,6 +5,7 @@
 
 #include "base/files.h"
 #include "carrier/open_hideout.h"
+#include "cli/json_output.h"
 #include "cli/messages.h"
 #include "cli/options.h"
 #include "cli/password_source.h"
@@ -21,6 +22,7 @@ struct Surroundings {
   const Variables& variables;
   Messages& messages;
   TerminalDialogue& talk;
+  Json& report;  ///< printed at the end of the run where --json is given
 };
 
 /// One carrier and what a password opens in it.
@@ -30,9 +32,11 @@ class Workbench {
   /// beside the real one. Throws CliFailure(CarrierNotFound), or Error for what is no readable regular file.
   Workbench(const std::string& given, Surroundings& around);
 
-  /// Gets the password and opens the hideout. Throws CliFailure: what ObtainPassword and TryOpen throw,
-  /// NoHideout, and where nothing can be read of a hideout that is or may be there, Damaged or Failed.
+  /// Gets the password and opens the hideout. Throws CliFailure: what ObtainPassword and OpenWith throw.
   void Open();
+  /// Throws CliFailure: what TryOpen throws, NoHideout, and where nothing can be read of a hideout that is or
+  /// may be there, Damaged or Failed; but Busy for all of these while another process works on the carrier.
+  void OpenWith(const Secret& password);
   /// False if no hideout opens. Throws CliFailure: Cancelled, Unreadable for what the disk doesn't give.
   bool TryOpen(const Secret& password);
 
@@ -46,7 +50,7 @@ class Workbench {
   const CurrentHideout& Current() const { return m_current; }
   /// The entries of the open hideout, newest first.
   const std::vector<MirrorRow>& Rows() const { return m_catalogue.Rows(); }
-  const HideoutKey& Key() const { return *m_catalogue.Roots().front()->hideout; }
+  const HideoutKey& Hideout() const { return *m_catalogue.Roots().front()->hideout; }
 
   /// The title as the platform's bytes.
   std::string Title() const;
@@ -60,7 +64,6 @@ class Workbench {
   std::string m_given;
   Path m_carrier;
   Catalogue m_catalogue;
-  FileTypes m_types;
   ReadingGuards m_guards;
   CurrentHideout m_current;
   Reading m_reading;

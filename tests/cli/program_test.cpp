@@ -161,7 +161,7 @@ TEST_F(RealProgram, EchoComesBackWhateverEndsThePrompt) {
 }
 
 TEST_F(RealProgram, NohupHoldsAndCoreDumpsAreForbiddenBeforeThePasswordComes) {
-  ASSERT_EQ(Run(Words("hide", {"@a.txt"})), 0);
+  ASSERT_EQ(Run(Words("hide", {"--new", "@a.txt"})), 0);
   Program program({"list", At("carrier")}, Terminal::Given, [] { std::signal(SIGHUP, SIG_IGN); });
   program.Expect("Password: ").Signal(SIGHUP);
   EXPECT_TRUE(program.ForbidsCoreDumps());
@@ -175,7 +175,7 @@ TEST_F(RealProgram, WithoutATerminalNobodyIsAsked) {
 }
 
 TEST_F(RealProgram, ThePasswordCanComeThroughStandardInput) {
-  ASSERT_EQ(Run(Words("hide", {"@a.txt"})), 0);
+  ASSERT_EQ(Run(Words("hide", {"--new", "@a.txt"})), 0);
   Program program({"list", At("carrier"), "--password-file", "-"}, Terminal::None,
                   [this] { Redirect(STDIN_FILENO, folder / "key", O_RDONLY); });
   EXPECT_EQ(program.Wait(), 0) << program.Err();
@@ -183,7 +183,7 @@ TEST_F(RealProgram, ThePasswordCanComeThroughStandardInput) {
 }
 
 TEST_F(RealProgram, AQuestionIsAskedAtTheTerminal) {
-  ASSERT_EQ(Run(Words("hide", {"@a.txt"})), 0);
+  ASSERT_EQ(Run(Words("hide", {"--new", "@a.txt"})), 0);
   folder.Put("out/a.txt", "there");
   Program program(Words("extract", {"--to", "@out"}), Terminal::Given);
   program.Expect("overwrite").Expect("[N]o").Type("y\n");
@@ -194,7 +194,7 @@ TEST_F(RealProgram, AQuestionIsAskedAtTheTerminal) {
 TEST_F(RealProgram, ASignalInTheMiddleOfAHideLeavesTheCarrierAsItWas) {
   std::filesystem::resize_file(folder.Put("large", ""), 1500U << 20);  // takes time, but no room
   for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
-    Program hide(Words("hide", {"@large"}));
+    Program hide(Words("hide", {"--new", "@large"}));
     while (std::filesystem::file_size(folder / "carrier") < 1000000 && !hide.HasEnded())
       std::this_thread::sleep_for(std::chrono::milliseconds(2));
     hide.Signal(number);
@@ -210,16 +210,18 @@ TEST_F(RealProgram, AFileThatMayNotGrowLeavesTheCarrierAsItWas) {
     const rlimit most{100000, 100000};
     ::setrlimit(RLIMIT_FSIZE, &most);
   };
-  EXPECT_EQ(Run(Words("hide", {"@big"}), restrict), 5);
+  EXPECT_EQ(Run(Words("hide", {"--new", "@big"}), restrict), 5);
   ExpectCarrierAsItWas();
 }
 
 TEST_F(RealProgram, OutputThatCannotBeWrittenIsNeverASuccess) {
-  ASSERT_EQ(Run(Words("hide", {"@a.txt"})), 0);
+  ASSERT_EQ(Run(Words("hide", {"--new", "@a.txt"})), 0);
   int ends[2];
   ASSERT_EQ(::pipe(ends), 0);
   ::close(ends[0]);
-  EXPECT_EQ(Run(Words("list"), [&ends] { ::dup2(ends[1], STDOUT_FILENO); }), 1);
+  Program piped(Words("list"), Terminal::None, [&ends] { ::dup2(ends[1], STDOUT_FILENO); });
+  EXPECT_EQ(piped.Wait(), 141);
+  EXPECT_EQ(piped.Err(), "") << "as others end whose reader is gone";
   ::close(ends[1]);
   EXPECT_EQ(Run(Words("list"), [] { Redirect(STDOUT_FILENO, "/dev/full", O_WRONLY); }), 1);
   EXPECT_EQ(Run(Words("list"), [] { ::close(STDOUT_FILENO); }), 1);
@@ -227,7 +229,7 @@ TEST_F(RealProgram, OutputThatCannotBeWrittenIsNeverASuccess) {
 
 TEST_F(RealProgram, ClosedStandardStreamsNeverBecomeTheCarrier) {
   const auto closeAll = [] { ::close_range(0, 2, 0); };
-  EXPECT_EQ(Run(Words("hide", {"@a.txt", "--title", "T"}), closeAll), 0);
+  EXPECT_EQ(Run(Words("hide", {"--new", "@a.txt", "--title", "T"}), closeAll), 0);
   EXPECT_EQ(Run(Words("verify")), 0);
   EXPECT_EQ(ReadAll(folder / "carrier").substr(0, 5000), Pattern(5000));
 }

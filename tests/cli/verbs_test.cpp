@@ -16,7 +16,7 @@ using testing::IsEmpty;
 class Verbs : public testing::Test {
  protected:
   void Hide(const std::string& rest) {
-    ASSERT_EQ(bench.Run("hide @carrier " + rest), 0) << bench.terminal.err;
+    ASSERT_EQ(bench.Run("hide --new @carrier " + rest), 0) << bench.terminal.err;
   }
   /// Name and folder of each entry that list shows, newest first.
   std::vector<std::string> Listed(const std::string& rest = {}) {
@@ -54,7 +54,8 @@ TEST_F(Verbs, ListShowsSizeDateAndPathNewestFirst) {
   Hide("@in/docs");
   Hide("@b.txt");
   ASSERT_EQ(bench.Run("list @carrier"), 0);
-  EXPECT_THAT(bench.terminal.out, testing::MatchesRegex("1234  [^\n]+  b.txt\n   5  [^\n]+  docs/a.txt\n"));
+  EXPECT_THAT(bench.terminal.out,
+              testing::MatchesRegex("#2  1234  [^\n]+  b.txt\n#1     5  [^\n]+  docs/a.txt\n"));
   bench.terminal.isTerminal = true;
   ASSERT_EQ(bench.Run("list @carrier"), 0);
   EXPECT_THAT(bench.terminal.out, HasSubstr("2 files, 1.2 KiB, New Hideout, RIJNDAEL-256\n"));
@@ -68,11 +69,14 @@ TEST_F(Verbs, JsonOfListHasEveryField) {
   auto& file = list.at("files").at(0);
   EXPECT_GT(file.at("stored"), 32);
   EXPECT_TRUE(file.at("date").is_string());
+  EXPECT_THAT(file.at("date_iso"), testing::MatchesRegex("....-..-..T..:..:..[+-]..:.."));
+  file.erase("date_iso");
   file.erase("stored");
   file.erase("date");
-  EXPECT_EQ(list, nlohmann::json::parse(R"({"schema": 1, "carrier": ")" + bench.folder.Where().native() +
-                                        R"(/carrier", "title": "Box", "algorithm": "CAST5", "files": [
-      {"name": "run.sh", "folder": "", "size": 5, "attributes": 32, "mode": "700", "compressed": true,
+  EXPECT_EQ(list, nlohmann::json::parse(
+                      R"({"schema": 1, "carrier": ")" + bench.folder.Where().native() +
+                      R"(/carrier", "title": "Box", "algorithm": "CAST5", "exit_code": 0, "files": [
+      {"number": 1, "path": "run.sh", "name": "run.sh", "folder": "", "size": 5, "attributes": 32, "mode": "700", "compressed": true,
        "level": 6, "start": 1001}]})"));
 }
 
@@ -91,23 +95,38 @@ TEST_F(Verbs, NamesOfAnyBytesAreListedSafelyAndComeBack) {
   EXPECT_EQ(bench.Get("out/\xfe/" + name), "odd");
 }
 
-TEST_F(Verbs, EntriesAreChosenExactly) {
-  for (const char* path : {"in/Pics/a", "in/Pics/sub/b", "in/Pics2/c", "in/Pics/a.b"})
+TEST_F(Verbs, EntriesAreNamedAsPeopleNameThem) {
+  for (const char* path : {"in/Pics/a", "in/Pics/sub/b", "in/Pics2/c", "in/Pics/a.b", "in/Pics2/w\\x\xff"})
     bench.Put(path, path);
   Hide("@in/Pics @in/Pics2");
+  const std::vector<std::string> odd = {"Pics2", "Pics2/w\\x\xff"};
+  const std::vector<std::string> all = {"Pics", "Pics/a", "Pics/a.b", "Pics/sub", "Pics/sub/b"};
   const std::pair<std::string, std::vector<std::string>> cases[] = {
-      {"Pics/", {"Pics", "Pics/a", "Pics/a.b", "Pics/sub", "Pics/sub/b"}},
+      {"Pics/", all},
+      {"./Pics", all},
+      {"/Pics//sub /Pics/a*", all},
+      {"Pics/*", all},
+      {"*ics --exclude=Pics", {}},
+      {"Pics --exclude sub --exclude *.b", {"Pics", "Pics/a"}},
       {"Pics/a", {"Pics", "Pics/a"}},
-      {"Pics/sub/ Pics2/c", {"Pics", "Pics/sub", "Pics/sub/b", "Pics2", "Pics2/c"}}};
+      {"Pics/sub/ Pics2/[c]", {"Pics", "Pics/sub", "Pics/sub/b", "Pics2", "Pics2/c"}},
+      {"Pics2/w\\\\x\\xff", odd},
+      {"Pics2/w\\x\xff", odd}};
   for (const auto& [entries, expected] : cases) {
     const TempFolder target;
-    ASSERT_EQ(bench.Run("extract @carrier " + entries + " --to " + target.Where().native()), 0);
+    const int code = bench.Run("extract @carrier " + entries + " --to " + target.Where().native());
+    EXPECT_EQ(code, expected.empty() ? 13 : 0) << entries << bench.terminal.err;
     EXPECT_EQ(target.Names(), expected) << entries;
   }
-  for (const std::string missing : {"Pics", "pics/a", "Pic/", "a", "Pics/sub", "/"}) {
+  for (const std::string missing : {"pics/a", "Pic/", "a", "/", "#0", "#99"}) {
     EXPECT_EQ(bench.Run("extract @carrier Pics/a " + missing + " --to @out"), 13) << missing;
     EXPECT_FALSE(bench.Has("out")) << missing;
   }
+  ASSERT_EQ(bench.Run("list -0 @carrier Pics2/w*"), 0);
+  EXPECT_EQ(bench.terminal.out, odd.back() + '\0');
+  bench.Put("names", bench.terminal.out);
+  ASSERT_EQ(bench.Run("delete @carrier --files-from @names"), 0) << bench.terminal.err;
+  EXPECT_EQ(bench.Run("list @carrier Pics2/w*"), 13);
 }
 
 TEST_F(Verbs, AnExistingFileIsKeptUnlessThePersonSaysOtherwise) {
@@ -124,16 +143,25 @@ TEST_F(Verbs, AnExistingFileIsKeptUnlessThePersonSaysOtherwise) {
   EXPECT_EQ(bench.Get("out/a.txt"), "hidden");
 }
 
-TEST_F(Verbs, OfEntriesWithOneNameTheNewestStays) {
-  for (const char* content : {"old", "new"}) {
+TEST_F(Verbs, OfSeveralVersionsTheNewestIsTakenAndOthersCanBe) {
+  for (const char* content : {"old", "newer", "newest"}) {
     bench.Put("a.txt", content);
     Hide("@a.txt");
   }
-  EXPECT_EQ(bench.Run("extract @carrier --to @out"), 4);
-  EXPECT_EQ(bench.Get("out/a.txt"), "new");
-  EXPECT_THAT(bench.terminal.err, HasSubstr("several entries"));
-  EXPECT_EQ(bench.Run("extract @carrier --to @out --overwrite"), 0);
-  EXPECT_EQ(bench.Get("out/a.txt"), "new");
+  EXPECT_EQ(bench.Run("extract @carrier --to @out"), 0) << bench.terminal.err;
+  EXPECT_EQ(bench.Get("out/a.txt"), "newest");
+  EXPECT_THAT(bench.terminal.err, HasSubstr("2 older versions were left out"));
+  EXPECT_EQ(bench.Run("extract @carrier --to @all --all-versions"), 0);
+  EXPECT_EQ(bench.Get("all/a.txt") + bench.Get("all/a (2).txt") + bench.Get("all/a (3).txt"),
+            "newestnewerold");
+  EXPECT_EQ(bench.Run("extract @carrier #1 --to @first"), 0);
+  EXPECT_EQ(bench.Get("first/a.txt"), "old");
+  EXPECT_EQ(bench.Run("extract @carrier #2 --to -"), 0);
+  EXPECT_EQ(bench.terminal.out, "newer");
+  EXPECT_EQ(bench.Run("delete @carrier a.txt --dry-run"), 0);
+  EXPECT_EQ(bench.Run("delete @carrier a.txt"), 0);
+  EXPECT_THAT(bench.terminal.err, HasSubstr("3 entries deleted")) << bench.terminal.err;
+  EXPECT_THAT(bench.terminal.err, HasSubstr("a.txt (3 versions)"));
 }
 
 TEST_F(Verbs, ADamagedEntryIsNamedAndTheOthersComeOut) {
@@ -146,10 +174,15 @@ TEST_F(Verbs, ADamagedEntryIsNamedAndTheOthersComeOut) {
   bytes.at(start + 20) = static_cast<char>(bytes.at(start + 20) ^ 0x20);
   bench.Put("carrier", bytes);
   EXPECT_EQ(bench.Run("verify @carrier"), 7);
-  EXPECT_THAT(bench.terminal.out, testing::MatchesRegex("damaged  bad: [^\n]+\nintact   good\n"));
+  EXPECT_THAT(bench.terminal.out,
+              testing::MatchesRegex("intact   good\ndamaged  bad: [^\n]+\n2 files, 1 damaged\n"));
   EXPECT_EQ(bench.Run("verify @carrier --json"), 7);
-  EXPECT_EQ(bench.Json().at("files").at(0).at("verdict"), "damaged");
-  EXPECT_EQ(bench.Json().at("files").at(1).at("verdict"), "intact");
+  EXPECT_EQ(bench.Json().at("carriers").at(0).at("files").at(1).at("verdict"), "damaged");
+  EXPECT_EQ(bench.Run("verify --quiet @carrier @other @missing"), 7);
+  EXPECT_THAT(bench.terminal.out,
+              testing::MatchesRegex("damaged  [^\n]+bad: [^\n]+\n2 files, 1 damaged; 2 [^\n]+\n"));
+  EXPECT_EQ(bench.Run("extract @carrier bad --to -"), 7);
+  EXPECT_THAT(bench.terminal.out, IsEmpty());
   EXPECT_EQ(bench.Run("extract @carrier --to @out"), 7);
   EXPECT_EQ(bench.Get("out/good"), "good");
   EXPECT_FALSE(bench.Has("out/bad"));
@@ -168,11 +201,11 @@ TEST_F(Verbs, AHideoutWhoseChainIsBrokenIsReadAndSaysSo) {
 
 TEST_F(Verbs, PasswordsOfNewHideoutsAreCheckedAndConfirmedWhereTyped) {
   bench.Put("key", "a<b\n", 0600);
-  EXPECT_EQ(bench.Run("hide @carrier @other"), 2);
+  EXPECT_EQ(bench.Run("hide --new @carrier @other"), 2);
   bench.variables.clear();
   bench.terminal.canAsk = true;
   bench.terminal.secrets = {"secret", "sceret"};
-  EXPECT_EQ(bench.Run("hide @carrier @other"), 2);
+  EXPECT_EQ(bench.Run("hide --new @carrier @other"), 2);
   EXPECT_EQ(bench.Get("carrier"), Pattern(1000));
   bench.terminal.secrets = {"secret", "secret", "secret"};
   Hide("@other");
@@ -217,43 +250,62 @@ TEST_F(Verbs, EachFailureHasItsCode) {
     EXPECT_THAT(bench.terminal.err, HasSubstr("error: ")) << line;
     EXPECT_EQ(bench.Run("--json " + line), code) << line;
     EXPECT_THAT(bench.terminal.err, HasSubstr("\"code\":" + std::to_string(code))) << line;
-    EXPECT_THAT(bench.terminal.out, IsEmpty()) << line;
+    EXPECT_EQ(bench.Json().at("error").at("code"), code) << line;
   }
 }
 
-TEST_F(Verbs, AFolderWithAPipeIsHiddenInPartAndSaysSo) {
-  bench.Put("in/docs/a", "alpha");
+TEST_F(Verbs, AFolderThatIsHiddenInPartSaysSoAndStays) {
+  bench.Put("in/docs/sub/a", "alpha");
+  bench.Put("in/docs/sub/b.tmp", "beta");
+  std::filesystem::create_directory(bench.folder / "in/docs/empty");
+  std::filesystem::create_symlink("../sub/a", bench.folder / "in/docs/sub/link");
   ASSERT_EQ(::mkfifo((bench.folder / "in/docs/pipe").c_str(), 0600), 0);
-  EXPECT_EQ(bench.Run("hide @carrier @in/docs"), 3);
-  EXPECT_THAT(bench.terminal.err, HasSubstr("pipe"));
-  EXPECT_THAT(Listed(), ElementsAre("docs/a"));
+  EXPECT_EQ(bench.Run("hide --new @carrier @in/docs --originals=destroy --exclude *.tmp"), 3);
+  for (const char* named : {"docs/pipe", "docs/sub/link", "docs/empty"})
+    EXPECT_THAT(bench.terminal.err, HasSubstr(named));
+  EXPECT_THAT(Listed(), ElementsAre("docs/sub/a"));
+  EXPECT_FALSE(bench.Has("in/docs/sub/a"));
+  EXPECT_EQ(bench.Get("in/docs/sub/b.tmp"), "beta");
+}
+
+TEST_F(Verbs, AWrongPasswordMakesNoSecondHideoutUnasked) {
+  Hide("@other");
+  const std::string before = bench.Get("carrier");
+  for (const char* line :
+       {"hide @carrier @key --password-file @other", "hide @carrier @key --existing --password-file @other"})
+    EXPECT_EQ(bench.Run(line), 12) << line;
+  bench.terminal.canAsk = true;
+  bench.terminal.lines = {"n"};
+  EXPECT_EQ(bench.Run("hide @carrier @key --password-file @other"), 12);
+  EXPECT_EQ(bench.Get("carrier"), before);
 }
 
 TEST_F(Verbs, ABusyCarrierIsLeftAlone) {
   Hide("@other");
   const auto held = OpenLocked(bench.folder / "carrier", bench.posix);
-  for (const char* line : {"hide @carrier @other", "delete @carrier other", "update @carrier other @other",
-                           "passwd @carrier --new-password-file @other"}) {
+  for (const char* line : {"hide --new @carrier @other", "delete @carrier other",
+                           "update @carrier other @other", "passwd @carrier --new-password-file @other"}) {
     EXPECT_EQ(bench.Run(line), 8) << line;
   }
   EXPECT_EQ(bench.Run("list @carrier"), 0);
+  EXPECT_EQ(bench.Run("verify @carrier --password-file @other"), 8) << "it may be in the middle of a hide";
 }
 
 TEST_F(Verbs, ALeftoverBesideTheCarrierIsNeverReplacedUnasked) {
   Hide("@other");
   bench.Put("carrier.bak", "precious");
-  EXPECT_EQ(bench.Run("hide @carrier @other"), 1);
+  EXPECT_EQ(bench.Run("hide --new @carrier @other"), 1);
   EXPECT_THAT(bench.terminal.err, HasSubstr("recover"));
   EXPECT_EQ(bench.Get("carrier.bak"), "precious");
   EXPECT_EQ(bench.Run("verify @carrier"), 0);
   EXPECT_THAT(bench.terminal.err, HasSubstr("carrier.bak"));
   bench.terminal.canAsk = true;
   bench.terminal.lines = {"y"};
-  EXPECT_EQ(bench.Run("hide @carrier @other"), 0);
+  EXPECT_EQ(bench.Run("hide --new @carrier @other"), 0);
   EXPECT_FALSE(bench.Has("carrier.bak"));
   bench.terminal.canAsk = false;
   bench.Put("carrier.tmp", "precious");
-  EXPECT_EQ(bench.Run("hide @carrier @other"), 0) << "a hide never touches it";
+  EXPECT_EQ(bench.Run("hide --new @carrier @other"), 0) << "a hide never touches it";
   EXPECT_EQ(bench.Run("delete @carrier other"), 1);
   EXPECT_EQ(bench.Get("carrier.tmp"), "precious");
 }
@@ -278,28 +330,28 @@ TEST_F(Verbs, SearchFindsTheCarriersThatOpen) {
   bench.Put("pics/two.png", Pattern(500));
   bench.Put("pics/none.png", Pattern(500));
   bench.Put("pics/short.png", "short");
-  ASSERT_EQ(bench.Run("hide @pics/in/one.png @other --title One --algorithm des"), 0);
-  ASSERT_EQ(bench.Run("hide @pics/two.png @other --title Two"), 0);
+  ASSERT_EQ(bench.Run("hide --new @pics/in/one.png @other --title One --algorithm des"), 0);
+  ASSERT_EQ(bench.Run("hide --new @pics/two.png @other --title Two"), 0);
   ASSERT_EQ(bench.Run("search @pics"), 0) << bench.terminal.err;
   EXPECT_EQ(bench.terminal.out, (bench.folder / "pics/two.png").native() + "  Two  RIJNDAEL-256\n");
   ASSERT_EQ(bench.Run("search @pics --recursive --json --algorithm DES --type png"), 0) << bench.terminal.err;
-  EXPECT_EQ(bench.Json().at("carrier"), (bench.folder / "pics/in/one.png").native());
-  EXPECT_EQ(bench.Json().at("title"), "One");
-  EXPECT_EQ(bench.Json().at("algorithm"), "DES");
+  EXPECT_EQ(bench.Json().at("carriers").at(0).at("carrier"), (bench.folder / "pics/in/one.png").native());
+  EXPECT_EQ(bench.Json().at("carriers").at(0).at("title"), "One");
+  EXPECT_EQ(bench.Json().at("carriers").at(0).at("algorithm"), "DES");
   EXPECT_EQ(bench.Run("search @pics --password-file @other"), 0) << "nothing found is an answer";
   EXPECT_EQ(bench.terminal.out, "");
 }
 
 TEST_F(Verbs, AFileThatCannotBeReadIsNoWrongPassword) {
   bench.Put("pics/bad.png", Pattern(500));
-  ASSERT_EQ(bench.Run("hide @pics/bad.png @other"), 0);
+  ASSERT_EQ(bench.Run("hide --new @pics/bad.png @other"), 0);
   FaultyFiles faulty(bench.posix);
   faulty.Fail({.times = Times::FromThenOn, .counts = [this](const Operation& operation) {
                  return operation.name == "File.ReadAt" && operation.path == bench.folder / "pics/bad.png";
                }});
   bench.files = &faulty;
   for (const std::string line : {"list @pics/bad.png", "--on-error ignore list @pics/bad.png",
-                                 "verify @pics/bad.png", "hide @pics/bad.png @other"}) {
+                                 "verify @pics/bad.png", "hide --new @pics/bad.png @other"}) {
     EXPECT_EQ(bench.Run(line), 9) << line;
     EXPECT_THAT(bench.terminal.err, HasSubstr("bad.png"));
   }
@@ -335,7 +387,7 @@ TEST_F(Verbs, NoFailingOperationOfAHideLosesTheCarrier) {
     bench.Put("carrier", before);
     std::filesystem::remove(bench.folder / "carrier.bak");
     bench.files = &faulty;
-    const int code = bench.Run("hide @carrier @a.txt " + option);
+    const int code = bench.Run("hide --new @carrier @a.txt " + option);
     bench.files = &bench.posix;
     return code;
   };
@@ -369,7 +421,7 @@ TEST_F(Verbs, ABackupThatIsNotTheWholeCarrierIsNotPutBack) {
 TEST_F(Verbs, AskingForTheTrashIsTheConsent) {
   bench.Put("a.txt", "content");
   ::setenv("XDG_DATA_HOME", (bench.folder / "data").c_str(), 1);
-  EXPECT_EQ(bench.Run("hide @carrier @a.txt --originals=trash"), 0) << bench.terminal.err;
+  EXPECT_EQ(bench.Run("hide --new @carrier @a.txt --originals=trash"), 0) << bench.terminal.err;
   ::unsetenv("XDG_DATA_HOME");
   EXPECT_EQ(bench.Get("data/Trash/files/a.txt"), "content");
 }
@@ -384,8 +436,9 @@ TEST_F(Verbs, AnAbortBehindTheLastEntryUndoesNothingAndReports) {
                }});
   bench.files = &faulty;
   bench.terminal.canAsk = true;
-  bench.terminal.lines = {"i", "a"};  // the backup stays; a.txt can't be deleted
-  EXPECT_EQ(bench.Run("hide @carrier @a.txt @b.txt --originals=destroy --json"), 3) << bench.terminal.err;
+  bench.terminal.lines = {"y", "i", "a"};  // go on; the backup stays; a.txt can't be deleted
+  EXPECT_EQ(bench.Run("hide --new @carrier @a.txt @b.txt --originals=destroy --json"), 3)
+      << bench.terminal.err;
   bench.files = &bench.posix;
   EXPECT_EQ(bench.Json().at("hidden"), 2);
   EXPECT_EQ(bench.Json().at("originals_left").size(), 1U);
@@ -400,7 +453,7 @@ TEST_F(Verbs, ADiskThatFillsUpAnywhereLeavesTheCarrierAsItWas) {
     FaultyFiles faulty(bench.posix);
     faulty.LimitSpace(space);
     bench.files = &faulty;
-    EXPECT_EQ(bench.Run("hide @carrier @a.txt --no-input"), 5) << space;
+    EXPECT_EQ(bench.Run("hide --new @carrier @a.txt --no-input"), 5) << space;
     EXPECT_EQ(bench.Get("carrier"), Pattern(1000)) << space;
     EXPECT_FALSE(bench.Has("carrier.bak")) << space;
   }

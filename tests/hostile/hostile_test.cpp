@@ -3,6 +3,7 @@
 
 #include "carrier/length_field.h"
 #include "tests/retrieval/retrieval_bench.h"
+#include "tests/support/held_key.h"
 
 namespace tarnel::test {
 namespace {
@@ -247,9 +248,9 @@ TEST_F(Hostile, ABombThatTellsTheTruthLeavesNothingOnAFullDisk) {
 
 TEST_F(Hostile, ARecordBeyondTheLimitIsNeitherWrittenNorRead) {
   const std::string record = Record("a") + "?Title=<" + std::string(kRecordLimit, 't') + ">";
-  EXPECT_THROW(SealEntry(record, 1, Algorithm::Rijndael256, Secret("secret"), bench.secondKey), Error);
+  EXPECT_THROW(SealEntry(record, 1, Algorithm::Rijndael256, HeldKey("secret"), bench.secondKey), Error);
   const std::string text = CipherEncryptString(Algorithm::Rijndael256, record, TextForm::Base64,
-                                               Secret("secret"), bench.secondKey);
+                                               HeldKey("secret"), bench.secondKey);
   bench.Append(Payload() + text + PackLengthField(static_cast<Length>(Payload().size())) +
                PackLengthField(static_cast<Length>(text.size())));
   EXPECT_EQ(bench.Load(), LoadResult::NotFound);

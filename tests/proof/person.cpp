@@ -4,6 +4,7 @@
 
 #include "crypto/base64.h"
 #include "tests/cli/cli_bench.h"
+#include "tests/support/held_key.h"
 
 namespace tarnel::test {
 
@@ -44,6 +45,7 @@ Said Person::Says(const std::string& password, const std::vector<std::string>& w
 Path Person::PasswordFile(const std::string& password) const {
   const Path path = m_passwords / password;
   if (!std::filesystem::exists(path)) WriteAll(path, password, 0600);
+  HeldKey(password).Prepare([] {});
   return path;
 }
 
@@ -62,6 +64,7 @@ Entries Person::Reads(const Path& carrier, const std::string& password) const {
   const std::map<std::string, std::string> extracted = FilesBelow(target.Where());
   Entries entries;
   const nlohmann::json hideout = nlohmann::json::parse(listed.out);
+  if (!hideout.contains("files")) return {};
   for (const auto& file : hideout.at("files")) {
     const std::string folder = TextIn(file, "folder");
     const std::string path = (folder.empty() ? "" : folder + "/") + TextIn(file, "name");

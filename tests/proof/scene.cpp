@@ -33,7 +33,7 @@ Scene::Scene(unsigned seed) : m_dice(seed), m_bodySize(1000 + m_dice.Roll(20000)
   hide(kMine, {"docs/c.txt", Pattern(m_dice.Roll(40000), 5)});
   hide(kTheirs, {"y.txt", Pattern(m_dice.Roll(20000), 6)});
   m_bytes = ReadAll(m_carrier);
-  m_person.Says(kFresh, {"list", m_carrier});  // derives the key before anything forks
+  m_person.PasswordFile(kFresh);  // its key is derived before anything forks
   AddHide("hide", kMine);
   AddHide("hide in a new hideout", kFresh);
   AddDelete();

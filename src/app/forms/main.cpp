@@ -16,7 +16,7 @@
 namespace {
 
 void EndProcess() {
-  tarnel::ForgetKeys();
+  tarnel::WipeAllKeys();
   std::_Exit(EXIT_SUCCESS);
 }
 
@@ -39,7 +39,7 @@ int RunOnThisMachine(const std::vector<std::string>& arguments, tarnel::Dialogue
                              .openOutside = [](const QUrl& url) { QDesktopServices::openUrl(url); },
                              .endProcess = EndProcess},
                   .runEvents = RunEvents});
-  ForgetKeys();
+  WipeAllKeys();
   return code;
 }
 
