@@ -4,6 +4,7 @@
 
 #include "carrier/length_field.h"
 #include "carrier/load_hideout.h"
+#include "carrier/probe_carrier.h"
 #include "carrier/record.h"
 #include "carrier/stored_text.h"
 #include "fuzz/input.h"
@@ -17,8 +18,8 @@ namespace {
 constexpr Algorithm kAlgorithm = Algorithm::Twofish;
 constexpr std::size_t kMostEntries = 24;
 
-const Secret& Password() {
-  static const Secret password("fuzz");
+const Key& Password() {
+  static const Key password(Secret("fuzz"));
   return password;
 }
 
@@ -116,17 +117,14 @@ void RowIsSound(const MirrorRow& row, Length carrierSize) {
   Require(row.start >= Position{} && row.size >= 0 && row.End() <= Position{} + carrierSize,
           "a row is inside");
   Require(!row.Name().empty(), "a row has a name");
-  for (int column = 1; column <= 6; ++column)
-    row.SubItem(column);
 }
 
 /// Loading shows only sound rows, and whatever it shows a search finds too.
 void LoadingIsSound(MemoryFiles& files, Length carrierSize) {
   Catalogue catalogue;
-  FileTypes types([](const std::string& name) { return name; });
   ReadingGuards guards;
   CurrentHideout current;
-  Reading reading{files, catalogue, types, guards, current};
+  Reading reading{files, catalogue, guards, current};
   FuzzScreen screen;
   const LoadResult result =
       LoadHideout({.carrier = "carrier", .password = Password(), .algorithm = kAlgorithm}, reading, screen);

@@ -15,8 +15,8 @@
 namespace tarnel {
 namespace {
 
-const Secret kRight("right");
-const Secret kWrong("wrong");
+const Key kRight(Secret("right"));
+const Key kWrong(Secret("wrong"));
 
 class SilentScreen : public OpeningScreen {
  public:
@@ -66,16 +66,15 @@ class Carrier {
   Path m_path;
 };
 
-void Open(benchmark::State& state, const Secret& password, std::size_t expected) {
+void Open(benchmark::State& state, const Key& password, std::size_t expected) {
   static const Carrier carrier(10'000);
-  PrepareKey(password, [] {});
+  password.Prepare([] {});
   for (auto _ : state) {
     PosixFiles files;
     Catalogue catalogue;
-    FileTypes types([](const std::string&) { return std::string(); });
     ReadingGuards guards;
     CurrentHideout current;
-    Reading reading{files, catalogue, types, guards, current};
+    Reading reading{files, catalogue, guards, current};
     SilentScreen screen;
     TryPassword(carrier.Where(), password, reading, screen);
     if (catalogue.Rows().size() != expected) state.SkipWithError("wrong number of rows");

@@ -36,7 +36,6 @@ MirrorRow Row(const std::shared_ptr<const HideoutKey>& hideout, std::size_t numb
                             .title = "Benchmark",
                             .mode = {}},
                            RecordWriter::Hide);
-  row.typeText = "Plain text document";
   return row;
 }
 
@@ -46,9 +45,8 @@ class Bench {
   Bench() {
     const auto hideout = std::make_shared<const HideoutKey>(HideoutKey{.carrier = "/carrier.png",
                                                                        .carrierName = "carrier.png",
-                                                                       .password = Secret("secret"),
+                                                                       .password = Key(Secret("secret")),
                                                                        .algorithm = Algorithm::Rijndael256,
-                                                                       .algorithmName = "RIJNDAEL-256",
                                                                        .title = "Title"});
     m_root = &m_session.catalogue.AddRoot(hideout, "*RootFolder*");
     m_folder = &m_session.catalogue.EnsureFolderNode(*m_root, "folder");

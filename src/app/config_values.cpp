@@ -1,5 +1,7 @@
 #include "app/config_values.h"
 
+#include "crypto/compression.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -77,7 +79,8 @@ ConfigValues ReadConfig(const SettingsFile& file) {
     values.chosen.push_back(ChosenOption(group, file.Get(section::kOptions, group.key, group.preset)));
     values.folders.push_back(file.Get(section::kOptions, group.key + " Spec", ""));
   }
-  const double level = file.Number(section::kOptions, setting::kCompressLevel, "6");
+  const double level =
+      file.Number(section::kOptions, setting::kCompressLevel, std::to_string(kPresetCompressionLevel));
   values.compressLevel = static_cast<int>(std::clamp(level, 1.0, 9.0));
   values.previewTempFolder = file.Get(section::kOptions, setting::kPreviewTempFolder, "");
   return values;

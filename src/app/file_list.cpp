@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "app/size_order.h"
+#include "base/formats.h"
 #include "base/utf8.h"
 #include "carrier/format.h"
 #include "carrier/stored_text.h"
@@ -40,6 +41,26 @@ std::vector<FileListRow> Reordered(std::vector<FileListRow> rows, const std::vec
   for (const std::size_t index : order)
     result.push_back(std::move(rows[index]));
   return result;
+}
+
+/// What a column shows of a file, but for its type.
+std::string TextOf(const MirrorRow& file, Column column) {
+  switch (column) {
+    case Column::Size:
+      return GroupedKilobytes(ReadNumber(file.Field(tag::kPlainSize))) + " KB";
+    case Column::Date:
+      return std::string(file.Field(tag::kDate));
+    case Column::Attribute:
+      return std::string(file.Field(tag::kAttributes));
+    case Column::Subfolder:
+      return std::string(file.Folder());
+    case Column::Compressed:
+      return file.Field(tag::kCompressed) == "0" ? "No" : "Yes";
+    case Column::File:
+    case Column::Type:
+      break;
+  }
+  return std::string(file.Name());
 }
 
 }  // namespace
@@ -112,14 +133,12 @@ std::vector<FileListRow> FileList::FileRows(const TreeNode& node, const Catalogu
 }
 
 FileListRow FileList::FileRow(const MirrorRow& mirror, std::size_t index) const {
-  FileListRow row{.icon = mirror.icon, .relativeIndex = index, .carrier = mirror.hideout->carrier};
+  const FileTypes::Type type = m_types.Of(mirror.Name());
+  FileListRow row{.icon = type.icon, .relativeIndex = index, .carrier = mirror.hideout->carrier};
   row.size = std::max(0.0, ReadNumber(mirror.Field(tag::kPlainSize)));
-  row.texts[0] = mirror.Name();
   for (const Column column : m_columns) {
-    if (column == Column::File) continue;
-    const auto text = mirror.SubItem(static_cast<int>(column));
-    const std::string_view view(text.data(), text.size());
-    row.texts[static_cast<std::size_t>(column)] = column == Column::Type ? Trimmed(view) : std::string(view);
+    std::string& text = row.texts[static_cast<std::size_t>(column)];
+    text = column == Column::Type ? Trimmed(type.text) : TextOf(mirror, column);
   }
   return row;
 }

@@ -7,12 +7,13 @@
 #include <string_view>
 #include <vector>
 
+#include "app/file_types.h"
 #include "app/settings.h"
 #include "carrier/catalogue.h"
 
 namespace tarnel {
 
-/// The columns behind "File"; the numbers are those of MirrorRow::SubItem.
+/// The columns, "File" first.
 enum class Column { File = 0, Size, Type, Date, Attribute, Subfolder, Compressed };
 inline constexpr std::size_t kColumnCount = 7;
 
@@ -37,6 +38,9 @@ struct FileListRow {
 /// removes some calls Show again before the next use.
 class FileList {
  public:
+  /// `types` must outlive the list.
+  explicit FileList(FileTypes& types) : m_types(types) {}
+
   const std::vector<Column>& Columns() const { return m_columns; }
   const std::vector<FileListRow>& Rows() const { return m_rows; }
 
@@ -72,6 +76,7 @@ class FileList {
   void SortByText(Column column);
   void SortBySize(const TreeNode& node, const Catalogue& catalogue);
 
+  FileTypes& m_types;
   std::vector<Column> m_columns = {Column::File};
   std::vector<FileListRow> m_rows;
   int m_sortOrder = 0;

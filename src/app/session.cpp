@@ -25,10 +25,6 @@ TreeNode* FindNode(const Catalogue& catalogue, const Predicate& fits) {
   return nullptr;
 }
 
-Algorithm IdOf(std::string name) {
-  return AlgorithmId(name);
-}
-
 }  // namespace
 
 Session::Session(Files& filesPort, SettingsFile& file,
@@ -41,11 +37,7 @@ void Session::DirView_NodeClick(TreeNode& node) {
   if (guards.TreeClickBlocked) return;
   ActiveListHwnd = Attention::DirView;
   const HideoutKey& key = *node.hideout;
-  current.CurrentCarrierPath = key.carrier;
-  current.CurrentCarrierName = key.carrierName;
-  current.CurrentAlgorithmId = IdOf(key.algorithmName);
-  current.CurrentPassword = key.password;
-  current.CurrentHideoutTitle = key.title;
+  current = CurrentOf(key);
   KeepAsSelected(node);
   fileList.Show(node, catalogue);
   filesPanel = std::to_string(FilesOf(key.carrier)) + " File(s) ";

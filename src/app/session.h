@@ -6,12 +6,13 @@
 #include <vector>
 
 #include "app/file_list.h"
+#include "app/file_types.h"
 #include "app/program_lock.h"
 #include "app/refresh.h"
 #include "app/settings.h"
 #include "base/files.h"
 #include "carrier/catalogue.h"
-#include "carrier/load_hideout.h"
+#include "carrier/reading.h"
 
 namespace tarnel {
 
@@ -50,7 +51,7 @@ class Session {
   FileTypes types;
   ReadingGuards guards;
   CurrentHideout current;
-  FileList fileList;
+  FileList fileList{types};
   ProgramLock lock;
   Attention ActiveListHwnd = Attention::DirView;
   bool HideOpenRequested = false;  ///< opening is on behalf of hiding, and starts with a new hideout
@@ -60,7 +61,7 @@ class Session {
   std::string algorithmPanel;  ///< status text of panel "Algorithm"
 
   /// What reads and reloads hideouts works with.
-  Reading MakeReading() { return {files, catalogue, types, guards, current}; }
+  Reading MakeReading() { return {files, catalogue, guards, current}; }
 
   /// Null for none.
   void SetView(SessionView* view) { m_view = view; }

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "crypto/compression.h"
+
 namespace tarnel {
 
 namespace {
@@ -53,8 +55,9 @@ void LoadSettings(const SettingsFile& file, Settings& settings) {
     settings.columns[i] = file.Flag(section::kOptions, kColumnSettings[i].key, kColumnSettings[i].preset);
   }
   settings.mouseEvent = file.Get(section::kOptions, setting::kMouseEvent, "None");
-  settings.compressLevel =
-      std::clamp(Whole(file.Number(section::kOptions, setting::kCompressLevel, "6")), 1, 9);
+  settings.compressLevel = std::clamp(
+      Whole(file.Number(section::kOptions, setting::kCompressLevel, std::to_string(kPresetCompressionLevel))),
+      1, 9);
   settings.previewTempFolder = file.Get(section::kOptions, setting::kPreviewTempFolder, "");
   LoadFolder(file, "Folder Open", settings.open);
   LoadFolder(file, "Folder Hide", settings.hide);

@@ -30,7 +30,7 @@ Question TrashError(const Error& error) {
 Question ConfirmTrash(const std::vector<Path>& paths) {
   const std::string what = paths.size() == 1 ? "\"" + Printable(paths[0].filename().native()) + "\""
                                              : "these " + std::to_string(paths.size()) + " items";
-  return {.id = "trash.confirm",
+  return {.id = question_id::kTrash,
           .title = "Tarnel",
           .text = "Are you sure you want to move " + what + " to the trash?",
           .buttons = Buttons::YesNo,

@@ -7,6 +7,11 @@
 
 namespace tarnel {
 
+/// What those who answer by rule know questions by.
+namespace question_id {
+inline constexpr const char* kTrash = "trash.confirm";
+}  // namespace question_id
+
 /// OverwriteAndKill could not do a statement. Id "destroy.error".
 Question OverwriteError(const Error& error);
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "carrier/load_hideout.h"
+#include "carrier/reading.h"
 
 namespace tarnel {
 

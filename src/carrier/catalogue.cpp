@@ -14,44 +14,13 @@ namespace tarnel {
 
 namespace {
 
-constexpr int kStandByImage = 2;
-constexpr int kFirstTypeImage = 4;
-
 bool IsOf(const std::shared_ptr<const HideoutKey>& hideout, const Path& carrier) {
   return hideout->carrier.native() == carrier.native();
-}
-
-std::string LowerCase(std::string text) {
-  for (char& c : text) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return text;
-}
-
-std::string TypeKey(const std::string& name) {
-  const std::string lower = LowerCase(name);
-  if (lower == "setup.exe" || lower == "install.exe") return "setup";
-  const std::size_t point = lower.rfind('.');
-  return point == std::string::npos ? std::string() : lower.substr(point + 1);
-}
-
-std::string CutToLimit(std::string_view text) {
-  std::size_t length = 0;
-  while (length < text.size()) {
-    const std::size_t next = std::max<std::size_t>(FirstUtf8Character(text.substr(length)).length, 1);
-    if (length + next > kTypeTextLimit) break;
-    length += next;
-  }
-  return std::string(text.substr(0, length));
 }
 
 /// Wiped where it is short, too.
 std::shared_ptr<const WipedText> Shared(std::string_view text) {
   return std::allocate_shared<WipedText>(WipingAllocator<WipedText>(), text);
-}
-
-void AppendKilobytes(WipedText& text, std::string_view bytes) {
-  text.append(GroupedKilobytes(ReadNumber(bytes))).append(" KB");
 }
 
 }  // namespace
@@ -93,43 +62,6 @@ std::string_view MirrorRow::Folder() const {
 
 Position MirrorRow::End() const {
   return start + size + static_cast<Length>(tail.size());
-}
-
-WipedText MirrorRow::SubItem(int index) const {
-  WipedText text;
-  switch (index) {
-    case 1:
-      AppendKilobytes(text, Field(tag::kPlainSize));
-      return text;
-    case 2:
-      return text.append(typeText);
-    case 3:
-      return text.append(Field(tag::kDate));
-    case 4:
-      return text.append(Field(tag::kAttributes));
-    case 5:
-      return text.append(Folder());
-    case 6:
-      return text.append(Field(tag::kCompressed) == "0" ? "No" : "Yes");
-    default:
-      assert(false && "a mirror row has the sub-items 1 to 6");
-      return text;
-  }
-}
-
-FileTypes::FileTypes(std::function<std::string(const std::string& name)> typeTextOf)
-    : m_typeTextOf(std::move(typeTextOf)) {}
-
-FileTypes::Type FileTypes::Of(std::string_view storedName) {
-  const std::string name = ToPlatform(storedName);
-  const std::string key = TypeKey(name);
-  if (const auto known = m_types.find(key); known != m_types.end()) return known->second;
-  Type type{kStandByImage, CutToLimit(m_typeTextOf(name))};
-  if (key.empty() || type.text.empty()) return type;
-  type.icon = kFirstTypeImage + static_cast<int>(m_keys.size());
-  m_keys.push_back(key);
-  m_types.emplace(key, type);
-  return type;
 }
 
 TreeNode* Catalogue::FindRoot(const Path& carrier) const {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -11,20 +10,17 @@
 #include "base/files.h"
 #include "base/secret.h"
 #include "crypto/algorithm.h"
+#include "crypto/keys.h"
 
 namespace tarnel {
-
-/// The longest type text, in bytes.
-inline constexpr std::size_t kTypeTextLimit = 80;
 
 /// What all nodes and rows of one open hideout share.
 struct HideoutKey {
   Path carrier;             ///< full path; a carrier has one open hideout at most
   std::string carrierName;  ///< file name, stored text
-  Secret password;
+  Key password;
   Algorithm algorithm = Algorithm::Rijndael256;
-  std::string algorithmName;  ///< as the tag has it: a new hideout may read "TripleDES"
-  WipedText title;            ///< stored text
+  WipedText title;  ///< stored text
 };
 
 /// A node of DirView: a root for each open hideout, below it a node for each hidden folder.
@@ -59,39 +55,11 @@ struct MirrorRow {
   Position start;
   Length size = 0;   ///< of the payload
   std::string tail;  ///< encrypted record and trailer as stored, so R + 80 bytes
-  int icon = 2;
-  std::string typeText;
 
   std::string_view Field(std::string_view key) const;  ///< GetTag on the record
   std::string_view Name() const;                       ///< "?Fnm=<"
   std::string_view Folder() const;                     ///< "?Fldnm=<"
   Position End() const;                                ///< first byte behind the entry
-  /// What a list shows: 1 size in KB, 2 type, 3 date, 4 attributes, 5 folder, 6 "Yes" or "No" for compressed.
-  WipedText SubItem(int index) const;
-};
-
-/// The image list of the tree and the lists. Keys are extensions in the platform's bytes with ASCII letters
-/// in lower case, or "setup" for the names setup.exe and install.exe.
-class FileTypes {
- public:
-  /// `typeTextOf` names the type of a file name in the platform's bytes, such as "PNG image"; it touches no
-  /// file. What is longer than kTypeTextLimit is cut.
-  explicit FileTypes(std::function<std::string(const std::string& name)> typeTextOf);
-
-  struct Type {
-    int icon;
-    std::string text;
-  };
-  /// Image 2 is the stand-by, for names without extension and where there is no type text; a key not seen
-  /// before gets the next index, in the order of their coming.
-  Type Of(std::string_view storedName);
-  /// Keys in the order of their index, from 4 on (1 to 3 are carrier, folder or stand-by, open folder).
-  const std::vector<std::string>& Keys() const { return m_keys; }
-
- private:
-  std::function<std::string(const std::string&)> m_typeTextOf;
-  std::vector<std::string> m_keys;
-  std::map<std::string, Type, std::less<>> m_types;
 };
 
 /// The in-memory catalogue of all open hideouts: the tree DirView and the row table FileListMirror. Row

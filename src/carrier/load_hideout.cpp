@@ -1,14 +1,15 @@
 #include "carrier/load_hideout.h"
 
+#include <functional>
 #include <memory>
 #include <utility>
 
 #include "base/attempt.h"
 #include "carrier/busy_reading.h"
+#include "carrier/guarded_walk.h"
 #include "carrier/questions.h"
 #include "carrier/stored_text.h"
 #include "carrier/tags.h"
-#include "carrier/walk.h"
 
 namespace tarnel {
 
@@ -54,11 +55,11 @@ class Loader {
 
   End ReadEntries() {
     try {
-      if (!Open()) return End::Normal;
+      if (!m_walk.Open(m_reading.files, m_request.carrier)) return End::Normal;
       for (;;) {
         m_screen.Yield();
         if (m_reading.guards.AbortReadingFlag) return End::Aborted;
-        if (m_count > 0) m_screen.ShowReading(m_walk->Passed(), m_walk->CarrierSize());
+        if (m_count > 0) m_screen.ShowReading(m_walk.Entries().Passed(), m_walk.Entries().CarrierSize());
         const Step step = ReadEntry();
         if (step == Step::Done) return End::Normal;
         if (step == Step::KeepOpen) return End::KeptOpen;
@@ -68,24 +69,16 @@ class Loader {
     }
   }
 
-  bool Open() {
-    return Guarded([this] {
-             m_file = m_reading.files.OpenToRead(m_request.carrier);
-             m_walk = std::make_unique<Walk>(*m_file, m_request.carrier);
-           }) == Outcome::Done;
-  }
-
   Step ReadEntry() {
-    std::optional<EntryPlace> place;
-    const Outcome outcome = Guarded([&] { place = m_walk->Next(); });
-    m_faults.brokenAt = m_walk->BrokenAt();
-    if (outcome == Outcome::Ignored && m_lastError != ErrorNumber::BadRecordNumber)
-      m_faults.Note({Position{} + m_walk->CarrierSize() - m_walk->Passed(), {}, "it cannot be read"});
-    // The outcome first: after a throw g++ 12 may leave anything in `place`.
-    if (outcome == Outcome::Ignored || !place) return Step::Done;
+    const std::optional<EntryPlace> place = m_walk.Next();
+    const Walk& walk = m_walk.Entries();
+    m_faults.brokenAt = walk.BrokenAt();
+    if (m_walk.WasIgnored() && m_lastError != ErrorNumber::BadRecordNumber)
+      m_faults.Note({Position{} + walk.CarrierSize() - walk.Passed(), {}, "it cannot be read"});
+    if (!place) return Step::Done;
     JudgedEntry judged;
     std::string tail;
-    if (Guarded([&] { ReadTo(judged, tail, *place); }) == Outcome::Ignored) {
+    if (Try([&] { ReadTo(judged, tail, *place); }) == Outcome::Ignored) {
       m_faults.Note({place->start, {}, "its record cannot be read"});
       return PassOver();
     }
@@ -100,7 +93,7 @@ class Loader {
       case JudgedEntry::State::Whole:
         return Take({.place = *place, .record = std::move(judged.record), .tail = std::move(tail)});
       case JudgedEntry::State::Broken:
-        m_faults.brokenAt = m_walk->BrokenAt();
+        m_faults.brokenAt = walk.BrokenAt();
         return Step::Done;
       case JudgedEntry::State::Foreign:
         break;
@@ -110,8 +103,8 @@ class Loader {
 
   void ReadTo(JudgedEntry& judged, std::string& tail, const EntryPlace& place) {
     m_reading.current.SecondKey.clear();
-    JudgedEntry entry = Judge(*m_walk, place, m_request.algorithm, m_request.password);
-    if (entry.state == JudgedEntry::State::Whole) tail = m_walk->ReadTail();
+    JudgedEntry entry = Judge(m_walk.Entries(), place, m_request.algorithm, m_request.password);
+    if (entry.state == JudgedEntry::State::Whole) tail = m_walk.Entries().ReadTail();
     judged = std::move(entry);
   }
 
@@ -143,7 +136,6 @@ class Loader {
         .carrierName = ToStored(m_request.carrier.filename().native(), TextKind::PathComponent),
         .password = m_request.password,
         .algorithm = m_request.algorithm,
-        .algorithmName = AlgorithmName(m_request.algorithm),
         .title = WipedText(GetTag(newest.record, tag::kTitle)),
     });
   }
@@ -156,9 +148,6 @@ class Loader {
     row.size = entry.place.payload;
     row.tail = std::move(entry.tail);
     m_reading.catalogue.EnsureFolderNode(*m_root, row.Folder());
-    FileTypes::Type type = m_reading.types.Of(row.Name());
-    row.icon = type.icon;
-    row.typeText = std::move(type.text);
     m_reading.catalogue.AddRow(std::move(row));
     ++m_count;
   }
@@ -166,13 +155,7 @@ class Loader {
   LoadResult EndNormally() {
     if (m_count == 0) return LoadResult::NotFound;
     m_screen.HideoutLoaded(*m_root, m_count);
-    const HideoutKey& hideout = *m_root->hideout;
-    CurrentHideout& current = m_reading.current;
-    current.CurrentCarrierPath = hideout.carrier;
-    current.CurrentCarrierName = hideout.carrierName;
-    current.CurrentHideoutTitle = hideout.title;
-    current.CurrentAlgorithmId = hideout.algorithm;
-    current.CurrentPassword = hideout.password;
+    m_reading.current = CurrentOf(*m_root->hideout);
     return LoadResult::Loaded;
   }
 
@@ -182,10 +165,7 @@ class Loader {
     return m_count > 0 ? LoadResult::Aborted : LoadResult::NotFound;
   }
 
-  template <class Statement>
-  Outcome Guarded(Statement&& statement) {
-    return Attempt(m_screen, m_handler, std::forward<Statement>(statement));
-  }
+  Outcome Try(const std::function<void()>& statement) { return Attempt(m_screen, m_handler, statement); }
 
   const LoadRequest& m_request;
   Reading& m_reading;
@@ -195,18 +175,13 @@ class Loader {
     m_lastError = error.Number();
     return LoadErrorQuestion(error);
   }};
-  std::unique_ptr<File> m_file;
-  std::unique_ptr<Walk> m_walk;
+  GuardedWalk m_walk{[this](const std::function<void()>& step) { return Try(step); }};
   TreeNode* m_root = nullptr;
   std::size_t m_count = 0;
   ChainFaults m_faults;
 };
 
 }  // namespace
-
-void ReadingScreen::ShowFaults(const ChainFaults& faults) {
-  Ask(DamageMessage(faults));
-}
 
 LoadOutcome ReadHideout(const LoadRequest& request, Reading& reading, ReadingScreen& screen) {
   if (reading.guards.ReadingBusy) return {};

@@ -49,12 +49,12 @@ LoadOutcome TryAll(LoadRequest request, Reading& reading, OpeningScreen& screen)
 
 }  // namespace
 
-LoadResult TryPassword(const Path& carrier, const Secret& password, Reading& reading, OpeningScreen& screen) {
+LoadResult TryPassword(const Path& carrier, const Key& password, Reading& reading, OpeningScreen& screen) {
   if (reading.guards.ReadingBusy) return LoadResult::NotFound;
   {
     const BusyReading busy(reading.guards);
     reading.guards.TreeClickBlocked = true;
-    PrepareKey(password, [&screen] { screen.Yield(); });
+    password.Prepare([&screen] { screen.Yield(); });
   }
   const LoadOutcome outcome = TryAll({.carrier = carrier, .password = password}, reading, screen);
   const bool isStopped = reading.guards.AbortReadingFlag || outcome.result == LoadResult::KeptOpen;
@@ -63,21 +63,15 @@ LoadResult TryPassword(const Path& carrier, const Secret& password, Reading& rea
   return outcome.result;
 }
 
-TreeNode& CreateHideout(const Path& carrier, const Secret& password, std::string_view title,
-                        Algorithm algorithm, std::string_view algorithmName, Reading& reading) {
+TreeNode& CreateHideout(const Path& carrier, const Key& password, std::string_view title, Algorithm algorithm,
+                        Reading& reading) {
   auto hideout = std::make_shared<const HideoutKey>(
       HideoutKey{.carrier = carrier,
                  .carrierName = ToStored(carrier.filename().native(), TextKind::PathComponent),
                  .password = password,
                  .algorithm = algorithm,
-                 .algorithmName = std::string(algorithmName),
                  .title = WipedText(ToStored(title, TextKind::Plain))});
-  reading.current = {.CurrentCarrierPath = carrier,
-                     .CurrentCarrierName = hideout->carrierName,
-                     .CurrentHideoutTitle = hideout->title,
-                     .CurrentAlgorithmId = algorithm,
-                     .CurrentPassword = password,
-                     .SecondKey = {}};
+  reading.current = CurrentOf(*hideout);
   reading.catalogue.RemoveCarrier(carrier);
   return reading.catalogue.AddRoot(std::move(hideout), {});
 }

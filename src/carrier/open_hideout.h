@@ -6,6 +6,9 @@
 
 namespace tarnel {
 
+/// The title of a new hideout where nobody has typed another.
+inline constexpr const char* kPresetTitle = "New Hideout";
+
 /// What the opening form shows beside reading.
 class OpeningScreen : public ReadingScreen {
  public:
@@ -19,13 +22,13 @@ class OpeningScreen : public ReadingScreen {
 /// ends one try only. NotFound at once if another operation is reading. What is wrong with the carrier goes
 /// to ShowFaults, also where no try has loaded anything: then a hideout of this password may be there all the
 /// same.
-LoadResult TryPassword(const Path& carrier, const Secret& password, Reading& reading, OpeningScreen& screen);
+LoadResult TryPassword(const Path& carrier, const Key& password, Reading& reading, OpeningScreen& screen);
 
 /// Makes a hideout without entries: it has no bytes in the carrier before something is hidden. A hideout open
 /// on this carrier is closed without a question; its entries stay in the file. Makes the new one current.
-/// `title` is the text as typed, not yet stored text; `algorithmName` as chosen, so it may be "TripleDES".
-TreeNode& CreateHideout(const Path& carrier, const Secret& password, std::string_view title,
-                        Algorithm algorithm, std::string_view algorithmName, Reading& reading);
+/// `title` is the text as typed, not yet stored text.
+TreeNode& CreateHideout(const Path& carrier, const Key& password, std::string_view title, Algorithm algorithm,
+                        Reading& reading);
 
 /// What is wrong with the input of the creating side, in the order in which it is checked.
 enum class NewHideoutFault { NoPassword, NoTitle, ConfirmationDiffers, CarrierMissing };

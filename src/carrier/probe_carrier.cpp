@@ -1,11 +1,12 @@
-#include <memory>
+#include "carrier/probe_carrier.h"
+
+#include <functional>
 #include <utility>
 
 #include "base/attempt.h"
-#include "carrier/load_hideout.h"
+#include "carrier/guarded_walk.h"
 #include "carrier/questions.h"
 #include "carrier/tags.h"
-#include "carrier/walk.h"
 
 namespace tarnel {
 
@@ -31,7 +32,7 @@ class Prober {
 
  private:
   ProbeResult Search() {
-    bool goOn = Open();
+    bool goOn = m_walk.Open(m_reading.files, m_request.carrier);
     while (goOn) {
       m_dialogue.Yield();
       if (m_reading.guards.SearchAbort) return {};
@@ -41,22 +42,13 @@ class Prober {
     return std::move(m_result);
   }
 
-  bool Open() {
-    return Guarded([this] {
-             m_file = m_reading.files.OpenToRead(m_request.carrier);
-             m_walk = std::make_unique<Walk>(*m_file, m_request.carrier);
-           }) == Outcome::Done;
-  }
-
   /// Looks at the next entry. False at the end of the search.
   bool Look() {
-    std::optional<EntryPlace> place;
-    const Outcome outcome = Guarded([&] { place = m_walk->Next(); });
-    // The outcome first: after a throw g++ 12 may leave anything in `place`.
-    if (outcome == Outcome::Ignored || !place) return false;
+    if (!m_walk.Next()) return false;
     WipedText record;
-    Guarded([&] {
-      record = m_walk->DecryptRecord(m_request.algorithm, m_request.password, m_reading.current.SecondKey);
+    Try([&] {
+      record = m_walk.Entries().DecryptRecord(m_request.algorithm, m_request.password,
+                                              m_reading.current.SecondKey);
     });
     m_result.found = !GetTag(record, tag::kName).empty();
     if (m_result.found) m_result.title = GetTag(record, tag::kTitle);
@@ -64,8 +56,7 @@ class Prober {
   }
 
   /// As Attempt, but a BadRecordNumber ends the search without a question.
-  template <class Statement>
-  Outcome Guarded(Statement&& statement) {
+  Outcome Try(const std::function<void()>& statement) {
     return Attempt(m_dialogue, m_handler, [&] {
       try {
         statement();
@@ -80,8 +71,7 @@ class Prober {
   Reading& m_reading;
   Dialogue& m_dialogue;
   const ErrorHandler m_handler{ProbeErrorQuestion};
-  std::unique_ptr<File> m_file;
-  std::unique_ptr<Walk> m_walk;
+  GuardedWalk m_walk{[this](const std::function<void()>& step) { return Try(step); }};
   ProbeResult m_result;
 };
 

@@ -18,7 +18,7 @@ Question Refusal(const char* id, const char* text) {
 }  // namespace
 
 Question LoadErrorQuestion(const Error& error) {
-  return ErrorQuestion(error, "load.error", kTitle, LineBreak::CrLf, Answer::Abort);
+  return ErrorQuestion(error, question_id::kLoadError, kTitle, LineBreak::CrLf, Answer::Abort);
 }
 
 Question ProbeErrorQuestion(const Error& error) {
@@ -26,7 +26,7 @@ Question ProbeErrorQuestion(const Error& error) {
 }
 
 Question ReloadQuestion() {
-  return {.id = "load.reload",
+  return {.id = question_id::kReload,
           .title = kTitle,
           .text = "This carrier file is opened already! Do you want to reload it?",
           .buttons = Buttons::YesNo,

@@ -7,6 +7,12 @@
 
 namespace tarnel {
 
+/// What those who answer by rule know questions by.
+namespace question_id {
+inline constexpr const char* kLoadError = "load.error";
+inline constexpr const char* kReload = "load.reload";
+}  // namespace question_id
+
 /// All that reading, opening and creating a hideout says in boxes.
 
 Question LoadErrorQuestion(const Error& error);   ///< "load.error"

@@ -42,9 +42,9 @@ RecordFields ReadRecord(std::string_view record) {
           .mtime = field(tag::kMtime)};
 }
 
-std::string SealEntry(std::string_view plainRecord, Length payload, Algorithm algorithm,
-                      const Secret& password, std::string& secondKey) {
-  const std::string text = CipherEncryptString(algorithm, plainRecord, TextForm::Base64, password, secondKey);
+std::string SealEntry(std::string_view plainRecord, Length payload, Algorithm algorithm, const Key& key,
+                      std::string& secondKey) {
+  const std::string text = CipherEncryptString(algorithm, plainRecord, TextForm::Base64, key, secondKey);
   if (text.empty()) {
     throw Error(ErrorNumber::InvalidPropertyValue,
                 "cannot encrypt a record with " + AlgorithmName(algorithm) + ": it has no cipher");

@@ -7,6 +7,7 @@
 #include "base/files.h"
 #include "base/secret.h"
 #include "crypto/algorithm.h"
+#include "crypto/keys.h"
 
 namespace tarnel {
 
@@ -34,7 +35,7 @@ WipedText BuildRecord(const RecordFields& fields, RecordWriter writer);
 RecordFields ReadRecord(std::string_view record);
 
 /// Everything that follows the payload of an entry: the encrypted record as Base64 text, then the trailer.
-std::string SealEntry(std::string_view plainRecord, Length payload, Algorithm algorithm,
-                      const Secret& password, std::string& secondKey);
+std::string SealEntry(std::string_view plainRecord, Length payload, Algorithm algorithm, const Key& key,
+                      std::string& secondKey);
 
 }  // namespace tarnel

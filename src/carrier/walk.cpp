@@ -73,6 +73,12 @@ bool Walk::IsBehindAnEntry(Position start) {
          ReadLengthField(fields.substr(kLengthFieldSize)).holds;
 }
 
+WalkEnd Walk::End() const {
+  if (m_brokenAt) return WalkEnd::Broken;
+  if (m_ended) return WalkEnd::Normal;
+  return m_hasEntry && m_cursor < Position{} ? WalkEnd::BodyTooShort : WalkEnd::None;
+}
+
 void Walk::BreakHere() {
   m_ended = true;
   m_brokenAt = m_entry.Trailer();

@@ -24,6 +24,14 @@ struct EntryPlace {
   }  ///< first byte behind the entry
 };
 
+/// Why a walk has come to its end.
+enum class WalkEnd {
+  None,          ///< it hasn't
+  Normal,        ///< the bytes of the body are no trailer, or too few for a look
+  BodyTooShort,  ///< the same for a body of exactly 79 bytes, where Next throws
+  Broken,        ///< at BrokenAt
+};
+
 /// Goes through the entries of a carrier from its end. Of payloads it reads no more than what shares a small
 /// block with a trailer.
 ///
@@ -61,6 +69,8 @@ class Walk {
   /// The first byte of the trailer at which the chain of entries is known to be broken. What lies before it
   /// is out of reach.
   const std::optional<Position>& BrokenAt() const { return m_brokenAt; }
+
+  WalkEnd End() const;
 
   /// Ends the walk at the current entry, whose trailer has turned out to be wrong.
   void BreakHere();

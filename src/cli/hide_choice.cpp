@@ -5,6 +5,7 @@
 #include "base/printable.h"
 #include "cli/entries.h"
 #include "cli/globs.h"
+#include "hiding/questions.h"
 
 namespace tarnel {
 
@@ -42,7 +43,7 @@ void HideChoice::Collect() {
   if (m_around.talk.CancelRequested()) throw CliFailure(ExitCode::Cancelled, "cancelled");
   TakeRows();
   Say();
-  if (m_rows.empty()) throw CliFailure(ExitCode::Failed, "There are no files to hide!");
+  if (m_rows.empty()) throw CliFailure(ExitCode::Failed, NoFilesQuestion().text);
 }
 
 void HideChoice::Name(const std::string& given) {

@@ -4,6 +4,10 @@
 #include <map>
 #include <vector>
 
+#include "base/destruction_questions.h"
+#include "carrier/questions.h"
+#include "retrieval/questions.h"
+
 namespace tarnel {
 
 namespace {
@@ -12,15 +16,13 @@ constexpr int kMostRetries = 3;
 
 /// Questions that the command itself answers: nobody looks at a hideout after an abort, and an update was
 /// asked for, as the trash was with --originals=trash.
-const std::map<std::string, Answer> kSettled = {
-    {"load.reload", Answer::No}, {"update.confirm", Answer::Yes}, {"trash.confirm", Answer::Yes}};
-
-constexpr const char* kWalkQuestion = "load.error";
-constexpr const char* kDamagedQuestion = "extract.damaged";
+const std::map<std::string, Answer> kSettled = {{question_id::kReload, Answer::No},
+                                                {question_id::kUpdate, Answer::Yes},
+                                                {question_id::kTrash, Answer::Yes}};
 
 /// Entries that are passed over where nobody can be asked, for the others are wanted all the same.
 bool ConcernsOneEntry(const Question& question) {
-  return question.id == kDamagedQuestion || question.id == "extract.name";
+  return question.id == question_id::kDamagedEntry || question.id == question_id::kEntryName;
 }
 
 struct Key {
@@ -84,13 +86,13 @@ std::string TextOf(const Question& question) {
 }
 
 bool IsBrokenWalk(const Question& question) {
-  return question.id == kWalkQuestion && question.cause &&
+  return question.id == question_id::kLoadError && question.cause &&
          question.cause->Number() == ErrorNumber::BadRecordNumber;
 }
 
 CliFailure FailureOf(const Question& question) {
   if (!question.cause) return CliFailure(ExitCode::Failed, question.text);
-  if (question.id == kDamagedQuestion) return CliFailure(ExitCode::Damaged, *question.cause);
+  if (question.id == question_id::kDamagedEntry) return CliFailure(ExitCode::Damaged, *question.cause);
   return CliFailure(*question.cause);
 }
 
@@ -129,7 +131,7 @@ Answer TerminalDialogue::AnswerError(const Question& question) {
   const std::optional<Answer> ruled = AnswerByRule(question);
   const Answer answer = ruled ? *ruled : AskPerson(question);
   if (ruled && answer != Answer::Abort) SayAnswer(question, answer);
-  const bool isIgnoredWalk = answer == Answer::Ignore && question.id == kWalkQuestion;
+  const bool isIgnoredWalk = answer == Answer::Ignore && question.id == question_id::kLoadError;
   if (answer == Answer::Abort) m_aborted = text;
   if (answer == Answer::Abort || isIgnoredWalk) m_failure = FailureOf(question);
   return answer;

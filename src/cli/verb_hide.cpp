@@ -16,8 +16,6 @@ namespace tarnel {
 
 namespace {
 
-constexpr const char* kDefaultTitle = "New Hideout";
-
 enum class Hideout { Joined, Made };
 
 /// Of what may lie beside a carrier a hide replaces the ".bak" only.
@@ -129,8 +127,8 @@ void HideVerb::MakeHideout(const GivenPassword& password) {
   }
   SayWhetherWeak(password.secret, m_around.messages);
   const Algorithm algorithm = m_options.algorithm.value_or(Algorithm::Rijndael256);
-  CreateHideout(m_bench.Carrier(), password.secret, m_options.title.value_or(kDefaultTitle), algorithm,
-                AlgorithmName(algorithm), m_bench.GetReading());
+  CreateHideout(m_bench.Carrier(), Key(password.secret), m_options.title.value_or(kPresetTitle), algorithm,
+                m_bench.GetReading());
   m_hideout = Hideout::Made;
 }
 

@@ -34,7 +34,7 @@ ExitCode RunVerb(const PasswdOptions& options, Surroundings& around) {
   const Secret fresh =
       ObtainNewPassword(options.newPassword, around.options.noInput, around.terminal, around.messages);
   const PasswordRequest request{.oldPassword = bench.Current().CurrentPassword,
-                                .newPassword = fresh,
+                                .newPassword = Key(fresh),
                                 .confirmation = fresh,
                                 .leftover = leftover};
   RewriteOnTerminal screen(around.talk, "Changing the password");

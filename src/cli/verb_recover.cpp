@@ -27,8 +27,8 @@ class RecoverVerb {
     PutBytes(m_around.report, "carrier", m_options.carrier);
     m_around.messages.ShowAs(m_carrier, m_options.carrier);
     MustExist();
-    m_password =
-        ObtainPassword(m_around.options, m_around.variables, m_around.terminal, m_around.messages).secret;
+    m_password = Key(
+        ObtainPassword(m_around.options, m_around.variables, m_around.terminal, m_around.messages).secret);
     if (!LeftoversBeside(m_carrier, m_around.files).empty()) SettleCopies();
     if (m_taken == m_carrier) MendChain();
     Report();
@@ -50,7 +50,7 @@ class RecoverVerb {
   const RecoverOptions& m_options;
   Surroundings& m_around;
   const Path m_carrier;
-  Secret m_password;
+  Key m_password;
   RecoverPlan m_plan;
   Path m_taken = m_carrier;           ///< which copy is the carrier now
   std::vector<Path> m_kept;           ///< what the others are called
@@ -138,7 +138,7 @@ void RecoverVerb::MendChain() {
 
 MendPlan RecoverVerb::PlanTheMending(File& carrier) {
   PlainOnTerminal dialogue(m_around.talk);
-  PrepareKey(m_password, [&dialogue] { dialogue.Yield(); });
+  m_password.Prepare([&dialogue] { dialogue.Yield(); });
   MendPlan plan = PlanMending(carrier, m_password, dialogue);
   if (plan.entries == 0) {
     throw CliFailure(ExitCode::NoHideout, "nothing in " + Printable(m_options.carrier) +

@@ -51,9 +51,10 @@ ExitCode RunVerb(const SalvageOptions& options, Surroundings& around) {
   const GivenPassword password =
       ObtainPassword(around.options, around.variables, around.terminal, around.messages);
   SalvageOnTerminal screen(around.talk);
-  PrepareKey(password.secret, [&screen] { screen.Yield(); });
+  const Key key(password.secret);
+  key.Prepare([&screen] { screen.Yield(); });
   const SalvageRequest request{.carrier = bench.Carrier(), .target = options.target};
-  const SalvageResult result = RunSalvage(request, password.secret, around.files, screen);
+  const SalvageResult result = RunSalvage(request, key, around.files, screen);
   around.talk.Progress().Clear();
   if (result.ending == SalvageEnding::Aborted) throw around.talk.LastFailure();
   if (result.ending == SalvageEnding::Cancelled) {

@@ -59,10 +59,9 @@ ExitCode RunVerb(const SearchOptions& options, Surroundings& around) {
     if (!around.options.json) around.terminal.Write(around.messages.Shown(LineOf(row)));
   });
   Catalogue catalogue;
-  FileTypes types([](const std::string&) { return std::string(); });
   ReadingGuards guards;
   CurrentHideout current;
-  Reading reading{around.files, catalogue, types, guards, current};
+  Reading reading{around.files, catalogue, guards, current};
   SearchResults results;
   const SearchRequest request = RequestFor(options, std::move(password.secret));
   const SearchSummary summary = SearchFolder(folder, request, results, reading, screen);

@@ -6,6 +6,7 @@
 #include "cli/entries.h"
 #include "cli/screens.h"
 #include "cli/verbs.h"
+#include "crypto/keys.h"
 #include "retrieval/recover.h"
 #include "retrieval/verify.h"
 
@@ -83,6 +84,7 @@ ExitCode Worse(ExitCode a, ExitCode b) {
 ExitCode VerifyVerb::Run() {
   const Secret password =
       ObtainPassword(m_around.options, m_around.variables, m_around.terminal, m_around.messages).secret;
+  const Key held(password);  // so that it is derived once for all carriers
   m_around.report["carriers"] = Json::array();
   ExitCode code = ExitCode::Done;
   for (const std::string& carrier : m_options.carriers)
@@ -123,7 +125,7 @@ ExitCode VerifyVerb::VerifyOne(const std::string& carrier, const Secret& passwor
   Workbench bench(carrier, m_around);
   bench.OpenWith(password);
   VerifyOnTerminal screen(m_around.talk);
-  VerifyResult result = RunVerify(bench.Carrier(), bench.Key(), m_around.files, screen);
+  VerifyResult result = RunVerify(bench.Carrier(), bench.Hideout(), m_around.files, screen);
   m_around.talk.Progress().Clear();
   if (result.cancelled) throw CliFailure(ExitCode::Cancelled, "cancelled before all entries were read");
   const ExitCode whole = CodeOf(result);

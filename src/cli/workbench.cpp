@@ -26,8 +26,7 @@ Workbench::Workbench(const std::string& given, Surroundings& around)
     : m_around(around),
       m_given(given),
       m_carrier(FindCarrier(given, around.files)),
-      m_types([](const std::string&) { return std::string(); }),
-      m_reading{around.files, m_catalogue, m_types, m_guards, m_current} {
+      m_reading{around.files, m_catalogue, m_guards, m_current} {
   around.messages.ShowAs(m_carrier, given);
   PutBytes(around.report, "carrier", given);
 }
@@ -65,7 +64,7 @@ void Workbench::OpenWith(const Secret& password) {
 bool Workbench::TryOpen(const Secret& password) {
   if (m_around.files.OpenToRead(m_carrier)->Size() < Length{kTrailerSize}) return false;
   OpeningOnTerminal screen(m_around.talk, m_guards);
-  const LoadResult result = TryPassword(m_carrier, password, m_reading, screen);
+  const LoadResult result = TryPassword(m_carrier, Key(password), m_reading, screen);
   m_around.talk.Progress().Clear();
   m_faults = screen.Faults();
   if (m_around.talk.CancelRequested()) throw CliFailure(ExitCode::Cancelled, "cancelled");

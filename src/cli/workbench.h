@@ -50,7 +50,7 @@ class Workbench {
   const CurrentHideout& Current() const { return m_current; }
   /// The entries of the open hideout, newest first.
   const std::vector<MirrorRow>& Rows() const { return m_catalogue.Rows(); }
-  const HideoutKey& Key() const { return *m_catalogue.Roots().front()->hideout; }
+  const HideoutKey& Hideout() const { return *m_catalogue.Roots().front()->hideout; }
 
   /// The title as the platform's bytes.
   std::string Title() const;
@@ -64,7 +64,6 @@ class Workbench {
   std::string m_given;
   Path m_carrier;
   Catalogue m_catalogue;
-  FileTypes m_types;
   ReadingGuards m_guards;
   CurrentHideout m_current;
   Reading m_reading;

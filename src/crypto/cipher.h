@@ -16,8 +16,8 @@ namespace tarnel {
 /// Every operation takes a key and, behind it, a second key string. That string is set to empty before
 /// anything else happens; it is a parameter for the sake of the callers' interfaces only. An algorithm
 /// without a cipher gives the empty string, and for files true with nothing written. The first use of a pass
-/// phrase derives its key, which takes a fifth of a second; PrepareKey does that beforehand without freezing
-/// a window.
+/// phrase derives its key, which takes a fifth of a second; Key::Prepare does that beforehand without
+/// freezing a window.
 
 enum class TextForm { Raw, Base64 };
 

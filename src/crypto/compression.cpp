@@ -20,7 +20,6 @@ namespace {
 constexpr std::size_t kPiece = std::size_t{64} * 1024;
 constexpr std::size_t kStretch = 8 * kPiece;
 constexpr std::size_t kSizeBytes = 4;
-constexpr int kPresetLevel = 6;
 
 void SetInput(z_stream& stream, Bytes bytes) {
   stream.next_in = const_cast<Bytef*>(bytes.data());  // zlib reads only, whatever its type says
@@ -76,7 +75,7 @@ struct CompressingSource::State {
 CompressingSource::State::State(ByteSource& source, Length size, int theLevel, std::size_t workers)
     : plain(source),
       remaining(size),
-      level(theLevel == Z_DEFAULT_COMPRESSION ? kPresetLevel : theLevel),
+      level(theLevel == Z_DEFAULT_COMPRESSION ? kPresetCompressionLevel : theLevel),
       phase(size == 0 ? Phase::Done : Phase::Head),
       parts(workers == 0 ? 1 : workers + 2),
       compressors(workers + 1),

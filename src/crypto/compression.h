@@ -9,6 +9,9 @@
 
 namespace tarnel {
 
+/// The zlib level where nobody has chosen another.
+inline constexpr int kPresetCompressionLevel = 6;
+
 /// The compressed form of a file: its size as four bytes, little-endian, signed, then a zlib stream (RFC
 /// 1950). An empty file has an empty compressed form. Works in pieces; memory doesn't grow with the file.
 

@@ -3,14 +3,13 @@
 #include <botan/hash.h>
 #include <botan/pwdhash.h>
 
-#include <algorithm>
-#include <array>
 #include <chrono>
 #include <functional>
 #include <future>
 #include <map>
 #include <mutex>
 #include <utility>
+#include <vector>
 
 #include "crypto/cipher_suite.h"
 #include "crypto/string_cipher.h"
@@ -46,68 +45,58 @@ WipedBytes DeriveMasterKey(const Secret& passPhrase) {
 }  // namespace
 
 struct Key::Keys {
+  explicit Keys(Secret text) : phrase(std::move(text)) {}
   explicit Keys(WipedBytes master) : masterKey(std::move(master)) {}
 
-  const WipedBytes masterKey;
+  const WipedBytes& Master() {
+    const std::scoped_lock lock(mutex);
+    if (masterKey.empty()) masterKey = DeriveMasterKey(phrase);
+    return masterKey;
+  }
+
+  Secret phrase;
   std::mutex mutex;
+  WipedBytes masterKey;  ///< empty until it is derived
   std::map<Algorithm, std::shared_ptr<StringCipher>> strings;
 };
 
-/// The keys of all pass phrases that were used since ForgetKeys.
-class KeyRing {
+/// Those that some handle holds.
+class LivingKeys {
  public:
-  static KeyRing& Get() {
-    static KeyRing ring;
-    return ring;
+  static LivingKeys& Get() {
+    static LivingKeys keys;
+    return keys;
   }
 
-  bool Knows(const Secret& passPhrase) {
+  std::shared_ptr<Key::Keys> Of(const Secret& passPhrase) {
     const std::scoped_lock lock(m_mutex);
-    return m_keys.contains(IdOf(passPhrase));
-  }
-
-  void Keep(const Secret& passPhrase, WipedBytes masterKey) {
-    const std::scoped_lock lock(m_mutex);
-    m_keys.try_emplace(IdOf(passPhrase), std::make_shared<Key::Keys>(std::move(masterKey)));
-  }
-
-  /// Unlocks for the derivation, so that nobody waits for another pass phrase's key.
-  std::shared_ptr<Key::Keys> KeysOf(const Secret& passPhrase) {
-    std::unique_lock lock(m_mutex);
-    const Id id = IdOf(passPhrase);
-    auto found = m_keys.find(id);
-    if (found == m_keys.end()) {
-      lock.unlock();
-      auto keys = std::make_shared<Key::Keys>(DeriveMasterKey(passPhrase));
-      lock.lock();
-      found = m_keys.try_emplace(id, std::move(keys)).first;
+    std::erase_if(m_keys, [](const auto& keys) { return keys.expired(); });
+    for (const std::weak_ptr<Key::Keys>& known : m_keys) {
+      std::shared_ptr<Key::Keys> keys = known.lock();
+      if (keys && keys->phrase == passPhrase) return keys;
     }
-    return found->second;
+    auto keys = std::make_shared<Key::Keys>(passPhrase);
+    m_keys.push_back(keys);
+    return keys;
   }
 
-  void Forget() {
+  void Wipe() {
     const std::scoped_lock lock(m_mutex);
-    m_keys.clear();
+    for (const std::weak_ptr<Key::Keys>& known : m_keys) {
+      if (const std::shared_ptr<Key::Keys> keys = known.lock()) {
+        keys->phrase.Clear();
+        tarnel::Wipe(keys->masterKey.data(), keys->masterKey.size());
+        keys->strings.clear();
+      }
+    }
   }
 
  private:
-  /// Of a fixed size, for its comparison is quicker than that of vectors.
-  using Id = std::array<unsigned char, kMasterKeyBytes>;
-  using Kept = std::shared_ptr<Key::Keys>;
-
-  Id IdOf(const Secret& passPhrase) {
-    const WipedBytes digest = Sha256(*m_hash, passPhrase.View());
-    Id id;
-    std::copy_n(digest.begin(), id.size(), id.begin());
-    return id;
-  }
-
   std::mutex m_mutex;
-  std::unique_ptr<Botan::HashFunction> m_hash = Botan::HashFunction::create_or_throw("SHA-256");
-  std::map<Id, Kept, std::less<>, WipingAllocator<std::pair<const Id, Kept>>> m_keys;
+  std::vector<std::weak_ptr<Key::Keys>> m_keys;
 };
 
-Key::Key(const Secret& passPhrase) : m_keys(KeyRing::Get().KeysOf(passPhrase)) {}
+Key::Key(const Secret& passPhrase) : m_keys(LivingKeys::Get().Of(passPhrase)) {}
 
 const Key& Key::OfLengthFields() {
   static const Key key(
@@ -115,29 +104,41 @@ const Key& Key::OfLengthFields() {
   return key;
 }
 
+void Key::Prepare(const std::function<void()>& yield) const {
+  {
+    const std::scoped_lock lock(m_keys->mutex);
+    if (!m_keys->masterKey.empty()) return;
+  }
+  using namespace std::chrono_literals;
+  // The default policy derives in get() if there is no thread to be had.
+  auto derived = std::async([keys = m_keys] { keys->Master(); });
+  while (derived.wait_for(20ms) == std::future_status::timeout)
+    yield();
+  derived.get();
+}
+
+bool Key::IsOf(const Secret& passPhrase) const {
+  return m_keys->phrase == passPhrase;
+}
+
+bool Key::operator==(const Key& other) const {
+  return m_keys == other.m_keys || m_keys->phrase == other.m_keys->phrase;
+}
+
 const WipedBytes& Key::Master() const {
-  return m_keys->masterKey;
+  return m_keys->Master();
 }
 
 std::shared_ptr<StringCipher> Key::Strings(const CipherSuite& suite) const {
+  const WipedBytes& master = m_keys->Master();
   const std::scoped_lock lock(m_keys->mutex);
   std::shared_ptr<StringCipher>& cipher = m_keys->strings[suite.algorithm];
-  if (cipher == nullptr) cipher = std::make_shared<StringCipher>(suite, m_keys->masterKey);
+  if (cipher == nullptr) cipher = std::make_shared<StringCipher>(suite, master);
   return cipher;
 }
 
-void PrepareKey(const Secret& passPhrase, const std::function<void()>& yield) {
-  if (KeyRing::Get().Knows(passPhrase)) return;
-  using namespace std::chrono_literals;
-  // The default policy derives in get() if there is no thread to be had.
-  auto derived = std::async(DeriveMasterKey, passPhrase);
-  while (derived.wait_for(20ms) == std::future_status::timeout)
-    yield();
-  KeyRing::Get().Keep(passPhrase, derived.get());
-}
-
-void ForgetKeys() {
-  KeyRing::Get().Forget();
+void WipeAllKeys() {
+  LivingKeys::Get().Wipe();
 }
 
 }  // namespace tarnel

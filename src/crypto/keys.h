@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
 
 #include "base/secret.h"
 
@@ -10,35 +11,42 @@ namespace tarnel {
 struct CipherSuite;
 class StringCipher;
 
-/// A handle to a master key and to the key schedules made from it. Copies share them; the last one wipes
-/// them. May be used by several threads.
+/// A handle to what a pass phrase opens: the phrase, its master key and the key schedules made from it. This
+/// is what travels; the phrase itself stands in one place. Copies share it, and so do handles of one phrase
+/// that live at one time; the last one wipes it. May be used by several threads.
 class Key {
  public:
-  /// The key of a pass phrase, which is derived at its first use and then known until ForgetKeys.
-  Key(const Secret& passPhrase);  // NOLINT(google-explicit-constructor)
+  /// The key of the empty phrase.
+  Key() : Key(Secret()) {}
+
+  /// Derives nothing yet: the master key is made at its first use, which takes a fifth of a second, or by
+  /// Prepare.
+  explicit Key(const Secret& passPhrase);
 
   /// The public key of the length fields: the same in every carrier, whatever pass phrases read like its
   /// text.
   static const Key& OfLengthFields();
 
+  /// Derives the master key on a helper thread and calls `yield` at least every 50 ms meanwhile. A no-op for
+  /// a key that has one.
+  void Prepare(const std::function<void()>& yield) const;
+
+  /// Whether this is the phrase's key.
+  bool IsOf(const Secret& passPhrase) const;
+  bool operator==(const Key& other) const;
+
   const WipedBytes& Master() const;
   std::shared_ptr<StringCipher> Strings(const CipherSuite& suite) const;
 
  private:
-  friend class KeyRing;
+  friend class LivingKeys;
   struct Keys;
   explicit Key(std::shared_ptr<Keys> keys) : m_keys(std::move(keys)) {}
 
   std::shared_ptr<Keys> m_keys;
 };
 
-/// Derives and keeps the master key of `passPhrase`, so that later cipher calls find it. While the derivation
-/// runs on a helper thread, `yield` is called at least every 50 ms on the caller's thread. A no-op for a
-/// known phrase.
-void PrepareKey(const Secret& passPhrase, const std::function<void()>& yield);
-
-/// Lets go of all master keys, and of all key schedules made from them. Those that a Key still holds are
-/// wiped with it.
-void ForgetKeys();
+/// Wipes all phrases and keys for the end of a process that unwinds nothing. No Key may be used afterwards.
+void WipeAllKeys();
 
 }  // namespace tarnel

@@ -13,6 +13,7 @@
 #include "base/formats.h"
 #include "base/pace.h"
 #include "base/printable.h"
+#include "carrier/load_hideout.h"
 #include "carrier/payload.h"
 #include "carrier/record.h"
 #include "carrier/stored_text.h"
@@ -153,7 +154,7 @@ void HideRun::RefuseWhatCannotBeHidden() {
 }
 
 void HideRun::PrepareTheKey() {
-  PrepareKey(m_hideout.CurrentPassword, [this] { m_screen.Yield(); });
+  m_hideout.CurrentPassword.Prepare([this] { m_screen.Yield(); });
   std::string secondKey;
   const std::string probe = CipherEncryptString(m_hideout.CurrentAlgorithmId, "probe", TextForm::Raw,
                                                 m_hideout.CurrentPassword, secondKey);

@@ -6,7 +6,8 @@
 
 #include "base/dialogue.h"
 #include "base/files.h"
-#include "carrier/load_hideout.h"
+#include "carrier/reading.h"
+#include "crypto/compression.h"
 
 namespace tarnel {
 
@@ -48,7 +49,7 @@ struct HideRequest {
   std::vector<HideRow> rows;
   double totalBytes = 0;  ///< sum of the rows' sizes: the first maximum of the progress bar
   bool compress = false;
-  int compressionLevel = 6;
+  int compressionLevel = kPresetCompressionLevel;
   bool saveFolders = true;
   bool writeProtect = false;
   bool keepTimes = false;  ///< the sources' times of last change go into the records

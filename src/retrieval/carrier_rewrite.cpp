@@ -277,7 +277,7 @@ RewriteEnding EndingOf(const Stop& stop) {
   return stop.reason == StopReason::Cancelled ? RewriteEnding::Cancelled : RewriteEnding::Aborted;
 }
 
-LoadResult Reload(const Secret& password, Reading& reading, RewriteScreen& screen) {
+LoadResult Reload(const Key& password, Reading& reading, RewriteScreen& screen) {
   return LoadHideout({.carrier = reading.current.CurrentCarrierPath,
                       .password = password,
                       .algorithm = reading.current.CurrentAlgorithmId,

@@ -157,6 +157,6 @@ class CarrierRewrite {
 RewriteEnding EndingOf(const Stop& stop);
 
 /// Reads the current hideout again, whatever is open.
-LoadResult Reload(const Secret& password, Reading& reading, RewriteScreen& screen);
+LoadResult Reload(const Key& password, Reading& reading, RewriteScreen& screen);
 
 }  // namespace tarnel

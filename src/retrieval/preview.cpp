@@ -65,7 +65,7 @@ class Viewing {
 
 ViewResult Viewing::Run() {
   try {
-    PrepareKey(m_reading.current.CurrentPassword, [this] { m_screen.Yield(); });
+    m_reading.current.CurrentPassword.Prepare([this] { m_screen.Yield(); });
     Must([this] { MakeFolder(); });
     m_screen.ShowExtractingTo(m_folder->Where() / m_name);
     m_screen.Yield();

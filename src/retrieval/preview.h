@@ -6,7 +6,7 @@
 #include "base/dialogue.h"
 #include "base/files.h"
 #include "carrier/catalogue.h"
-#include "carrier/load_hideout.h"
+#include "carrier/reading.h"
 
 namespace tarnel {
 

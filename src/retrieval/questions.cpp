@@ -41,8 +41,8 @@ Question NotReplaced(const char* id, const char* advice, const Path& temporary, 
 
 Question ExtractError(const Error& error, ExtractFault fault) {
   const char* id = "extract.error";
-  if (fault == ExtractFault::Damaged) id = "extract.damaged";
-  if (fault == ExtractFault::Name) id = "extract.name";
+  if (fault == ExtractFault::Damaged) id = question_id::kDamagedEntry;
+  if (fault == ExtractFault::Name) id = question_id::kEntryName;
   return ErrorQuestion(error, id, kExtracting, LineBreak::LfCr, Answer::Abort);
 }
 
@@ -109,7 +109,7 @@ Question PreviewMissing() {
 }
 
 Question ConfirmUpdate(std::string_view oldSize, std::string_view newSize) {
-  return YesOrNo("update.confirm", kTitle,
+  return YesOrNo(question_id::kUpdate, kTitle,
                  "The original file size is: " + std::string(oldSize) + " Bites\r\nThe new file size is: " +
                      std::string(newSize) + " Bites\r\n\r\nDo you really want to update?",
                  Answer::No);

@@ -8,6 +8,13 @@
 #include "carrier/chain.h"
 #include "retrieval/run_password.h"
 
+/// What those who answer by rule know questions by.
+namespace tarnel::question_id {
+inline constexpr const char* kDamagedEntry = "extract.damaged";
+inline constexpr const char* kEntryName = "extract.name";
+inline constexpr const char* kUpdate = "update.confirm";
+}  // namespace tarnel::question_id
+
 /// All that the retrieving and rewriting operations ask. The ids are stable.
 namespace tarnel::questions {
 

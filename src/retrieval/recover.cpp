@@ -34,7 +34,7 @@ class QuietScreen : public VerifyScreen {
 
 class Planning {
  public:
-  Planning(const Path& carrier, const Secret& password, Files& files, Dialogue& dialogue)
+  Planning(const Path& carrier, const Key& password, Files& files, Dialogue& dialogue)
       : m_carrier(carrier), m_password(password), m_files(files), m_dialogue(dialogue), m_pace(dialogue) {}
 
   RecoverPlan Run();
@@ -47,7 +47,7 @@ class Planning {
   bool WalkMisses(Position end);
 
   const Path& m_carrier;
-  const Secret& m_password;
+  const Key& m_password;
   Files& m_files;
   Dialogue& m_dialogue;
   Pace m_pace;
@@ -72,7 +72,7 @@ std::optional<std::size_t> Best(const std::vector<CarrierCopy>& copies) {
 }
 
 RecoverPlan Planning::Run() {
-  PrepareKey(m_password, [this] { m_dialogue.Yield(); });
+  m_password.Prepare([this] { m_dialogue.Yield(); });
   RecoverPlan plan{.carrier = m_carrier, .copies = {}, .best = {}};
   for (const Path& path : {m_carrier, BackupPath(m_carrier), TemporaryCarrierPath(m_carrier)})
     if (m_files.Stat(path, Files::Links::DontFollow)) plan.copies.push_back(Examine(path));
@@ -180,7 +180,7 @@ void GiveMode(const CarrierCopy& copy, const Path& carrier, Files& files) {
 
 }  // namespace
 
-RecoverPlan PlanRecovery(const Path& carrier, const Secret& password, Files& files, Dialogue& dialogue) {
+RecoverPlan PlanRecovery(const Path& carrier, const Key& password, Files& files, Dialogue& dialogue) {
   return Planning(carrier, password, files, dialogue).Run();
 }
 

@@ -9,6 +9,7 @@
 #include "base/files.h"
 #include "base/secret.h"
 #include "crypto/algorithm.h"
+#include "crypto/keys.h"
 
 namespace tarnel {
 
@@ -46,7 +47,7 @@ struct RecoverPlan {
 
 /// Reads all copies, contents too, and changes nothing. Yields while it works; a cancel throws
 /// Stop(Cancelled). A copy that can't be read is in the plan with its fault.
-RecoverPlan PlanRecovery(const Path& carrier, const Secret& password, Files& files, Dialogue& dialogue);
+RecoverPlan PlanRecovery(const Path& carrier, const Key& password, Files& files, Dialogue& dialogue);
 
 /// Makes copy `choice` the carrier and keeps each other copy under a new name: the carrier's with ".old",
 /// ".old2" and so on. Gives these names. Every copy exists at every moment under one name or another. Throws

@@ -79,7 +79,7 @@ ExtractResult Extraction::Run() {
   const std::vector<std::size_t> list = ExtractWorkList(m_request, m_catalogue);
   if (list.empty()) m_result.ending = ExtractEnding::NothingChosen;
   try {
-    if (!list.empty()) PrepareKey(Row(list.front()).hideout->password, [this] { m_screen.Yield(); });
+    if (!list.empty()) Row(list.front()).hideout->password.Prepare([this] { m_screen.Yield(); });
     for (std::size_t i = 0; i < list.size(); ++i)
       ExtractEntry(Row(list[i]), i + 1, list.size());
     if (m_result.extracted > 0) WriteThrough();

@@ -18,10 +18,10 @@ RewriteManner Manner() {
           .notReplaced = questions::PasswordNotReplaced};
 }
 
-std::optional<PasswordFault> FaultOf(const PasswordRequest& request, const Secret& current) {
-  if (request.oldPassword != current) return PasswordFault::OldDiffers;
-  if (request.newPassword.IsEmpty()) return PasswordFault::NewIsEmpty;
-  if (request.newPassword != request.confirmation) return PasswordFault::ConfirmationDiffers;
+std::optional<PasswordFault> FaultOf(const PasswordRequest& request, const Key& current) {
+  if (!(request.oldPassword == current)) return PasswordFault::OldDiffers;
+  if (request.newPassword.IsOf(Secret())) return PasswordFault::NewIsEmpty;
+  if (!request.newPassword.IsOf(request.confirmation)) return PasswordFault::ConfirmationDiffers;
   return std::nullopt;
 }
 
@@ -65,7 +65,7 @@ class PasswordChange {
   void Reencrypt(const MirrorRow& row, Damage damage, PayloadSink& sink);
   void ReloadHideout();
 
-  const Secret m_newPassword;
+  const Key m_newPassword;
   Reading& m_reading;
   RewriteScreen& m_screen;
   const Path m_carrier;
@@ -76,9 +76,9 @@ class PasswordChange {
 
 PasswordResult PasswordChange::Run() {
   try {
-    PrepareKey(m_reading.current.CurrentPassword, [this] { m_screen.Yield(); });
+    m_reading.current.CurrentPassword.Prepare([this] { m_screen.Yield(); });
     AskAboutLeftBehind();
-    PrepareKey(m_newPassword, [this] { m_screen.Yield(); });
+    m_newPassword.Prepare([this] { m_screen.Yield(); });
     for (const MirrorRow* row : m_rows) {
       m_rewrite.KeepUntil(row->start);
       WriteAnew(*row);

@@ -14,8 +14,8 @@ namespace tarnel {
 enum class PasswordFault { OldDiffers, NewIsEmpty, ConfirmationDiffers };
 
 struct PasswordRequest {
-  Secret oldPassword;
-  Secret newPassword;  ///< may equal the old one; all the work is done then too
+  Key oldPassword;
+  Key newPassword;  ///< may equal the old one; all the work is done then too
   Secret confirmation;
   Leftover leftover = Leftover::Refuse;
 };

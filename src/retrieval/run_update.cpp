@@ -87,7 +87,7 @@ class Update {
 
 RewriteEnding Update::Run() {
   try {
-    PrepareKey(m_reading.current.CurrentPassword, [this] { m_screen.Yield(); });
+    m_reading.current.CurrentPassword.Prepare([this] { m_screen.Yield(); });
     CopyWhatStays();
     m_new.ViewStart = Position{m_rewrite.Written() + 1};
     m_rewrite.Append([this](ByteSink& sink) { WriteEntry(sink); });

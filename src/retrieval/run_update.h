@@ -1,5 +1,6 @@
 #pragma once
 
+#include "crypto/compression.h"
 #include "retrieval/carrier_rewrite.h"
 #include "retrieval/preview.h"
 
@@ -9,7 +10,7 @@ struct UpdateRequest {
   Path previewFile;  ///< the new contents; the entry keeps its name
   /// Of the settings: 1 to 9, or 0 to store the file as it is; what lies outside counts as the nearest of
   /// these. An entry that was compressed is compressed again at this level; one that was not stays so.
-  int compressionLevel = 6;
+  int compressionLevel = kPresetCompressionLevel;
   Leftover leftover = Leftover::Refuse;
 };
 

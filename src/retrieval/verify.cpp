@@ -45,7 +45,7 @@ class Verification {
 VerifyResult Verification::Run() {
   m_result.leftovers = LeftoversBeside(m_path, m_files);
   try {
-    PrepareKey(m_key.password, [this] { m_screen.Yield(); });
+    m_key.password.Prepare([this] { m_screen.Yield(); });
     CheckEntries();
   } catch (const Stop&) {
     m_result.cancelled = true;
@@ -67,7 +67,7 @@ void Verification::CheckEntries() {
   m_screen.ShowProgress(walk.CarrierSize(), walk.CarrierSize());
 }
 
-/// Where the walk can't go on behind at least one entry, the rest is out of reach.
+/// An end that throws is an end all the same, but for a carrier without any entry.
 std::optional<EntryPlace> Verification::NextEntry(Walk& walk) {
   try {
     return walk.Next();

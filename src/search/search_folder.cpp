@@ -68,7 +68,7 @@ class Search {
     m_reading.guards.SearchAbort = false;
     if (m_request.password.IsEmpty()) return Refuse();
     try {
-      DeriveKey(m_request.password);
+      PreparedKey();
       SearchOneFolder(folder);
       while (HasNext())
         SearchBelow(TakeNext());
@@ -91,9 +91,12 @@ class Search {
     return std::move(m_summary);
   }
 
-  // Takes its own copy, for the request may change while it yields.
-  void DeriveKey(Secret password) {  // NOLINT(performance-unnecessary-value-param)
-    PrepareKey(password, [this] { m_screen.Yield(); });
+  /// The key of the password that is asked for now, which may become another whenever something yields.
+  Key PreparedKey() {
+    if (!m_key.IsOf(m_request.password)) m_key = Key(m_request.password);
+    const Key key = m_key;
+    key.Prepare([this] { m_screen.Yield(); });
+    return key;
   }
 
   void StopIfCancelled() const {
@@ -174,35 +177,35 @@ class Search {
   }
 
   std::optional<Fit> Probe(const Path& path) {
+    const Key key = PreparedKey();
     const SearchRequest asked = m_request;
-    DeriveKey(asked.password);
     ProbeTalk talk(m_screen, m_reading.guards, asked.oddFiles);
-    std::optional<Fit> fit = ProbeInTurn(path, asked, talk);
+    std::optional<Fit> fit = ProbeInTurn(path, asked, key, talk);
     if (!fit && talk.Failure()) PassOver(path, *talk.Failure());
     return fit;
   }
 
-  std::optional<Fit> ProbeInTurn(const Path& path, const SearchRequest& asked, ProbeTalk& talk) {
-    if (asked.algorithm) return ProbeWith(path, asked, *asked.algorithm, talk);
+  std::optional<Fit> ProbeInTurn(const Path& path, const SearchRequest& asked, const Key& key,
+                                 ProbeTalk& talk) {
+    if (asked.algorithm) return ProbeWith(path, asked, key, *asked.algorithm, talk);
     for (const Algorithm algorithm : kProbeOrder) {
-      if (std::optional<Fit> fit = ProbeWith(path, asked, algorithm, talk)) return fit;
+      if (std::optional<Fit> fit = ProbeWith(path, asked, key, algorithm, talk)) return fit;
       StopIfCancelled();
     }
     return std::nullopt;
   }
 
-  std::optional<Fit> ProbeWith(const Path& path, const SearchRequest& asked, Algorithm algorithm,
-                               ProbeTalk& talk) {
+  std::optional<Fit> ProbeWith(const Path& path, const SearchRequest& asked, const Key& key,
+                               Algorithm algorithm, ProbeTalk& talk) {
     const bool wasBusy = m_reading.guards.SearchBusy;
-    ProbeResult result = ProbeCarrier({path, asked.password, algorithm, asked.depth}, m_reading, talk);
+    ProbeResult result = ProbeCarrier({path, key, algorithm, asked.depth}, m_reading, talk);
     if (asked.oddFiles == SearchRequest::OddFiles::PassOver) m_reading.guards.SearchBusy = wasBusy;
     if (!result.found) return std::nullopt;
     return Fit{std::move(result.title), algorithm};
   }
 
   void AddRow(const Path& path, const std::string& name, const Fit& fit) {
-    const FileTypes::Type type = m_reading.types.Of(ToStored(name, TextKind::PathComponent));
-    m_results.Add({path, name, fit.title, type.text, type.icon, path.parent_path(), fit.algorithm});
+    m_results.Add({path, name, fit.title, path.parent_path(), fit.algorithm});
     ++m_summary.found;
     m_screen.ShowFound(m_results.Rows().back());
   }
@@ -213,6 +216,7 @@ class Search {
 
   const SearchRequest& m_request;
   SearchResults& m_results;
+  Key m_key;
   Reading& m_reading;
   SearchScreen& m_screen;
   std::deque<Path> m_pending;  ///< in the order of their turn

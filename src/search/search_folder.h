@@ -10,7 +10,7 @@
 #include "base/dialogue.h"
 #include "base/files.h"
 #include "base/secret.h"
-#include "carrier/load_hideout.h"
+#include "carrier/probe_carrier.h"
 #include "crypto/algorithm.h"
 #include "search/search_results.h"
 

@@ -13,11 +13,9 @@ namespace tarnel {
 
 /// One carrier that the password opens.
 struct SearchRow {
-  Path carrier;      ///< the row's key
-  std::string name;  ///< file name, platform bytes
-  WipedText title;   ///< of the newest hideout entry that fits, stored text
-  std::string typeText;
-  int icon = 2;                                  ///< index in the image list
+  Path carrier;                                  ///< the row's key
+  std::string name;                              ///< file name, platform bytes
+  WipedText title;                               ///< of the newest hideout entry that fits, stored text
   Path location;                                 ///< the parent folder
   Algorithm algorithm = Algorithm::Rijndael256;  ///< that opens it
 };

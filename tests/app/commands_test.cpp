@@ -11,56 +11,35 @@
 namespace tarnel {
 namespace {
 
-std::set<std::string> operator+(std::set<std::string> a, const std::set<std::string>& b) {
-  a.insert(b.begin(), b.end());
-  return a;
-}
-
-const std::set<std::string> kAlways = {
-    "mnu_carrier_info", "Menu_Quit",       "Menu_Configuration", "Menu_SortbyName", "Menu_SortbySize",
-    "Menu_SortbyType",  "Menu_SortbyDate", "menu_lock",          "mnu_ShowStatus",  "Menu_Folders",
-    "Menu_Contents",    "Menu_Quickstart", "Menu_Info"};
-const std::set<std::string> kIdle = {"Menu_New_Carrier", "Menu_Open_Carrier", "Menu_Find_Carrier",
-                                     "Menu_Add"};
-const std::set<std::string> kNodes = {"manu_close", "Manu_Saveas", "menu_carrierproperties",
-                                      "menu_mailcarrierfile"};
-const std::set<std::string> kRows = {"Menu_Extract",        "Menu_Remove",   "Menu_SelectAll",
-                                     "Mnu_InvertSelection", "Menu_Password", "menu_properties"};
-
-TEST(Refresh, EnablesWhatTheStateAllows) {
+TEST(Refresh, DisablesWhatTheStateForbids) {
+  const std::string starts = "Menu_New_Carrier Menu_Open_Carrier Menu_Add Menu_Find_Carrier ";
+  const std::string nodes = "manu_close menu_carrierproperties Manu_Saveas menu_mailcarrierfile ";
+  const std::string rows =
+      "Menu_Extract Menu_Remove Menu_Password menu_properties Menu_SelectAll Mnu_InvertSelection ";
+  const std::string view = "Menu_Preview ";
   const struct {
-    const char* name;
     RefreshInput input;
-    std::set<std::string> enabled;
+    std::string disabled;
   } cases[] = {
-      {"nothing open", {}, kAlways + kIdle},
-      {"reading, nothing open", {.ReadingBusy = true}, kAlways},
-      {"reading beside open hideouts",
-       {.ReadingBusy = true,
+      {{}, nodes + rows + view},
+      {{.ReadingBusy = true}, starts + nodes + rows + view},
+      {{.ReadingBusy = true,
         .hasNodes = true,
         .hasRows = true,
         .listHasAttention = true,
         .isFileRowSelected = true},
-       kAlways + kNodes},
-      {"an empty hideout", {.hasNodes = true}, kAlways + kIdle + kNodes},
-      {"rows", {.hasNodes = true, .hasRows = true}, kAlways + kIdle + kNodes + kRows},
-      {"a file row selected while the tree has the attention",
-       {.hasNodes = true, .hasRows = true, .isFileRowSelected = true},
-       kAlways + kIdle + kNodes + kRows},
-      {"a folder row selected",
-       {.hasNodes = true, .hasRows = true, .listHasAttention = true},
-       kAlways + kIdle + kNodes + kRows},
-      {"a file row selected",
-       {.hasNodes = true, .hasRows = true, .listHasAttention = true, .isFileRowSelected = true},
-       kAlways + kIdle + kNodes + kRows + std::set<std::string>{"Menu_Preview"}},
+       starts + rows + view},
+      {{.hasNodes = true}, rows + view},
+      {{.hasNodes = true, .hasRows = true, .isFileRowSelected = true}, view},
+      {{.hasNodes = true, .hasRows = true, .listHasAttention = true}, view},
+      {{.hasNodes = true, .hasRows = true, .listHasAttention = true, .isFileRowSelected = true}, ""},
   };
-  for (const auto& [name, input, enabled] : cases) {
+  for (const auto& [input, disabled] : cases) {
     const RefreshResult result = Refresh(input);
-    std::set<std::string> items;
     for (const Command& command : Commands())
-      if (result.IsEnabled(command.id)) items.insert(command.item);
-    EXPECT_EQ(items, enabled) << name;
-    EXPECT_EQ(result.isInfoPanelOn, input.hasNodes) << name;
+      EXPECT_EQ(result.IsEnabled(command.id), disabled.find(std::string(command.item) + " ") == disabled.npos)
+          << command.item << " where these are disabled: " << disabled;
+    EXPECT_EQ(result.isInfoPanelOn, input.hasNodes) << disabled;
   }
 }
 

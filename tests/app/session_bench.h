@@ -8,6 +8,7 @@
 #include "app/session.h"
 #include "carrier/record.h"
 #include "carrier/stored_text.h"
+#include "tests/support/held_key.h"
 #include "tests/support/temp_folder.h"
 
 namespace tarnel::test {
@@ -27,9 +28,8 @@ class SessionBench : public SessionView {
     hideout =
         std::make_shared<const HideoutKey>(HideoutKey{.carrier = carrier,
                                                       .carrierName = carrier.filename(),
-                                                      .password = Secret("secret of " + carrier.string()),
+                                                      .password = HeldKey("secret of " + carrier.string()),
                                                       .algorithm = AlgorithmId(name),
-                                                      .algorithmName = algorithm,
                                                       .title = "Title"});
     session.catalogue.AddRoot(hideout, "*RootFolder*");
     return *this;
@@ -48,7 +48,6 @@ class SessionBench : public SessionView {
                               .title = "Title",
                               .mode = {}},
                              RecordWriter::Hide);
-    row.typeText = "  type of " + name + " ";
     session.catalogue.EnsureFolderNode(Root(hideout->carrier), folder);
     session.catalogue.AddRow(std::move(row));
     return *this;
@@ -82,7 +81,7 @@ class SessionBench : public SessionView {
   TempFolder temp;
   PosixFiles posix;
   SettingsFile settings{posix, temp / "config/settings.ini"};
-  Session session{posix, settings, [](const std::string&) { return std::string(); }};
+  Session session{posix, settings, [](const std::string& name) { return "  type of " + name + " "; }};
   std::shared_ptr<const HideoutKey> hideout;
   int listChanges = 0;
 };

@@ -1,4 +1,3 @@
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -113,11 +112,16 @@ TEST_F(PosixFilesTest, RenameNoReplaceReplacesNothingAlsoWhereThePlatformCantDoI
   }
 }
 
+TEST_F(PosixFilesTest, ASecondNameOfAFileIsNoFreeName) {
+  std::filesystem::create_hard_link(folder.Put("file", "x"), folder / "second");
+  EXPECT_EQ(NumberOf([&] { posix.RenameNoReplace(folder / "file", folder / "second"); }),
+            ErrorNumber::FileExists);
+}
+
 TEST_F(PosixFilesTest, AFileIsAsOldAsItsBirthNotItsLastChange) {
   const Path path = folder.Put("f", "x");
   const std::time_t born = posix.Stat(path)->created;
-  const timespec times[] = {{1000, 0}, {1000, 0}};
-  ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+  posix.OpenToChange(path)->SetModified(1000);
   const FileStat stats[] = {*posix.Stat(path), posix.OpenToRead(path)->Stat(),
                             *posix.OpenFolder(folder.Where())->Stat("f")};
   for (const FileStat& stat : stats) {

@@ -12,6 +12,7 @@
 #include "carrier/stored_text.h"
 #include "crypto/cipher.h"
 #include "tests/crypto/memory_streams.h"
+#include "tests/support/held_key.h"
 #include "tests/support/scripted_dialogue.h"
 #include "tests/support/temp_folder.h"
 
@@ -39,8 +40,10 @@ class BenchScreen : public Scripted<OpeningScreen> {
   void HideoutLoaded(TreeNode& root, std::size_t files) override {
     script.Note("loaded " + std::string(root.text) + " " + std::to_string(files));
   }
+  void ShowFaults(const ChainFaults& found) override { faults = SentencesOf(found); }
   void HideoutGone() override { script.Note("gone"); }
   void ShowTry(int number) override { script.Note("try " + std::to_string(number)); }
+  std::vector<std::string> faults;  ///< of the last reading that had some
 };
 
 /// One carrier on disk, and a session that reads it.
@@ -62,7 +65,7 @@ class CarrierBench {
   /// An entry with any record text.
   CarrierBench& HideRecord(std::string_view record, const std::string& payload, const Under& under = {}) {
     return Append(payload + SealEntry(record, static_cast<Length>(payload.size()), under.algorithm,
-                                      Secret(under.password), secondKey));
+                                      HeldKey(under.password), secondKey));
   }
 
   CarrierBench& Append(const std::string& bytes) {
@@ -98,22 +101,20 @@ class CarrierBench {
     MemorySource source(content);
     MemorySink sink;
     std::string secondKey;
-    CipherEncryptFile(under.algorithm, source, sink, Secret(under.password), secondKey);
+    CipherEncryptFile(under.algorithm, source, sink, HeldKey(under.password), secondKey);
     return sink.text;
   }
 
   LoadRequest RequestFor(const Under& under) const {
-    return {.carrier = carrier, .password = Secret(under.password), .algorithm = under.algorithm};
+    return {.carrier = carrier, .password = HeldKey(under.password), .algorithm = under.algorithm};
   }
-  LoadResult Load(const Under& under = {}, LoadRequest::Reload reload = LoadRequest::Reload::Forced,
-                  LoadRequest::Fit fit = LoadRequest::Fit::AnyEntry) {
+  LoadResult Load(const Under& under = {}, LoadRequest::Reload reload = LoadRequest::Reload::Forced) {
     LoadRequest request = RequestFor(under);
     request.reload = reload;
-    request.fit = fit;
     return LoadHideout(request, reading, screen);
   }
   LoadResult TryPassword(const std::string& password) {
-    return tarnel::TryPassword(carrier, Secret(password), reading, screen);
+    return tarnel::TryPassword(carrier, HeldKey(password), reading, screen);
   }
 
   /// Names of the rows, in their order.
@@ -137,10 +138,9 @@ class CarrierBench {
   Path carrier = folder / "carrier.bin";
   PosixFiles posix;
   Catalogue catalogue;
-  FileTypes types{[](const std::string& name) { return "type of " + name; }};
   ReadingGuards guards;
   CurrentHideout current;
-  Reading reading{posix, catalogue, types, guards, current};
+  Reading reading{posix, catalogue, guards, current};
   BenchScreen screen;
   std::string secondKey;
 };

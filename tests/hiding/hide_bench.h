@@ -13,6 +13,7 @@
 #include "hiding/run_hide.h"
 #include "tests/carrier/carrier_bench.h"
 #include "tests/support/faulty_files.h"
+#include "tests/support/held_key.h"
 
 namespace tarnel::test {
 
@@ -60,7 +61,7 @@ class HideBench : public CarrierBench {
     current.CurrentCarrierPath = carrier;
     current.CurrentHideoutTitle = "Title";
     current.CurrentAlgorithmId = Algorithm::Rijndael256;
-    current.CurrentPassword = Secret("secret");
+    current.CurrentPassword = HeldKey("secret");
     Mode(0644);
   }
 
@@ -109,7 +110,7 @@ class HideBench : public CarrierBench {
   bool BackupIsOld() const { return BackupExists() && ReadAll(BackupPath(carrier)) == oldBytes; }
 
   FaultyFiles files{posix};
-  Reading session{files, catalogue, types, guards, current};
+  Reading session{files, catalogue, guards, current};
   HideRequest request;
   NotingHideScreen hideScreen;
   Script& script = hideScreen.script;

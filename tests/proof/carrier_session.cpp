@@ -10,6 +10,7 @@
 #include "retrieval/run_password.h"
 #include "retrieval/run_update.h"
 #include "retrieval/work_list.h"
+#include "tests/support/held_key.h"
 
 namespace tarnel::test {
 
@@ -93,11 +94,11 @@ CarrierSession::CarrierSession(Path carrier, Files& files) : m_carrier(std::move
 
 bool CarrierSession::Open(const std::string& password) {
   Opener screen;
-  return TryPassword(m_carrier, Secret(password), m_reading, screen) == LoadResult::Loaded;
+  return TryPassword(m_carrier, HeldKey(password), m_reading, screen) == LoadResult::Loaded;
 }
 
 void CarrierSession::Create(const std::string& password, Algorithm algorithm) {
-  CreateHideout(m_carrier, Secret(password), "Title", algorithm, AlgorithmName(algorithm), m_reading);
+  CreateHideout(m_carrier, HeldKey(password), "Title", algorithm, m_reading);
 }
 
 HideEnding CarrierSession::Hide(const Entries& entries, Compression compression, Originals originals,
@@ -131,7 +132,7 @@ RewriteEnding CarrierSession::Update(const Entry& entry, const Path& sources) {
 
 RewriteEnding CarrierSession::ChangePassword(const std::string& from, const std::string& to) {
   Rewriter screen(m_cancelAt);
-  return RunPassword({.oldPassword = Secret(from), .newPassword = Secret(to), .confirmation = Secret(to)},
+  return RunPassword({.oldPassword = HeldKey(from), .newPassword = HeldKey(to), .confirmation = Secret(to)},
                      m_reading, screen)
       .ending;
 }

@@ -52,10 +52,9 @@ class CarrierSession {
   Path m_carrier;
   Files& m_files;
   Catalogue m_catalogue;
-  FileTypes m_types{[](const std::string&) { return std::string(); }};
   ReadingGuards m_guards;
   CurrentHideout m_current;
-  Reading m_reading{m_files, m_catalogue, m_types, m_guards, m_current};
+  Reading m_reading{m_files, m_catalogue, m_guards, m_current};
   std::size_t m_cancelAt = 0;
 };
 

@@ -6,6 +6,7 @@
 #include "carrier/companions.h"
 #include "crypto/keys.h"
 #include "tests/cli/cli_bench.h"
+#include "tests/support/held_key.h"
 
 namespace tarnel::test {
 
@@ -43,7 +44,7 @@ Scene::Scene(unsigned seed) : m_dice(seed), m_bodySize(1000 + m_dice.Roll(20000)
   m_bytes = ReadAll(m_carrier);
   for (const std::string password : {kMine, kTheirs, kFresh}) {
     WriteAll(PasswordFile(password), password, 0600);
-    PrepareKey(Secret(password), [] {});
+    HeldKey(password).Prepare([] {});
   }
   AddHide("hide", kMine);
   AddHide("hide in a new hideout", kFresh);

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include "retrieval/delete_list.h"
 #include "retrieval/run_extract.h"
+#include "retrieval/work_list.h"
 #include "tests/retrieval/retrieval_bench.h"
 
 namespace tarnel::test {
@@ -158,7 +160,7 @@ TEST_F(Extract, NeverWritesOutsideTheTargetWhateverTheRecordSays) {
     bench.HideRecord("?Fnm=<" + name + ">?Fldnm=<" + folder + ">?Cmpr=<0>?CompVers=<701>",
                      CarrierBench::Encrypt("harm", {}));
     ASSERT_EQ(bench.Load(), LoadResult::Loaded) << name;
-    script().Expect("extract.error", Answer::Ignore);
+    script().Expect("extract.name", Answer::Ignore);
     EXPECT_EQ(bench.Extract(bench.All()).leftOut.size(), 1u) << folder << " " << name;
     EXPECT_EQ(Last(script().Asked()).cause.value().Number(), ErrorNumber::BadFileName)
         << folder << " " << name;
@@ -184,25 +186,10 @@ TEST_F(Extract, StaysInsideWhenAFolderIsSwappedForALinkMeanwhile) {
       std::filesystem::rename(b.target / "Pics", b.folder / "moved");
       std::filesystem::create_directory_symlink(outside, b.target / "Pics");
     };
-    script().Always("extract.error", Answer::Abort);
+    script().Always("extract.error", Answer::Abort).Always("extract.name", Answer::Abort);
     RunExtract(b.All(), b.catalogue, files, b.extractScreen);
     EXPECT_TRUE(std::filesystem::is_empty(outside)) << "at operation " << k;
   }
-}
-
-TEST_F(Extract, NeverGivesWrongBytesWhateverBitIsFlipped) {
-  bench.Hide({"a", "stored"}).Compressed({"b", SampleText(60)}).Load();
-  const std::string whole = ReadAll(bench.carrier);
-  std::filesystem::create_directory(bench.target);
-  script().Always("extract.damaged", Answer::Ignore);
-  for (const MirrorRow& row : bench.catalogue.Rows())
-    for (Length at = row.start.value - 1; at < row.start.value - 1 + row.size; ++at) {
-      WriteAll(bench.carrier, WithFlippedBit(whole, static_cast<std::size_t>(at * 8 + at % 8)));
-      const ExtractResult result = bench.Extract(bench.All());
-      ASSERT_EQ(result.damaged, Strings{std::string(row.Name())});
-      ASSERT_EQ(Out().size(), 1u);
-      std::filesystem::remove(bench.target / Out().at(0));
-    }
 }
 
 TEST_F(Extract, SaysWhatIsDamagedAndGoesOnOrEnds) {
@@ -212,7 +199,8 @@ TEST_F(Extract, SaysWhatIsDamagedAndGoesOnOrEnds) {
   ExtractResult result = bench.Extract(bench.All());
   EXPECT_EQ(result.damaged, Strings{"a"});
   EXPECT_EQ(Out(), Strings{"b"});
-  EXPECT_EQ(script().Asked().at(0).text, "Error: 57\n\rcannot extract a: it is damaged or was altered");
+  EXPECT_EQ(script().Asked().at(0).text,
+            "Error: 57\n\rcannot extract a: its contents are damaged or were altered");
   script().Expect("extract.damaged", Answer::Abort);
   result = bench.Extract(bench.All());
   EXPECT_EQ(result.ending, ExtractEnding::Aborted);
@@ -247,12 +235,88 @@ TEST_F(Extract, LeavesOnlyWholeFilesWhateverFails) {
         FaultyFiles files(bench.posix);
         files.Fail({.at = k, .number = ErrorNumber::DiskFull, .times = times, .writes = Writes::FirstHalf});
         ExtractScript screen;
-        screen.script.Always("extract.error", answer).Always("extract.overwrite", Answer::Yes);
+        screen.script.Always("extract.error", answer)
+            .Always("extract.name", answer)
+            .Always("extract.overwrite", Answer::Yes);
         const ExtractResult result = RunExtract(bench.All(), bench.catalogue, files, screen);
         EXPECT_TRUE(answer != Answer::Retry || result.extracted == 2u) << k;
         EXPECT_EQ(WholeFiles(), result.extracted) << k;
         EXPECT_TRUE(times == Times::FromThenOn || PartsLeft() == 0) << k;
       }
+}
+
+TEST(RelativeFolder, IsWhatLiesBelowTheSelectedNode) {
+  const struct {
+    std::string nodeItemFolder, nodePath, folder, relative;
+  } cases[] = {{"*RootFolder*", "", "Pics\\2024", "Pics\\2024"},
+               {"*RootFolder*", "", "", ""},
+               {"*RootFolder*", "", "\\docs\\old", "docs\\old"},  // of a base without a closing separator
+               {"*RootFolder*", "", "\\\\docs", "\\docs"},
+               {"Pics\\2024", "Pics", "Pics\\2024", "2024"},  // a node may carry a deeper folder than its own
+               {"Pics", "Pics", "Pics", ""},
+               {"Pics", "Pics", "Pi", ""},
+               {"Pics", "Pics", "Documents\\old", "ents\\old"},  // another branch loses as many and one
+               {"Pics", "Pics", "Music\\old", "old"},
+               {"Pic", "Pic", "Docs\\x\\y", "x\\y"},  // cut before a separator: joining drops it
+               {"Pics2", "Pics2", "Pics", ""}};
+  for (const auto& c : cases) {
+    ExtractRequest request;
+    request.nodeItemFolder = c.nodeItemFolder;
+    request.nodePath = c.nodePath;
+    EXPECT_EQ(RelativeFolder(request, c.folder), c.relative) << c.folder << " below " << c.nodePath;
+  }
+}
+
+TEST(FolderParts, AreThePlatformsNames) {
+  EXPECT_EQ(FolderParts(""), Strings{});
+  const std::string odd = "a\\b>c\n\xff";
+  EXPECT_EQ(FolderParts(ToStored(odd, TextKind::PathComponent) + "\\b c\\..."), (Strings{odd, "b c", "..."}));
+}
+
+class WorkList : public testing::Test {
+ protected:
+  using Rows = std::vector<std::size_t>;
+
+  WorkList() {
+    bench.Hide({"p", "x", "Pics"}).Hide({"q", "x", "Pics2\\a"}).Hide({"r", "x", ""}).Hide({"s", "x", "Pics"});
+    bench.Load();  // the newest is row 0
+  }
+  Rows Chosen(std::vector<ExtractChoice> choices) const {
+    ExtractRequest request = bench.All();
+    request.all = false;
+    request.choices = std::move(choices);
+    return ExtractWorkList(request, bench.catalogue);
+  }
+  static ExtractChoice Folder(std::string itemFolder) {
+    return {.kind = ExtractChoice::Kind::Folder, .itemFolder = std::move(itemFolder)};
+  }
+  static ExtractChoice File(std::size_t row) { return {.row = row, .itemFolder = {}}; }
+
+  RetrievalBench bench{100};
+};
+
+TEST_F(WorkList, FollowsTheRowsOrTheChoices) {
+  EXPECT_EQ(ExtractWorkList(bench.All(), bench.catalogue), (Rows{0, 1, 2, 3}));
+  EXPECT_EQ(Chosen({File(3), File(1)}), (Rows{3, 1}));
+  EXPECT_EQ(Chosen({Folder("Pics")}), (Rows{0, 2, 3})) << "neighbours whose name begins alike too";
+  EXPECT_EQ(Chosen({Folder("Pics2"), File(2)}), (Rows{2, 2}));
+  bench.carrier = bench.folder / "other.bin";
+  EXPECT_EQ(ExtractWorkList(bench.All(), bench.catalogue), Rows{});
+}
+
+TEST_F(WorkList, OfADeletionShrinksUntilItRunsAndClosesTheFormOnlyByUnchecking) {
+  DeleteList list({Folder("Pics"), File(1)}, bench.catalogue, bench.carrier);
+  EXPECT_EQ(list.MirrorRows(), (Rows{0, 2, 3, 1}));
+  EXPECT_EQ(list.Rows().at(1).size, "0 KB");
+  EXPECT_EQ(list.Rows().at(1).folder, "Pics2\\a");
+  EXPECT_EQ(list.Uncheck(1), DeleteList::Unchecked::Removed);
+  list.RemoveSelected({0, 1});
+  EXPECT_EQ(list.MirrorRows(), Rows{1});
+  DeleteList running = list;
+  EXPECT_EQ(list.Uncheck(0), DeleteList::Unchecked::RemovedLast);
+  running.BeginRunning();
+  running.RemoveSelected({0});
+  EXPECT_EQ(running.Uncheck(0), DeleteList::Unchecked::StaysChecked);
 }
 
 }  // namespace tarnel::test

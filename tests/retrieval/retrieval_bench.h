@@ -14,6 +14,7 @@
 #include "retrieval/run_password.h"
 #include "tests/carrier/carrier_bench.h"
 #include "tests/support/faulty_files.h"
+#include "tests/support/held_key.h"
 
 namespace tarnel::test {
 
@@ -96,7 +97,7 @@ class RetrievalBench : public CarrierBench {
     return RunDelete(request, faulty, rewriteScreen);
   }
   PasswordResult ChangePassword(const std::string& from, const std::string& to) {
-    return RunPassword({.oldPassword = Secret(from), .newPassword = Secret(to), .confirmation = Secret(to)},
+    return RunPassword({.oldPassword = HeldKey(from), .newPassword = HeldKey(to), .confirmation = Secret(to)},
                        faulty, rewriteScreen);
   }
 
@@ -110,7 +111,7 @@ class RetrievalBench : public CarrierBench {
   Path target = folder / "out";
   Path temporary = folder / "carrier.bin.tmp";
   FaultyFiles files{posix};
-  Reading faulty{files, catalogue, types, guards, current};
+  Reading faulty{files, catalogue, guards, current};
   ExtractScript extractScreen;
   RewriteScript rewriteScreen;
 };

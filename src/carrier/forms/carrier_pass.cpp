@@ -109,7 +109,7 @@ QWidget* CarrierPass::MakeOpenSide() {
 
 QWidget* CarrierPass::MakeCreateSide() {
   auto* const side = Named(new QWidget(m_tabs), "Frame_2");
-  m_title = Named(new QLineEdit(tr("New Hideout"), side), "txt_hideout_titel");
+  m_title = Named(new QLineEdit(tr(kPresetTitle), side), "txt_hideout_titel");
   m_title->setMinimumWidth(fontMetrics().averageCharWidth() * 28);
   m_title->setValidator(
       new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[^/\\\\<>]*")), m_title));
@@ -210,7 +210,7 @@ void CarrierPass::OpenHideout() {
   Reading reading = m_session.MakeReading();
   const LoadResult result = [&] {
     const BusyCursor busy;
-    return TryPassword(m_carrier, m_password->Password(), reading, screen);
+    return TryPassword(m_carrier, Key(m_password->Password()), reading, screen);
   }();
   m_session.SettleTree();
   if (IsFinal(result)) {
@@ -249,7 +249,7 @@ void CarrierPass::CreateHideout() {
   }
   const OfferedAlgorithm& chosen = OfferedAlgorithms()[static_cast<std::size_t>(m_algorithm->currentIndex())];
   Reading reading = m_session.MakeReading();
-  TreeNode& root = tarnel::CreateHideout(m_carrier, password, title, chosen.algorithm, chosen.name, reading);
+  TreeNode& root = tarnel::CreateHideout(m_carrier, Key(password), title, chosen.algorithm, reading);
   m_session.HideoutCreated(root, chosen.name);
   accept();
 }
