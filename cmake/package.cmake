@@ -11,17 +11,14 @@ encrypted and comes back with the right password, byte for byte.
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_COMPONENTS_ALL cli)
-set(CPACK_COMPONENT_CLI_DESCRIPTION "${story}
-This package holds the command line and the documents.")
 set(CPACK_DEBIAN_CLI_PACKAGE_NAME tarnel-cli)
-set(CPACK_DEBIAN_CLI_DESCRIPTION "hide files inside other files, command line
-${CPACK_COMPONENT_CLI_DESCRIPTION}")
+set(CPACK_DEBIAN_CLI_DESCRIPTION "${story}
+This package holds the command line and the documents.")
 set(CPACK_DEBIAN_CLI_PACKAGE_SHLIBDEPS ON)
 if(TARGET tarnel)
   list(APPEND CPACK_COMPONENTS_ALL desktop)
   set(CPACK_DEBIAN_DESKTOP_PACKAGE_NAME tarnel)
-  set(CPACK_DEBIAN_DESKTOP_DESCRIPTION "hide files inside other files
-${story}
+  set(CPACK_DEBIAN_DESKTOP_DESCRIPTION "${story}
 This package holds the desktop program.")
   set(CPACK_DEBIAN_DESKTOP_PACKAGE_SHLIBDEPS ON)
   # Plugins, which no program is linked with: the icons, and the windows themselves.

@@ -50,7 +50,7 @@ void HideChoice::Name(const std::string& given) {
   const Path full = FullPath(given, m_around.files);
   const std::optional<FileStat> stat = m_around.files.Stat(full);
   if (!stat) throw CliFailure(ExitCode::Failed, "cannot find " + Printable(given) + "; nothing was hidden");
-  m_around.messages.ShowAs(full, given.ends_with('/') ? given.substr(0, given.size() - 1) : given);
+  m_around.messages.ShowAs(full, given);
   m_named.push_back({.path = full, .isFolder = stat->kind == FileKind::Folder});
 }
 

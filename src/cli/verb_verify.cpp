@@ -40,7 +40,10 @@ std::string SentenceOf(const Tally& tally) {
   if (tally.carriers > 1) text += " in " + std::to_string(tally.carriers) + " carriers";
   text += ", " + std::to_string(tally.damaged) + " damaged";
   if (tally.unreadable > 0) text += ", " + std::to_string(tally.unreadable) + " unreadable";
-  if (tally.failed > 0) text += "; " + std::to_string(tally.failed) + " carriers could not be verified";
+  if (tally.failed > 0) {
+    text += "; " + std::to_string(tally.failed) + (tally.failed == 1 ? " carrier" : " carriers") +
+            " could not be verified";
+  }
   return text;
 }
 
