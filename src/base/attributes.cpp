@@ -6,9 +6,9 @@ namespace tarnel {
 
 namespace {
 
-constexpr mode_t permissionBits = 0777;
-constexpr mode_t everyWriteBit = S_IWUSR | S_IWGRP | S_IWOTH;
-constexpr mode_t plainMode = 0644;
+constexpr mode_t kPermissionBits = 0777;
+constexpr mode_t kEveryWriteBit = S_IWUSR | S_IWGRP | S_IWOTH;
+constexpr mode_t kPlainMode = 0644;
 
 }  // namespace
 
@@ -20,17 +20,17 @@ int AttributesOf(const FileStat& stat, std::string_view name) {
 }
 
 mode_t ApplyReadOnly(mode_t mode, int attributes) {
-  return (attributes & attribute::ReadOnly) != 0 ? mode & ~everyWriteBit : mode | S_IWUSR;
+  return (attributes & attribute::ReadOnly) != 0 ? mode & ~kEveryWriteBit : mode | S_IWUSR;
 }
 
 std::optional<mode_t> ModeBeyond(mode_t mode) {
-  const mode_t bits = mode & permissionBits;
-  if (bits == plainMode || bits == (plainMode & ~everyWriteBit)) return std::nullopt;
+  const mode_t bits = mode & kPermissionBits;
+  if (bits == kPlainMode || bits == (kPlainMode & ~kEveryWriteBit)) return std::nullopt;
   return bits;
 }
 
 mode_t RestoredMode(std::optional<mode_t> beyond, int attributes) {
-  return beyond ? *beyond & permissionBits : ApplyReadOnly(plainMode, attributes);
+  return beyond ? *beyond & kPermissionBits : ApplyReadOnly(kPlainMode, attributes);
 }
 
 }  // namespace tarnel

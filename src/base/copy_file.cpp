@@ -10,13 +10,13 @@ namespace tarnel {
 
 namespace {
 
-constexpr mode_t permissionBits = 0777;
-constexpr Length blockSize = Length{1024} * 1024;
+constexpr mode_t kPermissionBits = 0777;
+constexpr Length kBlockSize = Length{1024} * 1024;
 
 Length CopyBlocks(File& source, File& target, const CopyHook& hook) {
   Length copied = 0;
   for (;;) {
-    const Length got = target.CopyAt(Position{} + copied, source, Position{} + copied, blockSize);
+    const Length got = target.CopyAt(Position{} + copied, source, Position{} + copied, kBlockSize);
     if (got == 0) return copied;
     copied += got;
     if (hook) hook(copied);
@@ -42,7 +42,7 @@ void CopyFile(Files& files, File& source, const Path& from, const Path& to, mode
 
 void CopyFile(Files& files, const Path& from, const Path& to, Durability durability, const CopyHook& hook) {
   const std::unique_ptr<File> source = files.OpenToRead(from);
-  CopyFile(files, *source, from, to, source->Stat().mode & permissionBits, durability, hook);
+  CopyFile(files, *source, from, to, source->Stat().mode & kPermissionBits, durability, hook);
 }
 
 }  // namespace tarnel

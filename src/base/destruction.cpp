@@ -17,13 +17,13 @@ namespace tarnel {
 
 namespace {
 
-constexpr std::size_t blockSize = 4096;
-constexpr Length blocksPerSync =
+constexpr std::size_t kBlockSize = 4096;
+constexpr Length kBlocksPerSync =
     1024;  // so that the platform never holds back a write until the medium has caught up
 
 Bytes Block(char fill) {
-  static const std::string letters(blockSize, 'X');
-  static const std::string blanks(blockSize, ' ');
+  static const std::string letters(kBlockSize, 'X');
+  static const std::string blanks(kBlockSize, ' ');
   return AsBytes(fill == 'X' ? letters : blanks);
 }
 
@@ -46,7 +46,7 @@ class Destruction {
   void Kill();
   Error AnotherFile(std::string_view verb) const;
 
-  static Position PlaceOf(Length block) { return Position{} + block * static_cast<Length>(blockSize); }
+  static Position PlaceOf(Length block) { return Position{} + block * static_cast<Length>(kBlockSize); }
 
   template <class Statement>
   Outcome Try(Statement&& statement) {
@@ -123,13 +123,13 @@ void Destruction::MustBeAsSeen() {
 
 void Destruction::Overwrite() {
   Length count = 0;
-  Try([&] { count = m_file->Size() / static_cast<Length>(blockSize) + 1; });
+  Try([&] { count = m_file->Size() / static_cast<Length>(kBlockSize) + 1; });
   MustBeAsSeen();
   m_mayBeSpoilt = true;
   while (m_blanked < count) {
     OverwriteBlock(PlaceOf(m_blanked));
     ++m_blanked;
-    if (m_blanked % blocksPerSync == 0 && !m_mustBlankAgain) WriteThrough();
+    if (m_blanked % kBlocksPerSync == 0 && !m_mustBlankAgain) WriteThrough();
     m_pace.Step();
   }
 }

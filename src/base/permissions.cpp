@@ -8,8 +8,8 @@ namespace tarnel {
 
 namespace {
 
-constexpr uid_t sameOwner = static_cast<uid_t>(-1);
-constexpr mode_t groupShift = 3;
+constexpr uid_t kSameOwner = static_cast<uid_t>(-1);
+constexpr mode_t kGroupShift = 3;
 
 /// False if the platform refuses; an owner that it can't express is EINVAL.
 template <class Call>
@@ -27,7 +27,7 @@ void TakeOwners(const FileStat& model, File& file) {
   const FileStat now = file.Stat();
   if (now.owner == model.owner && now.group == model.group) return;
   if (IsLetDo([&] { file.SetOwner(model.owner, model.group); })) return;
-  if (now.group != model.group) IsLetDo([&] { file.SetOwner(sameOwner, model.group); });
+  if (now.group != model.group) IsLetDo([&] { file.SetOwner(kSameOwner, model.group); });
 }
 
 bool TakesAccessList(File& model, File& file) {
@@ -39,9 +39,9 @@ bool TakesAccessList(File& model, File& file) {
 
 /// Whoever is in the new group may have been one of the others before, and the other way round.
 mode_t ForAnotherGroup(mode_t mode) {
-  const mode_t both = (mode & S_IRWXG) >> groupShift & mode & S_IRWXO;
+  const mode_t both = (mode & S_IRWXG) >> kGroupShift & mode & S_IRWXO;
   constexpr mode_t strangers = S_IRWXG | S_IRWXO;
-  return (mode & ~strangers) | both << groupShift | both;
+  return (mode & ~strangers) | both << kGroupShift | both;
 }
 
 }  // namespace

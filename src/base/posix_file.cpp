@@ -15,8 +15,8 @@ namespace tarnel::posix {
 
 namespace {
 
-constexpr const char* accessList = "system.posix_acl_access";
-constexpr std::size_t mostOfAttribute = std::size_t{64} * 1024;  // Linux keeps no longer one
+constexpr const char* kAccessList = "system.posix_acl_access";
+constexpr std::size_t kMostOfAttribute = std::size_t{64} * 1024;  // Linux keeps no longer one
 
 class PosixFile : public File {
  public:
@@ -146,8 +146,8 @@ void PosixFile::SetOwner(uid_t owner, gid_t group) {
 }
 
 std::string PosixFile::AccessList() {
-  std::string list(mostOfAttribute, '\0');
-  const ssize_t got = ::fgetxattr(Number(), accessList, list.data(), list.size());
+  std::string list(kMostOfAttribute, '\0');
+  const ssize_t got = ::fgetxattr(Number(), kAccessList, list.data(), list.size());
   if (got < 0 && errno != ENODATA && errno != EOPNOTSUPP && errno != ENOSYS)
     throw ErrnoError(errno, "look at the access list of", m_path);
   list.resize(static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
@@ -155,8 +155,8 @@ std::string PosixFile::AccessList() {
 }
 
 void PosixFile::SetAccessList(const std::string& list) {
-  const int result = list.empty() ? ::fremovexattr(Number(), accessList)
-                                  : ::fsetxattr(Number(), accessList, list.data(), list.size(), 0);
+  const int result = list.empty() ? ::fremovexattr(Number(), kAccessList)
+                                  : ::fsetxattr(Number(), kAccessList, list.data(), list.size(), 0);
   const bool isGone = list.empty() && (errno == ENODATA || errno == EOPNOTSUPP || errno == ENOSYS);
   if (result != 0 && !isGone) throw ErrnoError(errno, "change the access list of", m_path);
 }

@@ -13,7 +13,7 @@ namespace tarnel::posix {
 
 namespace {
 
-constexpr int folderFlags = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+constexpr int kFolderFlags = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
 std::string Component(std::string_view name) {
   const bool isSpecial = name.empty() || name == "." || name == "..";
@@ -49,7 +49,7 @@ class PosixFolder : public Folder {
 std::unique_ptr<Folder> PosixFolder::Enter(std::string_view name, IfMissing ifMissing) {
   const std::string component = Component(name);
   const Path path = m_path / component;
-  const auto open = [&] { return ::openat(Number(), component.c_str(), folderFlags); };
+  const auto open = [&] { return ::openat(Number(), component.c_str(), kFolderFlags); };
   int descriptor = Uninterrupted(open);
   if (descriptor < 0 && errno == ENOENT && ifMissing == IfMissing::Create) {
     if (::mkdirat(Number(), component.c_str(), 0777) != 0 && errno != EEXIST)

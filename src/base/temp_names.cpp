@@ -11,7 +11,7 @@ namespace tarnel {
 
 namespace {
 
-constexpr std::size_t randomLength = 16;
+constexpr std::size_t kRandomLength = 16;
 
 void FillRandom(MutableBytes bytes) {
   ssize_t got = 0;
@@ -25,7 +25,7 @@ void FillRandom(MutableBytes bytes) {
 
 std::string RandomName(std::string_view prefix) {
   constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyz234567";
-  std::array<std::uint8_t, randomLength> random{};
+  std::array<std::uint8_t, kRandomLength> random{};
   FillRandom(random);
   std::string name(prefix);
   for (const std::uint8_t byte : random)

@@ -17,7 +17,7 @@ namespace tarnel {
 
 namespace {
 
-constexpr std::size_t longestName = 220;  // leaves room for ".", a random name and ".trashinfo" in 255 bytes
+constexpr std::size_t kLongestName = 220;  // leaves room for ".", a random name and ".trashinfo" in 255 bytes
 
 Error CannotTrash(ErrorNumber number, const Path& path, std::string_view reason) {
   return Error(number, "cannot move " + Printable(path.native()) + " to the trash: " + std::string(reason),
@@ -85,7 +85,7 @@ void Trash::Put(const Path& path) {
   const Place place = PlaceFor(resolved);
   MakeFolders(place.folder / "files");
   MakeFolders(place.folder / "info");
-  const std::string base = resolved.filename().native().substr(0, longestName);
+  const std::string base = resolved.filename().native().substr(0, kLongestName);
   for (std::string name = base; !TryMove(resolved, place, name);)
     name = RandomName(base + ".");
 }

@@ -108,7 +108,7 @@ std::vector<std::string> SentencesOf(const ChainFaults& faults) {
     sentences.push_back("the chain of entries is broken at byte " + std::to_string(faults.brokenAt->value) +
                         ": a length there is damaged, and what lies in the " +
                         std::to_string(faults.brokenAt->value - 1) +
-                        " bytes before it is out of reach; recovering the carrier mends that");
+                        " bytes before it is out of reach; \"tarnel-cli recover\" mends that");
   if (faults.closedBy)
     sentences.push_back("an entry was written in format " + Printable(ToPlatform(*faults.closedBy)) +
                         ": it and all older ones are closed to this version of the program");

@@ -40,7 +40,7 @@ void FinishOutput(Terminal& terminal) {
 
 /// Turns whatever ends a run into words, a code and a member of the report.
 template <class Run>
-ExitCode Guarded(Messages& messages, Json& report, Run&& run) {
+ExitCode Reported(Messages& messages, Json& report, Run&& run) {
   const auto fail = [&](const CliFailure& failure) {
     if (failure.Code() == ExitCode::ReaderGone) return failure.Code();
     PutFailure(report, failure, messages.Shown(failure.what()));
@@ -60,7 +60,7 @@ ExitCode Guarded(Messages& messages, Json& report, Run&& run) {
 
 ExitCode RunCommand(const CommandLine& command, Terminal& terminal, Files& files, const Variables& variables,
                     Messages& messages, Json& report) {
-  return Guarded(messages, report, [&] {
+  return Reported(messages, report, [&] {
     TerminalDialogue talk(terminal, messages, command.global);
     Surroundings around{command.global, terminal, files, variables, messages, talk, report};
     return std::visit([&](const auto& options) { return RunVerb(options, around); }, command.verb);
@@ -72,7 +72,7 @@ ExitCode RunArguments(const std::vector<std::string>& arguments, Terminal& termi
                       const Variables& variables, MessageForm form, Json& report) {
   const Colour colour = ColourFor(terminal, variables);
   Messages early(terminal, form, Volume::Normal, colour);
-  return Guarded(early, report, [&] {
+  return Reported(early, report, [&] {
     const auto parsed = ParseOptions(arguments);
     if (const auto* wish = std::get_if<HelpWish>(&parsed)) {
       terminal.Write(TextFor(*wish, terminal));
@@ -93,7 +93,7 @@ int RunCli(const std::vector<std::string>& arguments, Terminal& terminal, Files&
   Json report = JsonObject();
   const ExitCode code = RunArguments(arguments, terminal, files, variables, form, report);
   Messages late(terminal, form, Volume::Normal, ColourFor(terminal, variables));
-  return static_cast<int>(Guarded(late, report, [&] {
+  return static_cast<int>(Reported(late, report, [&] {
     if (form == MessageForm::JsonLines && !report.is_null()) {
       report["exit_code"] = static_cast<int>(code);
       terminal.Write(JsonLine(report));
