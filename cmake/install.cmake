@@ -1,13 +1,27 @@
-# What "cmake --install" puts where. The desktop program brings rules of its own.
+# What "cmake --install" puts where. Each component is a package of its own: see package.cmake.
 if(TARGET tarnel-cli)
-  install(TARGETS tarnel-cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-  install(FILES ${PROJECT_BINARY_DIR}/share/tarnel-cli.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-  install(FILES ${PROJECT_BINARY_DIR}/share/tarnel-cli.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
-          RENAME tarnel-cli)
-  install(FILES ${PROJECT_BINARY_DIR}/share/_tarnel-cli DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
-  install(FILES ${PROJECT_BINARY_DIR}/share/tarnel-cli.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+  set(shared ${PROJECT_BINARY_DIR}/share)
+  install(TARGETS tarnel-cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT cli)
+  install(FILES ${shared}/tarnel-cli.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT cli)
+  install(FILES ${shared}/tarnel-cli.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+          RENAME tarnel-cli COMPONENT cli)
+  install(FILES ${shared}/_tarnel-cli DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT cli)
+  install(FILES ${shared}/tarnel-cli.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
+          COMPONENT cli)
 endif()
-install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
+set(documents ${CMAKE_INSTALL_DATADIR}/doc/tarnel-cli)
+install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${documents} COMPONENT cli)
 # As they lie here, so that the pages' links hold.
-install(DIRECTORY doc DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(FILES share/sample/harbour.png DESTINATION ${CMAKE_INSTALL_DOCDIR}/share/sample)
+install(DIRECTORY doc DESTINATION ${documents} COMPONENT cli)
+install(FILES share/sample/harbour.png DESTINATION ${documents}/share/sample COMPONENT cli)
+
+if(TARGET tarnel)
+  install(TARGETS tarnel RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT desktop)
+  install(FILES share/applications/tarnel.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications
+          COMPONENT desktop)
+  install(FILES share/metainfo/org.tarnel.Tarnel.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo
+          COMPONENT desktop)
+  install(FILES share/icons/tarnel.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps
+          COMPONENT desktop)
+  install(FILES share/man/tarnel.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT desktop)
+endif()

@@ -18,11 +18,11 @@ const std::vector<ExitCodeRow>& ExitCodeTable() {
       {ExitCode::Permission, "permission denied"},
       {ExitCode::Damaged, "damaged: an entry or the carrier is not whole"},
       {ExitCode::Busy, "another process works on the carrier"},
-      {ExitCode::Unreadable, "the disk doesn't give all of the carrier; what it didn't give may be whole"},
+      {ExitCode::Unreadable, "the disk doesn't give all of the carrier, which may be whole"},
       {ExitCode::CarrierNotFound, "the carrier was not found"},
       {ExitCode::NoHideout, "no hideout opens with this password"},
       {ExitCode::EntryNotFound, "the hideout has no such entry"},
-      {ExitCode::Cancelled, "cancelled by Ctrl+C, SIGTERM or SIGHUP; the carrier is as it was"},
+      {ExitCode::Cancelled, "cancelled (Ctrl+C, SIGTERM, SIGHUP); the carrier is as it was"},
       {ExitCode::ReaderGone, "whoever read standard output closed it; nothing is said"}};
   return table;
 }

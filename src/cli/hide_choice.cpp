@@ -5,6 +5,7 @@
 #include "base/printable.h"
 #include "cli/entries.h"
 #include "cli/globs.h"
+#include "hiding/questions.h"
 
 namespace tarnel {
 
@@ -42,14 +43,14 @@ void HideChoice::Collect() {
   if (m_around.talk.CancelRequested()) throw CliFailure(ExitCode::Cancelled, "cancelled");
   TakeRows();
   Say();
-  if (m_rows.empty()) throw CliFailure(ExitCode::Failed, "There are no files to hide!");
+  if (m_rows.empty()) throw CliFailure(ExitCode::Failed, NoFilesQuestion().text);
 }
 
 void HideChoice::Name(const std::string& given) {
   const Path full = FullPath(given, m_around.files);
   const std::optional<FileStat> stat = m_around.files.Stat(full);
   if (!stat) throw CliFailure(ExitCode::Failed, "cannot find " + Printable(given) + "; nothing was hidden");
-  m_around.messages.ShowAs(full, given.ends_with('/') ? given.substr(0, given.size() - 1) : given);
+  m_around.messages.ShowAs(full, given);
   m_named.push_back({.path = full, .isFolder = stat->kind == FileKind::Folder});
 }
 

@@ -11,19 +11,31 @@ constexpr const char* kRed = "\x1b[31m";
 constexpr const char* kYellow = "\x1b[33m";
 constexpr const char* kPlain = "\x1b[0m";
 
+bool BeginsPath(const std::string& text, std::size_t at) {
+  return at == 0 || std::string_view(" \n\"(").find(text[at - 1]) != std::string_view::npos;
+}
+
+/// What an operation puts beside a carrier counts as its name's end.
+bool EndsName(const std::string& text, std::size_t at) {
+  const std::string_view rest = std::string_view(text).substr(at);
+  return rest.empty() || std::string_view(" \n\"):;,/").find(rest.front()) != std::string_view::npos ||
+         rest.starts_with(".bak") || rest.starts_with(".tmp") || rest.starts_with(".old");
+}
+
 }  // namespace
 
-void Messages::ShowAs(const Path& full, const std::string& given) {
-  const bool isPlain = !given.empty() && given.front() != '/' && Path(given).filename() == full.filename();
-  if (isPlain) m_names.emplace_back(Printable(full.native()), Printable(given));
+void Messages::ShowAs(const Path& full, std::string given) {
+  if (given.empty() || given.front() == '/') return;
+  while (given.size() > 1 && given.ends_with('/'))
+    given.pop_back();
+  m_names.emplace_back(Printable(full.native()), Printable(given));
 }
 
 std::string Messages::Shown(std::string_view text) const {
   std::string shown = PrintableLines(text);
   for (const auto& [full, given] : m_names) {
     for (std::size_t at = shown.find(full); at != std::string::npos; at = shown.find(full, at)) {
-      const bool isWhole =
-          at == 0 || std::string_view(" \n\"(").find(shown[at - 1]) != std::string_view::npos;
+      const bool isWhole = BeginsPath(shown, at) && EndsName(shown, at + full.size());
       if (isWhole) shown.replace(at, full.size(), given);
       at += isWhole ? given.size() : full.size();
     }

@@ -21,9 +21,9 @@ class Messages {
   Messages(Terminal& terminal, MessageForm form, Volume volume, Colour colour)
       : m_terminal(terminal), m_form(form), m_volume(volume), m_colour(colour) {}
 
-  /// From now on the path, and what it begins, is shown as the person has named it; unless it is reached
-  /// through a symbolic link, beside which other files lie.
-  void ShowAs(const Path& full, const std::string& given);
+  /// From now on the path, what is below it and what lies beside it under its name with a suffix is shown as
+  /// the person has named it. Nothing is done for a name that is absolute itself.
+  void ShowAs(const Path& full, std::string given);
   /// `text` with such paths replaced, its line ends as "\n", and each line printable.
   std::string Shown(std::string_view text) const;
 

@@ -82,7 +82,8 @@ VerbRow Extract() {
           "extract holiday.jpg contract.pdf letters/2024 --to restored\n"
           "extract holiday.jpg notes.txt --to - | less",
       .finish = [](ParsedOptions& parsed) {
-        if (parsed.extract.target.empty()) throw UsageError("--to DIR is missing");
+        if (parsed.extract.target.empty())
+          throw UsageError("--to DIR is missing; see tarnel-cli extract --help");
         parsed.extract.carrier = First(parsed);
         parsed.extract.entries = Rest(parsed);
         parsed.extract.choice = parsed.choice;
@@ -208,7 +209,8 @@ VerbRow Salvage() {
           .more = "Nothing is overwritten: a file whose name is taken gets a number.",
           .examples = "salvage holiday.jpg --to saved",
           .finish = [](ParsedOptions& parsed) {
-            if (parsed.salvage.target.empty()) throw UsageError("--to DIR is missing");
+            if (parsed.salvage.target.empty())
+              throw UsageError("--to DIR is missing; see tarnel-cli salvage --help");
             parsed.salvage.carrier = First(parsed);
             return parsed.salvage;
           }};

@@ -6,6 +6,7 @@
 #include "cli/entries.h"
 #include "cli/screens.h"
 #include "cli/verbs.h"
+#include "crypto/keys.h"
 #include "retrieval/recover.h"
 #include "retrieval/verify.h"
 
@@ -39,7 +40,10 @@ std::string SentenceOf(const Tally& tally) {
   if (tally.carriers > 1) text += " in " + std::to_string(tally.carriers) + " carriers";
   text += ", " + std::to_string(tally.damaged) + " damaged";
   if (tally.unreadable > 0) text += ", " + std::to_string(tally.unreadable) + " unreadable";
-  if (tally.failed > 0) text += "; " + std::to_string(tally.failed) + " carriers could not be verified";
+  if (tally.failed > 0) {
+    text += "; " + std::to_string(tally.failed) + (tally.failed == 1 ? " carrier" : " carriers") +
+            " could not be verified";
+  }
   return text;
 }
 
@@ -83,6 +87,7 @@ ExitCode Worse(ExitCode a, ExitCode b) {
 ExitCode VerifyVerb::Run() {
   const Secret password =
       ObtainPassword(m_around.options, m_around.variables, m_around.terminal, m_around.messages).secret;
+  const Key held(password);  // so that it is derived once for all carriers
   m_around.report["carriers"] = Json::array();
   ExitCode code = ExitCode::Done;
   for (const std::string& carrier : m_options.carriers)

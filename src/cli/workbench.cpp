@@ -27,7 +27,8 @@ Workbench::Workbench(const std::string& given, Surroundings& around)
       m_given(given),
       m_carrier(FindCarrier(given, around.files)),
       m_reading{around.files, m_catalogue, m_guards, m_current} {
-  around.messages.ShowAs(m_carrier, given);
+  // Through a symbolic link other files lie beside it.
+  if (Path(given).filename() == m_carrier.filename()) around.messages.ShowAs(m_carrier, given);
   PutBytes(around.report, "carrier", given);
 }
 

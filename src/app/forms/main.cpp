@@ -2,6 +2,7 @@
 #include <QDesktopServices>
 #include <QUrl>
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 
 #include "app/forms/program.h"
@@ -43,9 +44,23 @@ int RunOnThisMachine(const std::vector<std::string>& arguments, tarnel::Dialogue
   return code;
 }
 
+/// The two wishes that a terminal expects an answer to. Whatever else is there names a carrier.
+bool AnswersOnTerminal(const std::vector<std::string>& arguments) {
+  if (arguments.size() != 1) return false;
+  const bool isVersion = arguments[0] == "--version";
+  if (!isVersion && arguments[0] != "--help") return false;
+  std::puts(
+      isVersion
+          ? "tarnel " TARNEL_VERSION
+          : "Usage: tarnel [CARRIER]\n\nOpens the window; with a carrier its password is asked for first."
+            "\nFor terminals and scripts there is tarnel-cli.");
+  return true;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (AnswersOnTerminal({argv + std::min(argc, 1), argv + argc})) return EXIT_SUCCESS;
   tarnel::ForbidCoreDumps(tarnel::Dumpable::Kept);
   tarnel::SurviveFileSizeLimit();
   QApplication::setApplicationName(QStringLiteral("tarnel"));
