@@ -27,6 +27,13 @@ void HideOnTerminal::ShowProgress(double value, double maximum) {
   Talk().Progress().Show(std::llround(value), std::llround(maximum));
 }
 
+void HideOnTerminal::ShowOriginal(OriginalStep step, const Path& original, std::size_t number,
+                                  std::size_t count) {
+  const char* const what = step == OriginalStep::Comparing ? "Comparing " : "Removing ";
+  Talk().Progress().SetLabel(what + (number > 0 ? Counter(number, count) : "") +
+                             original.filename().native());
+}
+
 void ExtractOnTerminal::ShowFile(std::size_t number, std::size_t count, std::string_view storedName, Length,
                                  const Path&) {
   Talk().Progress().SetLabel(Counter(number, count) + ToPlatform(storedName));

@@ -57,6 +57,8 @@ class HideOnTerminal : public ReadingOnTerminal<HideScreen> {
   void ShowFile(std::size_t number, std::size_t count, const Path& source, Length size) override;
   void FileDone(std::size_t) override { m_file.clear(); }
   void ShowProgress(double value, double maximum) override;
+  void ShowBackup(Length copied, Length size) override { Talk().Progress().Show(copied, size); }
+  void ShowOriginal(OriginalStep step, const Path& original, std::size_t number, std::size_t count) override;
 
  private:
   std::string m_file;  ///< "[2/5] letter.txt" while a file is being hidden

@@ -1,7 +1,7 @@
 
 
 #include "base/printable.h"
-#include "carrier/companions.h"
+#include "carrier/leftovers.h"
 #include "cli/json_output.h"
 #include "cli/leftovers.h"
 #include "cli/screens.h"
@@ -17,13 +17,6 @@ constexpr const char* kDefaultTitle = "New Hideout";
 
 enum class Hideout { Joined, Made };
 
-/// Of what may lie beside a carrier a hide replaces the ".bak" only.
-std::vector<Path> BackupsBeside(const Path& carrier, Files& files) {
-  std::vector<Path> found = LeftoversBeside(carrier, files);
-  std::erase(found, TemporaryCarrierPath(carrier));
-  return found;
-}
-
 /// The verb from its beginning to its end; Run() lists the steps.
 class HideVerb {
  public:
@@ -36,7 +29,7 @@ class HideVerb {
 
   ExitCode Run() {
     RefuseBusy(m_bench.Carrier(), m_around.files);
-    AskAboutLeftovers(BackupsBeside(m_bench.Carrier(), m_around.files), m_around);
+    AskAboutLeftovers(LeftoversOfHiding(m_bench.Carrier(), m_around.files), m_around);
     Collect();
     OpenOrMake();
     Hide();

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "base/printable.h"
+#include "carrier/leftovers.h"
 #include "carrier/stored_text.h"
 #include "cli/entry_paths.h"
 #include "cli/json_output.h"

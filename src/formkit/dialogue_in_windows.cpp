@@ -75,7 +75,8 @@ Answer AnswerOf(const QMessageBox& box, const Question& question) {
 }
 
 Answer DialogueInWindows::Ask(const Question& question) {
-  QMessageBox box(QApplication::activeWindow());
+  QWidget* const active = QApplication::activeWindow();
+  QMessageBox box(active != nullptr ? active : QApplication::activeModalWidget());
   FillBox(box, question);
   box.exec();
   m_sinceEvents.restart();

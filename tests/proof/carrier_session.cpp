@@ -53,6 +53,8 @@ class Hider : public AgreeingReader<HideScreen> {
   void ShowStage(HideStage) override {}
   void ShowFile(std::size_t, std::size_t, const Path&, Length) override {}
   void FileDone(std::size_t) override {}
+  void ShowBackup(Length, Length) override {}
+  void ShowOriginal(OriginalStep, const Path&, std::size_t, std::size_t) override {}
   void ShowProgress(double, double) override {}
 };
 

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "carrier/leftovers.h"
 #include "tests/retrieval/retrieval_bench.h"
 
 namespace tarnel::test {
