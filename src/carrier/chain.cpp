@@ -97,9 +97,10 @@ ChainFaults ExamineChain(File& carrier, const Path& name, Algorithm algorithm, c
 std::vector<std::string> SentencesOf(const ChainFaults& faults) {
   std::vector<std::string> sentences;
   for (const EntryFault& entry : faults.entries) {
-    const std::string name = entry.name.empty() ? "" : Printable(ToPlatform(entry.name)) + ", ";
-    sentences.push_back(name + "the entry at byte " + std::to_string(entry.at.value) +
-                        ", is damaged: " + entry.fault);
+    const std::string place = "the entry at byte " + std::to_string(entry.at.value);
+    const std::string subject =
+        entry.name.empty() ? place : Printable(ToPlatform(entry.name)) + ", " + place + ",";
+    sentences.push_back(subject + " is damaged: " + entry.fault);
   }
   if (faults.notNoted > 0)
     sentences.push_back(std::to_string(faults.notNoted) + " further entries are damaged");

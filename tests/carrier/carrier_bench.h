@@ -39,8 +39,10 @@ class BenchScreen : public Scripted<OpeningScreen> {
   void HideoutLoaded(TreeNode& root, std::size_t files) override {
     script.Note("loaded " + std::string(root.text) + " " + std::to_string(files));
   }
+  void ShowFaults(const ChainFaults& found) override { faults = SentencesOf(found); }
   void HideoutGone() override { script.Note("gone"); }
   void ShowTry(int number) override { script.Note("try " + std::to_string(number)); }
+  std::vector<std::string> faults;  ///< of the last reading that had some
 };
 
 /// One carrier on disk, and a session that reads it.

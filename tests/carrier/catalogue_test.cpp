@@ -63,9 +63,9 @@ TEST_F(CatalogueTest, BearsAFolderTextThatNestsDeeperThanAnyStack) {
 
 TEST(MirrorRow, HoldsItsColumns) {
   CarrierBench bench(1000);
-  const Hidden hidden{"Se\xC3\xBC.TXT", std::string(2000, 'x'), std::string(5000, 'f'), "T", "755"};
+  const Hidden hidden{"Se\xC3\xBC.TXT", std::string(2000, 'x'), std::string(4000, 'f'), "T", "755"};
   bench.Hide(hidden).Load();
-  const MirrorRow& row = bench.catalogue.Rows()[0];
+  const MirrorRow& row = bench.catalogue.Rows().at(0);
   const Strings wanted = {"2 KB", "type of Se\xC3\xBC.TXT", "11/22/26 10:00:00", "32", hidden.folder, "No"};
   for (int i = 1; i <= 6; ++i)
     EXPECT_EQ(row.SubItem(i), WipedText(wanted[static_cast<std::size_t>(i - 1)])) << i;

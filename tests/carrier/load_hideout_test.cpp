@@ -142,7 +142,7 @@ TEST(LoadHideout, IsTurnedAwayWhileAnotherReads) {
 
 TEST(LoadHideout, AnswersErrorsAtEveryFileOperation) {
   Interleaved bench;
-  bench.Hide({"very long", std::string(6000, 'x'), std::string(6000, 'f')}, mine);
+  bench.Hide({"very long", std::string(6000, 'x'), std::string(4000, 'f')}, mine);
   const auto loadFrom = [&](FaultyFiles& files) {
     bench.catalogue.RemoveCarrier(bench.carrier);
     Reading reading{files, bench.catalogue, bench.types, bench.guards, bench.current};

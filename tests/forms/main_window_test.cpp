@@ -227,7 +227,7 @@ TEST_F(MainWindowTest, TheMenuOfTheListOpensUnderThePointer) {
 
 TEST_F(MainWindowTest, SurvivesFoldersOfAnyDepth) {
   std::string folder = "a";
-  for (int i = 1; i < 30'000; ++i)
+  for (int i = 1; i < 2000; ++i)
     folder += "\\a";
   carrier.Hide({.name = "deep.txt", .folder = folder});
   OpenCarrier();

@@ -26,7 +26,8 @@ class Hostile : public testing::Test {
 
   /// What an extraction leaves in the target: "PATH=CONTENT", "damaged", "refused", or nothing.
   std::string Extracted() {
-    bench.extractScreen.script.Always("extract.error", Answer::Ignore)
+    bench.extractScreen.script.Always("extract.name", Answer::Ignore)
+        .Always("extract.error", Answer::Ignore)
         .Always("extract.damaged", Answer::Ignore);
     const ExtractResult result = bench.Extract(bench.All());
     EXPECT_EQ(result.extracted + result.damaged.size() + result.leftOut.size(), 1u);
@@ -107,7 +108,6 @@ TEST_F(Hostile, NamesAndFoldersLeadIntoTheTargetOrNowhere) {
       {"ok", "..\0"s, ""},
       {std::string(256, 'n'), "", ""},
       {std::string(255, 'n'), "", std::string(255, 'n')},
-      {std::string(4096, 'n'), "", ""},
       {"ok", std::string(4096, 'f'), ""},
       {"ok", Repeated("d\\", 300) + "d", Repeated("d/", 301) + "ok"},
       {"ok", Repeated("..\\", 40) + "outside", ""},
@@ -192,7 +192,7 @@ TEST_F(Hostile, RecordsThatLieGiveTheRightBytesOrNone) {
       {"?Start=<-9223372036854775808>?Size=<9223372036854775807>" + good, right},
       {"?Algorithm=<DES>?Passwort=<x>" + good, right},
       {"?Mode=<7777777777777777777777>?Attr=<1e308>" + good, right},
-      {"?Fls=<99999999999999999999>" + good, right},
+      {"?Fls=<99999999999999999999>" + good, ""},
       {good + "?Unclosed=<", right},
       {"noise without a tag " + good, right},
   };
@@ -215,6 +215,7 @@ TEST_F(Hostile, NothingGetsThroughALinkThatAppearsUnderTheFilesName) {
         std::filesystem::create_symlink(bench.folder / "outside/victim", bench.target / "a");
     };
     bench.extractScreen.script.Always("extract.error", Answer::Abort)
+        .Always("extract.name", Answer::Abort)
         .Always("extract.overwrite", Answer::Yes);
     RunExtract(bench.All(), bench.catalogue, files, bench.extractScreen);
     EXPECT_EQ(ReadAll(bench.folder / "outside/victim"), "mine") << "at operation " << k;

@@ -158,7 +158,7 @@ TEST_F(Extract, NeverWritesOutsideTheTargetWhateverTheRecordSays) {
     bench.HideRecord("?Fnm=<" + name + ">?Fldnm=<" + folder + ">?Cmpr=<0>?CompVers=<701>",
                      CarrierBench::Encrypt("harm", {}));
     ASSERT_EQ(bench.Load(), LoadResult::Loaded) << name;
-    script().Expect("extract.error", Answer::Ignore);
+    script().Expect("extract.name", Answer::Ignore);
     EXPECT_EQ(bench.Extract(bench.All()).leftOut.size(), 1u) << folder << " " << name;
     EXPECT_EQ(Last(script().Asked()).cause.value().Number(), ErrorNumber::BadFileName)
         << folder << " " << name;
@@ -184,7 +184,7 @@ TEST_F(Extract, StaysInsideWhenAFolderIsSwappedForALinkMeanwhile) {
       std::filesystem::rename(b.target / "Pics", b.folder / "moved");
       std::filesystem::create_directory_symlink(outside, b.target / "Pics");
     };
-    script().Always("extract.error", Answer::Abort);
+    script().Always("extract.error", Answer::Abort).Always("extract.name", Answer::Abort);
     RunExtract(b.All(), b.catalogue, files, b.extractScreen);
     EXPECT_TRUE(std::filesystem::is_empty(outside)) << "at operation " << k;
   }
@@ -212,7 +212,8 @@ TEST_F(Extract, SaysWhatIsDamagedAndGoesOnOrEnds) {
   ExtractResult result = bench.Extract(bench.All());
   EXPECT_EQ(result.damaged, Strings{"a"});
   EXPECT_EQ(Out(), Strings{"b"});
-  EXPECT_EQ(script().Asked().at(0).text, "Error: 57\n\rcannot extract a: it is damaged or was altered");
+  EXPECT_EQ(script().Asked().at(0).text,
+            "Error: 57\n\rcannot extract a: its contents are damaged or were altered");
   script().Expect("extract.damaged", Answer::Abort);
   result = bench.Extract(bench.All());
   EXPECT_EQ(result.ending, ExtractEnding::Aborted);
@@ -247,7 +248,9 @@ TEST_F(Extract, LeavesOnlyWholeFilesWhateverFails) {
         FaultyFiles files(bench.posix);
         files.Fail({.at = k, .number = ErrorNumber::DiskFull, .times = times, .writes = Writes::FirstHalf});
         ExtractScript screen;
-        screen.script.Always("extract.error", answer).Always("extract.overwrite", Answer::Yes);
+        screen.script.Always("extract.error", answer)
+            .Always("extract.name", answer)
+            .Always("extract.overwrite", Answer::Yes);
         const ExtractResult result = RunExtract(bench.All(), bench.catalogue, files, screen);
         EXPECT_TRUE(answer != Answer::Retry || result.extracted == 2u) << k;
         EXPECT_EQ(WholeFiles(), result.extracted) << k;

@@ -66,11 +66,12 @@ TEST_F(Password, LeavesAllAsItWasOverADamagedPayloadUnlessTold) {
   EXPECT_EQ(bench.ChangePassword("secret", "new").ending, RewriteEnding::Aborted);
   EXPECT_EQ(ReadAll(bench.carrier), before);
   EXPECT_EQ(bench.folder.Names(), Strings{"carrier.bin"});
-  EXPECT_EQ(script().Asked().at(0).text, "Error: 57\n\rcannot re-encrypt a: it is damaged or was altered");
+  EXPECT_EQ(script().Asked().at(0).text,
+            "Error: 57\n\rcannot re-encrypt a: its contents are damaged or were altered");
 
   script().Expect("password.error", Answer::Ignore);
   EXPECT_EQ(bench.ChangePassword("secret", "new").ending, RewriteEnding::Done);
-  EXPECT_EQ(bench.Contents(), (Strings{"a=`aaa", "b=fine"}));
+  EXPECT_EQ(bench.Contents(), (Strings{"a=(damaged)", "b=fine"}));
 }
 
 TEST_F(Password, TakesTheHideoutAwayIfTheReloadFindsNothing) {

@@ -19,7 +19,7 @@ class ViewScript : public Scripted<ViewScreen> {
 class Preview : public testing::Test {
  protected:
   void View(const std::string& name) {
-    parcel = ParcelOf(bench.catalogue.Rows()[bench.RowNamed(name)]);
+    parcel = ParcelOf(bench.catalogue.Rows().at(bench.RowNamed(name)));
     ViewParcel();
   }
   void ViewParcel() {
@@ -187,8 +187,8 @@ TEST_F(Preview, KeepsAnEntryCompressedAtThePresentLevel) {
   for (const auto& [level, stored] : levels) {
     WriteAll(view.PreviewFile, SampleText(90000 + static_cast<std::size_t>(level)));
     EXPECT_EQ(Update(level).ending, RewriteEnding::Done);
-    EXPECT_EQ(bench.catalogue.Rows()[0].Field(tag::kCompressed), stored);
-    EXPECT_EQ(bench.catalogue.Rows()[0].size < 60000, *stored != '0');
+    EXPECT_EQ(bench.catalogue.Rows().at(0).Field(tag::kCompressed), stored);
+    EXPECT_EQ(bench.catalogue.Rows().at(0).size < 60000, *stored != '0');
     bench.Extract(bench.All());
     EXPECT_EQ(ReadAll(bench.target / "a"), ReadAll(view.PreviewFile)) << level;
   }

@@ -230,7 +230,7 @@ INSTANTIATE_TEST_SUITE_P(
                         {"new"},
                         {"a=" + Pattern(16000), "b=two"},
                         0444,
-                        {0644}}),
+                        {0444, 0644}}),
     [](const auto& instance) { return std::string(instance.param.name); });
 
 }  // namespace
