@@ -17,7 +17,7 @@ void WorkingForm::reject() {
 }
 
 void WorkingForm::done(int result) {
-  if (m_isRunning) {
+  if (Running()) {
     m_resultWhenOver = result;
     return;
   }
@@ -25,15 +25,14 @@ void WorkingForm::done(int result) {
 }
 
 void WorkingForm::RunWork(const std::function<void()>& work) {
-  if (m_isRunning) return;
-  m_isCancelled = false;
-  m_isRunning = true;
+  if (!Running()) m_isCancelled = false;
+  ++m_running;
   Guarded(m_dialogue, [&] {
     const SettledAtEnd settled(m_session);
     work();
   });
-  m_isRunning = false;
-  if (m_resultWhenOver) done(*std::exchange(m_resultWhenOver, std::nullopt));
+  --m_running;
+  if (!Running() && m_resultWhenOver) done(*std::exchange(m_resultWhenOver, std::nullopt));
 }
 
 void WorkingForm::StartWhenShown(std::function<void()> work) {
@@ -41,7 +40,7 @@ void WorkingForm::StartWhenShown(std::function<void()> work) {
 }
 
 void WorkingForm::AskToCancel(const Question& question) {
-  if (!m_isRunning || m_isAsking) return;
+  if (!Running() || m_isAsking) return;
   m_isAsking = true;
   if (m_dialogue.Ask(question) == Answer::Yes) m_isCancelled = true;
   m_isAsking = false;

@@ -23,7 +23,7 @@ class WorkingForm : public QDialog {
   WorkingForm(Session& session, Dialogue& dialogue, QWidget* parent);
 
   /// An operation is on the stack.
-  bool Running() const { return m_isRunning; }
+  bool Running() const { return m_running > 0; }
 
   void done(int result) override;
   void reject() override;
@@ -32,7 +32,7 @@ class WorkingForm : public QDialog {
   /// What the close box and Escape stand for now; null refuses them.
   virtual QPushButton* CancelButton() const = 0;
 
-  /// Runs an operation. The cancel request is withdrawn before.
+  /// Runs an operation, one inside another too. The cancel request is withdrawn before the outermost.
   void RunWork(const std::function<void()>& work);
 
   /// Runs it once, after the form was shown for the first time.
@@ -56,7 +56,7 @@ class WorkingForm : public QDialog {
   Dialogue& m_dialogue;
   std::function<void()> m_whenShown;
   std::optional<int> m_resultWhenOver;
-  bool m_isRunning = false;
+  int m_running = 0;
   bool m_isAsking = false;
   bool m_isCancelled = false;
 };

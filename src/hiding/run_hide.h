@@ -48,6 +48,7 @@ struct HideRow {
   Path source;         ///< full path; a symbolic link to a file stands for the file
   std::string name;    ///< file name, platform bytes
   std::string folder;  ///< the row's folder text: stored text, parts joined by "\", as selection makes it
+  Length size = 0;     ///< when it was collected; for the eye only
 };
 
 enum class Originals { Keep, Trash, Destroy };
