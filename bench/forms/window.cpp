@@ -85,6 +85,7 @@ class Bench {
                       {.dialogue = m_dialogue,
                        .fileDialogs = m_fileDialogs,
                        .openOutside = [](const QUrl&) {},
+                       .openFile = [](const Path&) {},
                        .endProcess = [] {}}};
   TreeNode* m_root;
   TreeNode* m_folder;

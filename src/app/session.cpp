@@ -148,7 +148,13 @@ RefreshResult Session::RefreshNow() const {
                   .hasNodes = !catalogue.Roots().empty(),
                   .hasRows = !fileList.Rows().empty(),
                   .listHasAttention = ActiveListHwnd == Attention::FileList,
-                  .isFileRowSelected = isFileRowSelected});
+                  .isFileRowSelected = IsFileRowSelected()});
+}
+
+bool Session::IsFileRowSelected() const {
+  const auto& rows = fileList.Rows();
+  const auto& row = rowSelection.current;
+  return row && *row < rows.size() && rows[*row].kind == FileListRow::Kind::File;
 }
 
 void Session::Select(const TreeNode& node) {

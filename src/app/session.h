@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -110,7 +111,13 @@ class Session {
 
   std::size_t FilesOf(const Path& carrier) const { return catalogue.RowsOf(carrier).size(); }
 
-  bool isFileRowSelected = false;  ///< kept by the view; see RefreshInput
+  /// What is selected in the visible list. Kept by the view.
+  struct RowSelection {
+    std::vector<std::size_t> rows;       ///< ascending, by their place in fileList.Rows()
+    std::optional<std::size_t> current;  ///< the row of the last click or key, if it is selected
+  };
+  RowSelection rowSelection;
+  bool IsFileRowSelected() const;
   RefreshResult RefreshNow() const;
 
  private:

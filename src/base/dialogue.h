@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "base/error.h"
 
@@ -20,6 +21,7 @@ struct Question {
   Icon icon = Icon::None;
   Answer preset = Answer::Ok;
   std::optional<Error> cause = std::nullopt;  ///< set where the question reports an error
+  std::vector<std::string> list = {};         ///< what the text is about, such as paths; printable
 };
 
 /// The answer that changes and destroys nothing: No, Cancel, Abort, or Ok where there is no choice.

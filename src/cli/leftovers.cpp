@@ -2,7 +2,7 @@
 
 #include "base/printable.h"
 #include "carrier/companions.h"
-#include "retrieval/recover.h"
+#include "carrier/leftovers.h"
 
 namespace tarnel {
 
@@ -17,18 +17,7 @@ std::string ByHand(const Path& carrier, const Path& backup) {
 
 void AskAboutLeftovers(const std::vector<Path>& leftovers, Surroundings& around) {
   if (leftovers.empty()) return;
-  std::string text;
-  for (const Path& path : leftovers)
-    text += LeftoverAdvice(path) + "\n";
-  const Question question{.id = "cli.leftovers",
-                          .title = "Tarnel",
-                          .text = text +
-                                  "See with verify and recover whether it is needed. To go on may replace it "
-                                  "for good. Do you want to go on?",
-                          .buttons = Buttons::YesNo,
-                          .icon = Icon::Question,
-                          .preset = Answer::No};
-  if (around.talk.Ask(question) == Answer::Yes) return;
+  if (around.talk.Ask(LeftoversQuestion(leftovers)) == Answer::Yes) return;
   if (around.talk.CancelRequested()) throw CliFailure(ExitCode::Cancelled, "cancelled");
   throw CliFailure(ExitCode::Failed, "nothing was changed: " + Printable(leftovers.front().native()) +
                                          " lies beside the carrier; run verify or recover, or move it away");

@@ -1,16 +1,16 @@
 #include "cli/rewrite_verbs.h"
 
 #include "base/printable.h"
-#include "carrier/companions.h"
+#include "carrier/leftovers.h"
 #include "cli/leftovers.h"
 
 namespace tarnel {
 
 Leftover PrepareRewrite(Workbench& bench, Surroundings& around) {
   RefuseBusy(bench.Carrier(), around.files);
-  const Path temporary = TemporaryCarrierPath(bench.Carrier());
-  if (!around.files.Stat(temporary, Files::Links::DontFollow)) return Leftover::Refuse;
-  AskAboutLeftovers({temporary}, around);
+  const std::vector<Path> leftovers = LeftoversOfRewriting(bench.Carrier(), around.files);
+  if (leftovers.empty()) return Leftover::Refuse;
+  AskAboutLeftovers(leftovers, around);
   return Leftover::Replace;
 }
 

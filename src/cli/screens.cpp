@@ -43,6 +43,13 @@ Answer ExtractOnTerminal::Ask(const Question& question) {
   return answer;
 }
 
+void HideOnTerminal::ShowOriginal(OriginalStep step, const Path& original, std::size_t number,
+                                  std::size_t count) {
+  const char* const what = step == OriginalStep::Comparing ? "Comparing " : "Removing ";
+  Talk().Progress().SetLabel(what + (number > 0 ? Counter(number, count) : "") +
+                             original.filename().native());
+}
+
 void ExtractOnTerminal::ShowFile(std::size_t number, std::size_t count, std::string_view storedName, Length,
                                  const Path& target) {
   m_target = target;

@@ -58,6 +58,8 @@ class HideOnTerminal : public ReadingOnTerminal<HideScreen> {
   void ShowFile(std::size_t number, std::size_t count, const Path& source, Length size) override;
   void FileDone(std::size_t number) override;
   void ShowProgress(double value, double maximum) override;
+  void ShowBackup(Length copied, Length size) override { Talk().Progress().Show(copied, size); }
+  void ShowOriginal(OriginalStep step, const Path& original, std::size_t number, std::size_t count) override;
 
   /// Numbers of the rows that were hidden, from 1.
   const std::set<std::size_t>& Done() const { return m_done; }

@@ -4,6 +4,7 @@
 #include "base/printable.h"
 #include "carrier/companions.h"
 #include "carrier/format.h"
+#include "carrier/leftovers.h"
 #include "cli/choice.h"
 #include "cli/hide_choice.h"
 #include "cli/leftovers.h"
@@ -18,13 +19,6 @@ namespace {
 
 enum class Hideout { Joined, Made };
 
-/// Of what may lie beside a carrier a hide replaces the ".bak" only.
-std::vector<Path> BackupsBeside(const Path& carrier, Files& files) {
-  std::vector<Path> found = LeftoversBeside(carrier, files);
-  std::erase(found, TemporaryCarrierPath(carrier));
-  return found;
-}
-
 /// The verb from its beginning to its end; Run() lists the steps.
 class HideVerb {
  public:
@@ -34,7 +28,7 @@ class HideVerb {
   ExitCode Run() {
     if (m_options.choice.dryRun) return DryRun();
     RefuseBusy(m_bench.Carrier(), m_around.files);
-    AskAboutLeftovers(BackupsBeside(m_bench.Carrier(), m_around.files), m_around);
+    AskAboutLeftovers(LeftoversOfHiding(m_bench.Carrier(), m_around.files), m_around);
     m_choice.Collect();
     OpenOrMake();
     RefuseWhatCannotFit();

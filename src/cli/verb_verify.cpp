@@ -2,6 +2,7 @@
 #include <array>
 
 #include "base/printable.h"
+#include "carrier/leftovers.h"
 #include "carrier/stored_text.h"
 #include "cli/entries.h"
 #include "cli/screens.h"

@@ -3,9 +3,9 @@
 #include "base/printable.h"
 #include "carrier/companions.h"
 #include "carrier/format.h"
+#include "carrier/leftovers.h"
 #include "carrier/stored_text.h"
 #include "cli/screens.h"
-#include "retrieval/recover.h"
 
 namespace tarnel {
 

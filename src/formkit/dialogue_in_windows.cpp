@@ -1,10 +1,14 @@
 #include "formkit/dialogue_in_windows.h"
 
 #include <QApplication>
+#include <QDialogButtonBox>
+#include <QGridLayout>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <vector>
 
+#include "formkit/layouts.h"
 #include "formkit/text.h"
 
 namespace tarnel {
@@ -69,14 +73,35 @@ void FillBox(QMessageBox& box, const Question& question) {
   }
 }
 
+/// A list that scrolls, and can be copied.
+void ShowListIn(QMessageBox& box, const Question& question) {
+  QString text;
+  for (const std::string& line : question.list)
+    text += QString::fromStdString(line) + QLatin1Char('\n');
+  auto* const list = Named(new QPlainTextEdit(text.trimmed(), &box), "List");
+  list->setReadOnly(true);
+  list->setTabChangesFocus(true);
+  list->setAccessibleName(BoxText(question.text));
+  list->setMinimumSize(list->fontMetrics().averageCharWidth() * 60, list->fontMetrics().lineSpacing() * 8);
+  auto* const grid = qobject_cast<QGridLayout*>(box.layout());
+  grid->addWidget(list, grid->rowCount(), 0, 1, grid->columnCount());
+  // The buttons stand below the list.
+  if (auto* const buttons = box.findChild<QDialogButtonBox*>()) {
+    grid->removeWidget(buttons);
+    grid->addWidget(buttons, grid->rowCount(), 0, 1, grid->columnCount());
+  }
+}
+
 Answer AnswerOf(const QMessageBox& box, const Question& question) {
   if (box.clickedButton() == nullptr) return SafeAnswer(question.buttons);
   return static_cast<Answer>(box.clickedButton()->property(kAnswerProperty).toInt());
 }
 
 Answer DialogueInWindows::Ask(const Question& question) {
-  QMessageBox box(QApplication::activeWindow());
+  QWidget* const active = QApplication::activeWindow();
+  QMessageBox box(active != nullptr ? active : QApplication::activeModalWidget());
   FillBox(box, question);
+  if (!question.list.empty()) ShowListIn(box, question);
   box.exec();
   m_sinceEvents.restart();
   return AnswerOf(box, question);

@@ -27,6 +27,9 @@ class DialogueInWindows : public Dialogue {
 /// Puts texts, icon, buttons and preset of `question` into `box`.
 void FillBox(QMessageBox& box, const Question& question);
 
+/// Puts the question's list below its text.
+void ShowListIn(QMessageBox& box, const Question& question);
+
 /// The answer of the button that closed the box.
 Answer AnswerOf(const QMessageBox& box, const Question& question);
 

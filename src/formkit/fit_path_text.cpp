@@ -50,8 +50,9 @@ PathLabel::PathLabel(QWidget* parent) : QLabel(parent) {
   setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
 }
 
-void PathLabel::SetPath(const QString& path) {
+void PathLabel::SetPath(const QString& path, const QString& behind) {
   m_path = path;
+  m_behind = behind;
   setToolTip(path.toHtmlEscaped());
   setAccessibleDescription(path);
   Fit();
@@ -68,9 +69,11 @@ void PathLabel::resizeEvent(QResizeEvent* event) {
 
 void PathLabel::Fit() {
   const QFontMetrics metrics = fontMetrics();
-  setText(FitPathText(
-      m_path, width() * kTwipsPerPixel, QStringLiteral("..."),
-      [&metrics](const QString& text) { return metrics.horizontalAdvance(text) * kTwipsPerPixel; }));
+  const auto widthOf = [&metrics](const QString& text) {
+    return metrics.horizontalAdvance(text) * kTwipsPerPixel;
+  };
+  setText(FitPathText(m_path, width() * kTwipsPerPixel - widthOf(m_behind), QStringLiteral("..."), widthOf) +
+          m_behind);
 }
 
 }  // namespace tarnel

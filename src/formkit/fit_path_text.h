@@ -12,13 +12,14 @@ namespace tarnel {
 QString FitPathText(QString text, int maxWidth, const QString& ellipsis,
                     const std::function<int(const QString&)>& widthOf);
 
-/// A label that fits its path anew whenever its width changes. The whole path is its tool tip.
+/// A label that fits its path anew whenever its width changes; a text behind it, such as " (12 KB)", stays
+/// whole. The whole path is its tool tip.
 class PathLabel : public QLabel {
   Q_OBJECT
 
  public:
   explicit PathLabel(QWidget* parent = nullptr);
-  void SetPath(const QString& path);
+  void SetPath(const QString& path, const QString& behind = {});
   QSize minimumSizeHint() const override;
 
  protected:
@@ -28,6 +29,7 @@ class PathLabel : public QLabel {
   void Fit();
 
   QString m_path;
+  QString m_behind;
 };
 
 }  // namespace tarnel

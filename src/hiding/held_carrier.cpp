@@ -89,10 +89,10 @@ bool HeldCarrier::IsOwn(const Path& path) {
   });
 }
 
-void HeldCarrier::MakeBackup(const std::function<void()>& yield) {
+void HeldCarrier::MakeBackup(const std::function<void(Length)>& hook) {
   const bool isTaken = m_files.Stat(m_backup, Files::Links::DontFollow).has_value();
   const Path copy = isTaken ? FolderOf(m_backup) / RandomName(".") : m_backup;
-  CopyFile(m_files, *m_file, m_path, copy, m_oldMode, Durability::WrittenThrough, [&](Length) { yield(); });
+  CopyFile(m_files, *m_file, m_path, copy, m_oldMode, Durability::WrittenThrough, hook);
   PartialFile partial(m_files, copy);
   if (m_file->Size() != m_oldLength)
     throw Error(ErrorNumber::DeviceIo,

@@ -35,8 +35,9 @@ class HeldCarrier {
 
   /// Copies the carrier, with its old mode, to the ".bak"; an older file of that name goes without a
   /// question, but not before the new copy is whole. It is on the medium afterwards. A carrier that is no
-  /// longer OldLength bytes long is an Error DeviceIo.
-  void MakeBackup(const std::function<void()>& yield);
+  /// longer OldLength bytes long is an Error DeviceIo. What `hook` throws ends the copy, and no part of it
+  /// stays.
+  void MakeBackup(const std::function<void(Length copied)>& hook);
 
   /// Removes the ".bak", if it was made.
   void DropBackup();

@@ -37,12 +37,21 @@ void OriginalsRemoval::Run(const std::vector<RowReadBack>& readBack) {
   if (m_readBack.empty()) return;
   if (Attempt(m_screen, m_handler, [&] { KeepTheRest(); }) == Outcome::Ignored) return;
   if (m_request.originals == Originals::Destroy) {
-    for (const RowReadBack& row : m_readBack)
+    std::size_t number = 0;
+    for (const RowReadBack& row : m_readBack) {
+      ShowRemoving(m_request.rows[row.row].source, ++number);
       Attempt(m_screen, m_handler, [&] { DestroyFile(row); });
-    for (const Path& path : m_request.chosen)
+    }
+    for (const Path& path : m_request.chosen) {
+      ShowRemoving(path, 0);
       Attempt(m_screen, m_handler, [&] { DestroyFolderWithoutFiles(path); });
+    }
   }
   if (m_request.originals == Originals::Trash) MoveChosenToTrash();
+}
+
+void OriginalsRemoval::ShowRemoving(const Path& path, std::size_t number) {
+  m_screen.ShowOriginal(OriginalStep::Removing, path, number, m_readBack.size());
 }
 
 bool OriginalsRemoval::IsReadBack(std::size_t row) const {
@@ -134,7 +143,10 @@ void OriginalsRemoval::MoveChosenToTrash() {
     Attempt(m_screen, m_handler, [&] {
       if (!HoldsKept(path)) paths.push_back(path);
     });
-  const auto mayGo = [this](const Path& path) { return MayGoToTrash(path); };
+  const auto mayGo = [this](const Path& path) {
+    ShowRemoving(path, 0);
+    return MayGoToTrash(path);
+  };
   if (!ShellDelete(paths, m_screen, m_files, mayGo).Succeeded()) m_screen.Ask(TrashFailedQuestion());
 }
 

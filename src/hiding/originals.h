@@ -44,6 +44,7 @@ class OriginalsRemoval {
  private:
   using FileIdentity = std::pair<std::uint64_t, std::uint64_t>;
 
+  void ShowRemoving(const Path& path, std::size_t number);
   bool IsReadBack(std::size_t row) const;
   void NoteWhatShouldGo();
   void NoteFile(const Path& path);

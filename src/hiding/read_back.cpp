@@ -121,10 +121,12 @@ class ReadBack {
 
 std::vector<RowReadBack> RowsThatReadBack(const std::vector<NewEntry>& entries,
                                           const std::vector<HideRow>& rows, const CurrentHideout& hideout,
-                                          File& carrier, Files& files, Dialogue& dialogue) {
+                                          File& carrier, Files& files, HideScreen& screen) {
   std::vector<RowReadBack> found;
-  ReadBack reader(entries, rows, hideout, carrier, dialogue);
+  std::size_t number = 0;
+  ReadBack reader(entries, rows, hideout, carrier, screen);
   reader.WalkNewEntries([&](const NewEntry& entry, const WipedText& record) {
+    screen.ShowOriginal(OriginalStep::Comparing, rows[entry.row].source, ++number, entries.size());
     if (const auto seen = reader.IdenticalOriginal(entry, record, files)) found.push_back({entry.row, *seen});
   });
   std::sort(found.begin(), found.end(),

@@ -31,7 +31,7 @@ struct RowReadBack {
 /// not among them. Throws no Error. Memory doesn't grow with the files.
 std::vector<RowReadBack> RowsThatReadBack(const std::vector<NewEntry>& entries,
                                           const std::vector<HideRow>& rows, const CurrentHideout& hideout,
-                                          File& carrier, Files& files, Dialogue& dialogue);
+                                          File& carrier, Files& files, HideScreen& screen);
 
 /// Whether all entries can be read so and are authentic, whatever has become of the originals.
 bool AllReadBack(const std::vector<NewEntry>& entries, const std::vector<HideRow>& rows,

@@ -1,6 +1,7 @@
 #include "hiding/run_hide.h"
 
 #include <array>
+#include <atomic>
 #include <charconv>
 #include <cstdint>
 #include <ctime>
@@ -49,6 +50,32 @@ std::string OctalDigits(mode_t mode) {
   std::array<char, 16> text;
   return {text.data(), std::to_chars(text.data(), text.data() + text.size(), mode, 8).ptr};
 }
+
+/// The person in front of a backup that a helper thread makes.
+class BackupTalk : public Dialogue {
+ public:
+  BackupTalk(HideScreen& screen, Length size) : m_screen(screen), m_size(size) {}
+
+  Answer Ask(const Question& question) override { return m_screen.Ask(question); }
+  bool CancelRequested() const override { return m_screen.CancelRequested(); }
+  void Yield() override {
+    m_screen.ShowBackup(m_copied, m_size);
+    m_screen.Yield();
+    m_isCancelled = m_screen.CancelRequested();
+  }
+
+  /// By the helper, after each block.
+  void Copied(Length copied) {
+    m_copied = copied;
+    if (m_isCancelled) throw Stop{StopReason::Cancelled};
+  }
+
+ private:
+  HideScreen& m_screen;
+  const Length m_size;
+  std::atomic<Length> m_copied = 0;
+  std::atomic<bool> m_isCancelled = false;
+};
 
 class HideRun {
  public:
@@ -180,8 +207,9 @@ void HideRun::HideAll() {
 /// is being changed be the only copy.
 bool HideRun::MakeBackup() {
   ShowStage(HideStage::CreateBackup);
-  Pace pace(m_screen);
-  Try([&] { m_carrier.MakeBackup([&] { pace.Step(); }); });
+  BackupTalk talk(m_screen, m_carrier.OldLength());
+  const auto make = [&] { m_carrier.MakeBackup([&talk](Length copied) { talk.Copied(copied); }); };
+  Try([&] { RunYielding(talk, make); });
   if (m_carrier.BackupStands()) return true;
   for (const HideRow& row : m_request.rows)
     m_result.leftOut.push_back(row.source);
@@ -330,7 +358,7 @@ void HideRun::CompleteCarrier() {
 }
 
 void HideRun::SyncEntries() {
-  m_carrier.SyncEntries(m_writer.End());
+  RunYielding(m_screen, [this] { m_carrier.SyncEntries(m_writer.End()); });
   if (!m_carrier.WasWrittenAgain()) return;
   if (AllReadBack(m_entries, m_request.rows, m_hideout, m_carrier.Opened(), m_screen)) return;
   throw Error(ErrorNumber::DeviceIo,
@@ -391,7 +419,8 @@ HideEnding HideRun::EndEarly(StopReason reason) {
 void HideRun::RestoreCarrier() {
   ShowStage(HideStage::RestoreCarrier);
   const bool mustCut = m_writer.HasBegun();
-  if (mustCut && Try([this] { m_carrier.CutBack(); }) == Outcome::Ignored) throw Stop{StopReason::Aborted};
+  const auto cut = [this] { RunYielding(m_screen, [this] { m_carrier.CutBack(); }); };
+  if (mustCut && Try(cut) == Outcome::Ignored) throw Stop{StopReason::Aborted};
   m_entries.clear();
   m_result.leftOut.clear();
   Try([this] { m_carrier.RestoreMode(); });

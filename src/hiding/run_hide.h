@@ -25,6 +25,8 @@ enum class HideStage {
 /// "Create backup file" and so on; the screen puts "..." behind it.
 const char* StageText(HideStage stage);
 
+enum class OriginalStep { Comparing, Removing };
+
 /// What a hide shows while it runs.
 class HideScreen : public ReadingScreen {
  public:
@@ -34,6 +36,12 @@ class HideScreen : public ReadingScreen {
   /// The row is done and can be greyed.
   virtual void FileDone(std::size_t number) = 0;
   virtual void ShowProgress(double value, double maximum) = 0;
+  /// While the backup is made: `copied` of `size` bytes of the carrier.
+  virtual void ShowBackup(Length copied, Length size) = 0;
+  /// While originals are being dealt with: number `number` of `count` is being compared with its entry, or is
+  /// about to go. A path with number 0 belongs to none of them: a chosen folder.
+  virtual void ShowOriginal(OriginalStep step, const Path& original, std::size_t number,
+                            std::size_t count) = 0;
 };
 
 /// One row of the selection.
@@ -41,6 +49,7 @@ struct HideRow {
   Path source;         ///< full path; a symbolic link to a file stands for the file
   std::string name;    ///< file name, platform bytes
   std::string folder;  ///< the row's folder text: stored text, parts joined by "\", as selection makes it
+  Length size = 0;     ///< when it was collected; for the eye only
 };
 
 enum class Originals { Keep, Trash, Destroy };
@@ -84,8 +93,8 @@ struct HideResult {
 /// in order, carrier synced before the backup goes, then the originals, then a reload. Refuses with an Error
 /// before a byte is written: a carrier that is no regular file, a row that is the carrier itself or its
 /// ".bak", a carrier that another process has locked. The carrier is unlocked before the reload.
-/// Cancel is looked at before each file and before each full block of a copy; the carrier then becomes byte
-/// for byte what it was.
+/// Cancel is looked at while the backup is made, before each file and before each full block of a copy; the
+/// carrier then becomes byte for byte what it was.
 HideResult RunHide(const HideRequest& request, Reading& reading, HideScreen& screen);
 
 }  // namespace tarnel

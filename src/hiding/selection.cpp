@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "carrier/companions.h"
 #include "carrier/stored_text.h"
 
 namespace tarnel {
@@ -41,6 +42,31 @@ std::string FolderText(std::string_view parent, std::string_view base) {
 
 Selection::Selection(Files& files, SelectionScreen& screen) : m_files(files), m_screen(screen) {}
 
+void Selection::KeepOut(const Path& carrier) {
+  for (const Path& path : {carrier, BackupPath(carrier), TemporaryCarrierPath(carrier)}) {
+    m_keptOut.push_back(path.lexically_normal());
+    try {
+      if (const auto stat = m_files.Stat(path)) m_keptOutStats.push_back(*stat);
+    } catch (const Error&) {  // its path is known
+    }
+  }
+}
+
+bool Selection::IsKeptOut(const Path& file, const FileStat& stat) const {
+  if (std::find(m_keptOut.begin(), m_keptOut.end(), file.lexically_normal()) != m_keptOut.end()) return true;
+  return std::any_of(m_keptOutStats.begin(), m_keptOutStats.end(),
+                     [&stat](const FileStat& own) { return own.IsSameFile(stat); });
+}
+
+void Selection::Begin(Before before) {
+  m_foldersCounted = 0;
+  m_passed.clear();
+  if (before == Before::Kept) return;
+  m_collected.clear();
+  m_paths.clear();
+  m_totalBytes = 0;
+}
+
 void Selection::AddFile(const Path& file, std::string_view base) {
   try {
     if (const std::optional<FileStat> stat = m_files.Stat(file))
@@ -58,10 +84,15 @@ void Selection::AddIfRegular(const Path& file, const FileStat& stat, std::string
     m_passed.push_back({file, "is a pipe, a socket or a device"});
     return;
   }
+  if (IsKeptOut(file, stat)) {
+    m_passed.push_back({file, "is the carrier or belongs to it"});
+    return;
+  }
   if (!m_paths.insert(file.native()).second) return;
   m_collected.push_back({.source = file,
                          .name = file.filename().native(),
-                         .folder = FolderText(file.parent_path().native(), base)});
+                         .folder = FolderText(file.parent_path().native(), base),
+                         .size = stat.size});
   m_totalBytes += static_cast<double>(stat.size);
   m_screen.ShowAdded(file, m_collected.size());
   m_screen.Yield();
@@ -94,9 +125,14 @@ void Selection::AddFilesOf(const Path& folder, std::string_view base, std::vecto
   } catch (const Error& error) {
     m_passed.push_back({folder, Reason(error)});
   }
+  const auto isFolder = [](const FolderEntry& entry) { return entry.kind == FileKind::Folder; };
+  const auto folders = std::count_if(entries.begin(), entries.end(), isFolder);
+  m_screen.ShowFolder(folder, entries.size() - static_cast<std::size_t>(folders));
   for (const FolderEntry& entry : entries) {
     if (m_screen.CancelRequested()) return;
-    if (entry.kind != FileKind::Folder) AddFile(folder / entry.name, base);
+    if (isFolder(entry)) continue;
+    m_screen.EntryPassed();
+    AddFile(folder / entry.name, base);
   }
   for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry)
     if (entry->kind == FileKind::Folder) waiting.push_back(folder / entry->name);

@@ -22,6 +22,9 @@ class SelectionScreen : public virtual Dialogue {
  public:
   /// A file was added; `found` rows stand now.
   virtual void ShowAdded(const Path& file, std::size_t found) = 0;
+  /// A folder with `entries` entries that are no folders is gone through; EntryPassed follows for each.
+  virtual void ShowFolder(const Path&, std::size_t /*entries*/) {}
+  virtual void EntryPassed() {}
 };
 
 /// Collects the rows of a hide. A path appears once; its first row keeps place and folder text.
@@ -30,6 +33,14 @@ class SelectionScreen : public virtual Dialogue {
 class Selection {
  public:
   Selection(Files& files, SelectionScreen& screen);
+
+  /// The carrier, its ".bak" and its ".tmp" are passed over from here on, under whatever path.
+  void KeepOut(const Path& carrier);
+
+  enum class Before { Kept, Dropped };
+  /// A new collecting begins: folders are counted from 0, and nothing has been passed over. The rows of
+  /// former ones are dropped or kept.
+  void Begin(Before before);
 
   /// Adds one file with the folder text that `base` gives it (see FolderText). A path where nothing or
   /// a folder stands is passed over in silence.
@@ -56,6 +67,7 @@ class Selection {
  private:
   void AddIfRegular(const Path& file, const FileStat& stat, std::string_view base);
   void PassOverFolder(const Path& folder);
+  bool IsKeptOut(const Path& file, const FileStat& stat) const;
   void AddFilesOf(const Path& folder, std::string_view base, std::vector<Path>& waiting);
   double SizeIfThere(const Path& file);
   static long FoldersAmong(const std::vector<HideRow>& rows);
@@ -67,6 +79,8 @@ class Selection {
   double m_totalBytes = 0;
   long m_foldersCounted = 0;
   std::vector<PassedOver> m_passed;
+  std::vector<Path> m_keptOut;
+  std::vector<FileStat> m_keptOutStats;
 };
 
 /// The folder text of a file in folder `parent` under `base`: empty if they are the same (but for a separator

@@ -206,10 +206,4 @@ Path PutInPlace(const Path& fresh, const Path& carrier, Files& files) {
   return kept;
 }
 
-std::string LeftoverAdvice(const Path& leftover) {
-  return Printable(leftover.native()) +
-         " lies beside the carrier: an interrupted run left it, or it is a file of your own. Recovering the "
-         "carrier shows which copy opens with your password and keeps the others";
-}
-
 }  // namespace tarnel

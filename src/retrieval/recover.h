@@ -59,7 +59,4 @@ std::vector<Path> ApplyRecovery(const RecoverPlan& plan, std::size_t choice, Fil
 /// under a new name, which it gives; both exist at every moment. Throws Error.
 Path PutInPlace(const Path& fresh, const Path& carrier, Files& files);
 
-/// One sentence on a file that lies beside a carrier: what it may be and what to do.
-std::string LeftoverAdvice(const Path& leftover);
-
 }  // namespace tarnel

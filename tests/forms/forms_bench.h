@@ -129,6 +129,7 @@ class FormsBench {
         *session, WindowPorts{.dialogue = dialogue,
                               .fileDialogs = files,
                               .openOutside = [this](const QUrl& url) { opened = url; },
+                              .openFile = [this](const Path& path) { openedFile = path; },
                               .endProcess = [this] { ++ended; }});
   }
 
@@ -142,6 +143,7 @@ class FormsBench {
   ChosenFiles files;
   ModalSteps modal;
   QUrl opened;
+  Path openedFile;
   int ended = 0;
   std::optional<SettingsFile> settings;
   std::optional<Session> session;

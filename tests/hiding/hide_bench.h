@@ -39,6 +39,12 @@ class NotingHideScreen : public Scripted<HideScreen> {
     value = newValue;
     maximum = newMaximum;
   }
+  void ShowBackup(Length, Length) override {}
+  void ShowOriginal(OriginalStep step, const Path& original, std::size_t number, std::size_t count) override {
+    originals.push_back((step == OriginalStep::Comparing ? "compare " : "remove ") +
+                        original.filename().native() + " " + std::to_string(number) + "/" +
+                        std::to_string(count));
+  }
   void ShowReading(Length, Length) override {}
   void HideoutLoaded(TreeNode&, std::size_t files) override {
     script.Note("loaded " + std::to_string(files));
@@ -47,6 +53,7 @@ class NotingHideScreen : public Scripted<HideScreen> {
 
   double value = 0;
   double maximum = 0;
+  std::vector<std::string> originals;
 };
 
 /// A carrier, files to hide in it, and one hide.

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "carrier/leftovers.h"
 #include "retrieval/recover.h"
 #include "retrieval/verify.h"
 #include "tests/retrieval/retrieval_bench.h"

@@ -2,6 +2,7 @@
 
 #include "formkit/icons.h"
 #include "formkit/text.h"
+#include "formkit/type_icons.h"
 
 namespace tarnel {
 
@@ -10,32 +11,7 @@ namespace {
 constexpr int kStandByIcon = 2;
 constexpr int kFirstTypeIcon = 4;
 
-const QMimeDatabase& MimeTypes() {
-  static const QMimeDatabase database;
-  return database;
-}
-
-QMimeType TypeOfName(const QString& name) {
-  const QList<QMimeType> types = MimeTypes().mimeTypesForFileName(name);
-  return types.isEmpty() ? QMimeType() : types.constFirst();
-}
-
-const char* OwnIconOf(const QMimeType& type) {
-  const QString name = type.name();
-  if (name.startsWith(QLatin1String("image/"))) return "file-image";
-  if (name.startsWith(QLatin1String("audio/"))) return "file-sound";
-  if (name.startsWith(QLatin1String("video/"))) return "file-video";
-  if (type.inherits(QStringLiteral("application/x-executable"))) return "file-program";
-  if (type.inherits(QStringLiteral("text/plain"))) return "file-text";
-  return "file";
-}
-
 }  // namespace
-
-std::string TypeTextOf(const std::string& name) {
-  const QMimeType type = TypeOfName(QString::fromStdString(name));
-  return type.isValid() ? type.comment().toStdString() : std::string();
-}
 
 FileListModel::FileListModel(const Session& session, QObject* parent)
     : QAbstractTableModel(parent), m_session(session) {}
@@ -96,9 +72,7 @@ QIcon FileListModel::IconOfType(int icon) const {
   const auto at = static_cast<std::size_t>(icon - kFirstTypeIcon);
   if (icon <= kStandByIcon || at >= keys.size()) return OwnIcon("file");
   if (keys[at] == "setup") return OwnIcon("file-program");
-  const QMimeType type = TypeOfName(QStringLiteral("x.") + ShownText(keys[at]));
-  const QIcon own = OwnIcon(OwnIconOf(type));
-  return QIcon::fromTheme(type.iconName(), QIcon::fromTheme(type.genericIconName(), own));
+  return IconOfName("x." + ShownText(keys[at]).toStdString());
 }
 
 }  // namespace tarnel

@@ -3,7 +3,6 @@
 #include <QAbstractTableModel>
 #include <QHash>
 #include <QIcon>
-#include <QMimeDatabase>
 #include <vector>
 
 #include "app/session.h"
@@ -36,8 +35,5 @@ class FileListModel : public QAbstractTableModel {
   int m_rowCount = 0;
   mutable QHash<int, QIcon> m_icons;
 };
-
-/// The name of a file's type for people, by its name alone.
-std::string TypeTextOf(const std::string& name);
 
 }  // namespace tarnel

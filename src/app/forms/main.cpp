@@ -13,6 +13,7 @@
 #include "formkit/dialogue_in_windows.h"
 #include "formkit/guarded.h"
 #include "formkit/icons.h"
+#include "formkit/shell_open.h"
 
 namespace {
 
@@ -30,6 +31,7 @@ int RunOnThisMachine(const std::vector<std::string>& arguments, tarnel::Dialogue
   using namespace tarnel;
   PosixFiles files;
   TracelessFileDialogs fileDialogs;
+  DesktopOpener opener(files);
   const int code =
       RunProgram(CommandLinePath(arguments),
                  {.files = files,
@@ -38,6 +40,7 @@ int RunOnThisMachine(const std::vector<std::string>& arguments, tarnel::Dialogue
                   .window = {.dialogue = dialogue,
                              .fileDialogs = fileDialogs,
                              .openOutside = [](const QUrl& url) { QDesktopServices::openUrl(url); },
+                             .openFile = [&opener](const Path& path) { opener.Open(path); },
                              .endProcess = EndProcess},
                   .runEvents = RunEvents});
   WipeAllKeys();

@@ -9,6 +9,7 @@
 #include "base/temp_names.h"
 #include "carrier/forms/carrier_pass.h"
 #include "formkit/guarded.h"
+#include "hiding/forms/frm_hide.h"
 #include "retrieval/forms/frm_carrier_file.h"
 #include "retrieval/forms/frm_properties.h"
 
@@ -86,7 +87,7 @@ void MainCommands::RunFlow(const Command& command) {
     case CommandId::Quit:
       return m_ports.endProcess();
     case CommandId::Hide:
-      return Hide(command);
+      return Hide();
     case CommandId::SelectAll:
       return m_window.SelectAllRows();
     case CommandId::InvertSelection:
@@ -131,11 +132,11 @@ void MainCommands::OpenCarrier(const Path& carrier) {
   CarrierPass(OneName(carrier, m_session.files), m_session, m_ports.dialogue, parent).exec();
 }
 
-void MainCommands::Hide(const Command& command) {
+void MainCommands::Hide() {
   const Requested hiding(m_session.HideOpenRequested);
   if (m_session.catalogue.Roots().empty()) Run(CommandId::Open, CommandSource::Toolbar);
   if (m_session.catalogue.Roots().empty()) return;
-  m_ports.dialogue.Ask(LaterMessage(command));
+  FrmHide(m_session, m_ports.dialogue, m_ports.openFile, &m_parent).exec();
 }
 
 void MainCommands::ShowProperties() {

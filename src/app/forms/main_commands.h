@@ -15,6 +15,8 @@ struct WindowPorts {
   Dialogue& dialogue;
   FileDialogs& fileDialogs;
   OutsideOpener openOutside;
+  /// Opens a file or folder with the desktop. Throws Error.
+  std::function<void(const Path&)> openFile;
   /// Ends the process at once, saving nothing.
   std::function<void()> endProcess;
 };
@@ -51,7 +53,7 @@ class MainCommands {
   void RunFlow(const Command& command);
   void NewCarrier();
   void ChooseCarrier();
-  void Hide(const Command& command);
+  void Hide();
   void ShowProperties();
   void SaveAs();
   void Configure();

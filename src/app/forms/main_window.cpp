@@ -11,11 +11,12 @@
 #include <QVBoxLayout>
 
 #include "app/forms/command_actions.h"
+#include "app/forms/dir_tree.h"
 #include "app/forms/dir_view_model.h"
 #include "app/forms/file_list_model.h"
-#include "app/forms/list_views.h"
 #include "app/forms/status_panels.h"
 #include "formkit/dropped_path.h"
+#include "formkit/file_table.h"
 #include "formkit/guarded.h"
 #include "formkit/layouts.h"
 #include "formkit/text.h"
@@ -97,6 +98,7 @@ void MainWindow::MakePanes() {
 
 void MainWindow::ConnectAll() {
   connect(m_actions, &CommandActions::Triggered, this, [this](CommandId id, CommandSource source) {
+    ReadRowSelection();
     m_commands.Run(id, source);
     RefreshCommands();
   });
@@ -105,8 +107,10 @@ void MainWindow::ConnectAll() {
     connect(m_dirView, signal, this, [this] { SetAttention(Attention::DirView); });
   }
   connect(m_fileList, &FileTable::RowOpened, this, &MainWindow::OpenRow);
-  connect(m_fileList, &FileTable::DeletePressed, this,
-          [this] { m_commands.RunIfEnabled(CommandId::Delete); });
+  connect(m_fileList, &FileTable::DeletePressed, this, [this] {
+    ReadRowSelection();
+    m_commands.RunIfEnabled(CommandId::Delete);
+  });
   connect(m_fileList->header(), &QHeaderView::sectionClicked, this, &MainWindow::ClickColumn);
   connect(m_status->info, &StatusPanel::DoubleClicked, this,
           [this] { m_commands.RunIfEnabled(CommandId::CarrierProperties); });
@@ -279,12 +283,12 @@ void MainWindow::RefreshCommands() {
 }
 
 void MainWindow::ReadRowSelection() {
+  Session::RowSelection selection;
+  selection.rows = m_fileList->SelectedRows();
   const QModelIndex current = m_fileList->currentIndex().siblingAtColumn(0);
-  const auto& rows = m_session.fileList.Rows();
-  const auto row = static_cast<std::size_t>(std::max(0, current.row()));
-  m_session.isFileRowSelected = current.isValid() && row < rows.size() &&
-                                m_fileList->selectionModel()->isSelected(current) &&
-                                rows[row].kind == FileListRow::Kind::File;
+  if (current.isValid() && m_fileList->selectionModel()->isSelected(current))
+    selection.current = static_cast<std::size_t>(current.row());
+  m_session.rowSelection = std::move(selection);
 }
 
 void MainWindow::ClickNode(const QModelIndex& index) {

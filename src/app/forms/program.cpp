@@ -2,10 +2,10 @@
 
 #include <QTimer>
 
-#include "app/forms/file_list_model.h"
 #include "app/forms/main_window.h"
 #include "app/instance_lock.h"
 #include "app/questions.h"
+#include "formkit/type_icons.h"
 
 namespace tarnel {
 

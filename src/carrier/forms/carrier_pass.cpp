@@ -15,6 +15,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include "app/session_screen.h"
 #include "carrier/open_hideout.h"
 #include "carrier/questions.h"
 #include "formkit/busy_cursor.h"
@@ -31,26 +32,18 @@ constexpr int kTries = 20;
 constexpr int kPresetAlgorithm = 4;
 
 /// The opening as the form shows it.
-class LoadingScreen : public OpeningScreen {
+class LoadingScreen : public SessionScreen<OpeningScreen> {
  public:
   LoadingScreen(Session& session, Dialogue& dialogue, QProgressBar& progress)
-      : m_session(session), m_dialogue(dialogue), m_progress(progress) {}
-
-  Answer Ask(const Question& question) override { return m_dialogue.Ask(question); }
-  void Yield() override { m_dialogue.Yield(); }
-  bool CancelRequested() const override { return m_session.guards.AbortReadingFlag; }
+      : SessionScreen(session, dialogue, session.guards.AbortReadingFlag), m_progress(progress) {}
 
   void ShowReading(Length passed, Length size) override {
     if (m_progress.maximum() != size) m_progress.setMaximum(static_cast<int>(size));
     m_progress.setValue(static_cast<int>(passed));
   }
   void ShowTry(int number) override { m_progress.setValue(number); }
-  void HideoutLoaded(TreeNode& root, std::size_t files) override { m_session.HideoutLoaded(root, files); }
-  void HideoutGone() override { m_session.HideoutGone(); }
 
  private:
-  Session& m_session;
-  Dialogue& m_dialogue;
   QProgressBar& m_progress;
 };
 

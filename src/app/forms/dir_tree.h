@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QPersistentModelIndex>
-#include <QStyledItemDelegate>
 #include <QTreeView>
 
 namespace tarnel {
@@ -26,23 +25,6 @@ class DirTree : public QTreeView {
   void ClickIfMoved();
 
   QPersistentModelIndex m_clicked;  ///< current when the mouse was pressed, or clicked since
-};
-
-/// The list of hidden files, with lines between the cells if wanted. Names don't go to the clipboard.
-class FileTable : public QTreeView {
-  Q_OBJECT
-
- public:
-  explicit FileTable(QWidget* parent = nullptr);
-  void SetFullRowSelect(bool isOn);
-  void SetGridLines(bool isOn);
-
- signals:
-  void RowOpened();      ///< by double click or Return
-  void DeletePressed();  ///< the Delete key
-
- protected:
-  void keyPressEvent(QKeyEvent* event) override;
 };
 
 }  // namespace tarnel

@@ -1,16 +1,15 @@
-#include "app/forms/list_views.h"
+#include "formkit/file_table.h"
 
+#include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QMouseEvent>
 #include <QPainter>
+#include <QStyledItemDelegate>
+#include <algorithm>
 
 namespace tarnel {
 
 namespace {
-
-/// Levels that open at once. The toolkit lays open levels out by recursion, and hostile folders have no end.
-constexpr int kDeepestAtOnce = 100;
 
 /// Paints a line at the right and at the bottom of each cell.
 class GridDelegate : public QStyledItemDelegate {
@@ -31,50 +30,12 @@ class GridDelegate : public QStyledItemDelegate {
 
 }  // namespace
 
-DirTree::DirTree(QWidget* parent) : QTreeView(parent) {
-  setHeaderHidden(true);
-  setUniformRowHeights(true);
-  setContextMenuPolicy(Qt::CustomContextMenu);
-  connect(this, &QTreeView::clicked, this, [this](const QModelIndex& index) {
-    m_clicked = index;
-    emit NodeClicked(index);
-  });
-}
-
-/// The right button opens the menu while it is down, so its click comes before that.
-void DirTree::mousePressEvent(QMouseEvent* event) {
-  m_clicked = currentIndex();
-  QTreeView::mousePressEvent(event);
-  if (event->button() == Qt::RightButton) ClickIfMoved();
-}
-
-/// Pressed on one node and released over another, the second is highlighted, and the toolkit calls it no
-/// click.
-void DirTree::mouseReleaseEvent(QMouseEvent* event) {
-  QTreeView::mouseReleaseEvent(event);
-  ClickIfMoved();
-}
-
-void DirTree::ClickIfMoved() {
-  if (!currentIndex().isValid() || m_clicked == currentIndex()) return;
-  m_clicked = currentIndex();
-  emit NodeClicked(currentIndex());
-}
-
-void DirTree::keyPressEvent(QKeyEvent* event) {
-  if (event->matches(QKeySequence::Copy)) return;
-  if (event->key() == Qt::Key_Asterisk) return expandRecursively(currentIndex(), kDeepestAtOnce);
-  const QModelIndex before = currentIndex();
-  QTreeView::keyPressEvent(event);
-  if (currentIndex().isValid() && currentIndex() != before) emit NodeClicked(currentIndex());
-}
-
 FileTable::FileTable(QWidget* parent) : QTreeView(parent) {
   setRootIsDecorated(false);
   setItemsExpandable(false);
   setUniformRowHeights(true);
   setSelectionMode(QAbstractItemView::ExtendedSelection);
-  setContextMenuPolicy(Qt::CustomContextMenu);
+  setEditTriggers(QAbstractItemView::EditKeyPressed);
   header()->setStretchLastSection(false);
   header()->setSectionsClickable(true);
   header()->setSectionsMovable(false);
@@ -99,9 +60,47 @@ void FileTable::keyPressEvent(QKeyEvent* event) {
     emit RowOpened();
   } else if (event->matches(QKeySequence::Delete)) {
     emit DeletePressed();
+  } else if (event->key() == Qt::Key_Backspace) {
+    emit BackspacePressed();
   } else if (!event->matches(QKeySequence::Copy)) {
     QTreeView::keyPressEvent(event);
   }
+}
+
+void FileTable::contextMenuEvent(QContextMenuEvent* event) {
+  const bool isKey = event->reason() == QContextMenuEvent::Keyboard;
+  emit customContextMenuRequested(isKey ? visualRect(currentIndex()).bottomLeft() : event->pos());
+}
+
+void FileTable::focusInEvent(QFocusEvent* event) {
+  QTreeView::focusInEvent(event);
+  emit FocusCame();
+}
+
+void FileTable::SetEmptyText(const QString& text) {
+  m_emptyText = text;
+  viewport()->update();
+}
+
+void FileTable::paintEvent(QPaintEvent* event) {
+  QTreeView::paintEvent(event);
+  if (m_emptyText.isEmpty() || (model() != nullptr && model()->rowCount() > 0)) return;
+  QPainter painter(viewport());
+  painter.setPen(palette().color(QPalette::PlaceholderText));
+  painter.drawText(viewport()->rect().adjusted(8, 8, -8, -8),
+                   Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, m_emptyText);
+}
+
+std::vector<std::size_t> FileTable::SelectedRows() const {
+  std::vector<std::size_t> rows;
+  for (const QItemSelectionRange& range : selectionModel()->selection()) {
+    if (range.left() > 0) continue;
+    for (int row = range.top(); row <= range.bottom(); ++row)
+      rows.push_back(static_cast<std::size_t>(row));
+  }
+  std::sort(rows.begin(), rows.end());
+  rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+  return rows;
 }
 
 }  // namespace tarnel

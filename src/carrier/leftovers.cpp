@@ -1,0 +1,47 @@
+#include "carrier/leftovers.h"
+
+#include "base/printable.h"
+#include "carrier/companions.h"
+
+namespace tarnel {
+
+namespace {
+
+std::vector<Path> IfThere(Path path, Files& files) {
+  if (!files.Stat(path, Files::Links::DontFollow)) return {};
+  return {std::move(path)};
+}
+
+}  // namespace
+
+std::vector<Path> LeftoversOfHiding(const Path& carrier, Files& files) {
+  return IfThere(BackupPath(carrier), files);
+}
+
+std::vector<Path> LeftoversOfRewriting(const Path& carrier, Files& files) {
+  return IfThere(TemporaryCarrierPath(carrier), files);
+}
+
+std::string LeftoverAdvice(const Path& leftover) {
+  return Printable(leftover.native()) +
+         " lies beside the carrier: an interrupted run left it, or it is a file of your own. Recovering the "
+         "carrier shows which copy opens with your password and keeps the others";
+}
+
+Question LeftoversQuestion(const std::vector<Path>& leftovers) {
+  std::string text;
+  for (const Path& path : leftovers)
+    text += LeftoverAdvice(path) + ".\r\n\r\n";
+  return {.id = "carrier.leftovers",
+          .title = "Tarnel",
+          .text = text + "To go on may replace it for good. Do you want to go on?",
+          .buttons = Buttons::YesNo,
+          .icon = Icon::Question,
+          .preset = Answer::No};
+}
+
+bool MayReplace(const std::vector<Path>& leftovers, Dialogue& dialogue) {
+  return leftovers.empty() || dialogue.Ask(LeftoversQuestion(leftovers)) == Answer::Yes;
+}
+
+}  // namespace tarnel
