@@ -160,11 +160,11 @@ void FrmHide::Build(std::unique_ptr<Places> places, std::unique_ptr<FolderWatch>
     table->header()->setSectionResizeMode(0, QHeaderView::Stretch);
     table->header()->resizeSection(1, digit * 10);
     table->header()->resizeSection(2, digit * 15);
-    table->header()->resizeSection(3, digit * 20);
+    table->header()->resizeSection(3, digit * 24);
   }
   BuildStatusBar();
   BuildMenu();
-  resize(digit * 108, fontMetrics().lineSpacing() * 32);
+  resize(digit * 116, fontMetrics().lineSpacing() * 32);
 }
 
 void FrmHide::BuildStatusBar() {
