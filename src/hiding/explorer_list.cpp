@@ -160,9 +160,9 @@ void ExplorerList::ColumnClick(ExplorerColumn column) {
     }
   };
   const auto number = [&](const ExplorerRow& row) -> std::int64_t {
+    if (column == ExplorerColumn::File || column == ExplorerColumn::Type) return 0;
     if (row.image >= 0) return -1;
-    if (column == ExplorerColumn::Size) return row.size;
-    return column == ExplorerColumn::Modified ? static_cast<std::int64_t>(row.modified) : 0;
+    return column == ExplorerColumn::Size ? row.size : static_cast<std::int64_t>(row.modified);
   };
   struct Keyed {
     std::int64_t number;

@@ -4,26 +4,11 @@
 
 #include "shellint/forms/uc_directory_tree.h"
 #include "shellint/inotify_watch.h"
+#include "tests/forms/fixed_places.h"
 #include "tests/forms/forms_bench.h"
 
 namespace tarnel::test {
 namespace {
-
-class FixedPlaces : public Places {
- public:
-  explicit FixedPlaces(const TempFolder& temp) : m_temp(temp) {}
-  Path Desktop() override { return m_temp / "Desktop"; }
-  Path Documents() override { return {}; }
-  DriveSurvey Drives() override {
-    return {.drives = {{.root = m_temp.Where(), .kind = DriveKind::Fixed, .label = {}}},
-            .mountPoints = {},
-            .waitingRoots = {}};
-  }
-  int DrivesHandle() const override { return -1; }
-
- private:
-  const TempFolder& m_temp;
-};
 
 class DirectoryTreeFormTest : public testing::Test {
  protected:

@@ -20,6 +20,7 @@ class ProgramTest : public testing::Test {
                                 .window = {.dialogue = dialogue,
                                            .fileDialogs = files,
                                            .openOutside = [](const QUrl&) {},
+                                           .openFile = {},
                                            .endProcess = [this] { isEnded = true; }},
                                 .runEvents = std::move(runEvents)});
   }

@@ -133,6 +133,7 @@ FrmHide::FrmHide(Session& session, Dialogue& dialogue, Opener open, std::unique_
   ConnectExplorer();
   ConnectButtons();
   ApplySettings();
+  ShowPanels();
   ShowState();
   StartWhenShown([this] { TreeActivate(); });
 }
@@ -157,13 +158,13 @@ void FrmHide::Build(std::unique_ptr<Places> places, std::unique_ptr<FolderWatch>
   const int digit = fontMetrics().averageCharWidth();
   for (FileTable* const table : {m_explorerFrame->ExplorerFile, m_frame1->Files}) {
     table->header()->setSectionResizeMode(0, QHeaderView::Stretch);
-    table->header()->resizeSection(1, digit * 13);
-    table->header()->resizeSection(2, digit * 20);
-    table->header()->resizeSection(3, digit * 22);
+    table->header()->resizeSection(1, digit * 10);
+    table->header()->resizeSection(2, digit * 15);
+    table->header()->resizeSection(3, digit * 24);
   }
   BuildStatusBar();
   BuildMenu();
-  resize(digit * 108, fontMetrics().lineSpacing() * 32);
+  resize(digit * 116, fontMetrics().lineSpacing() * 32);
 }
 
 void FrmHide::BuildStatusBar() {
@@ -273,12 +274,12 @@ void FrmHide::ApplyListSettings() {
   m_rows->SetFullRowSelect(settings.fullRowSelect);
 }
 
-/// A start folder that can't be shown leaves the tree at its roots.
+/// What the tree can't find or watch is told, and it works without.
 void FrmHide::TreeActivate() {
-  m_tree->Initialize();
+  Guarded(GetDialogue(), [this] { m_tree->Initialize(); });
   const Path start = GetSession().settings.hide.Start();
   if (start.empty())
-    m_tree->SelectNode(1);
+    m_tree->ClickNodeIndex(1);
   else
     m_tree->SetPath(start);
   m_tree->setFocus();
