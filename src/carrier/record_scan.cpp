@@ -20,6 +20,9 @@ constexpr Length kFront = 64;
 /// Base64 comes in groups of so many characters.
 constexpr Length kGroup = 4;
 
+/// Characters of a trailer that may be altered to anything: what has more is none.
+constexpr int kMostOdd = 2;
+
 /// Of the lengths that the text can have, the one whose tag is right: that of its trailer first.
 void OpenWhole(OpenedRecord& record, std::string_view text, Length lines, std::optional<Length> likely,
                const Key& key) {
@@ -119,10 +122,14 @@ std::optional<OpenedRecord> OpenText(File& carrier, const RecordText& text, cons
 /// A lone field that holds could be either of the two. The right one tells how long the text is.
 std::optional<Position> TrailerOf(File& carrier, const RecordText& text) {
   const std::string behind = ReadFileSlice(carrier, text.linesEnd, Length{kLineCharacters + kTrailerSize});
+  std::vector<int> odd(1, 0);  // among the characters before each place
+  for (const char c : behind)
+    odd.push_back(odd.back() + (IsBase64Character(c) ? 0 : 1));
   std::optional<Position> rightHolds;
   std::optional<Position> leftHolds;
   for (std::size_t rest = 0; rest < kLineCharacters && rest + kTrailerSize <= behind.size();
        rest += static_cast<std::size_t>(kGroup)) {
+    if (odd[rest + kTrailerSize] - odd[rest] > kMostOdd) continue;
     const std::string_view trailer = std::string_view(behind).substr(rest, kTrailerSize);
     const LengthField left = ReadLengthField(trailer.substr(0, kLengthFieldSize));
     const LengthField right = ReadLengthField(trailer.substr(kLengthFieldSize));
