@@ -18,11 +18,12 @@ constexpr std::array kTriedAlgorithms = {Algorithm::Rijndael256, Algorithm::Cast
                                          Algorithm::Blowfish,    Algorithm::Serpent256, Algorithm::TripleDes,
                                          Algorithm::Twofish};
 
-/// Of the faults that several tries have found: each try sees the same break, and entries of one algorithm.
+/// Of the faults that several tries have found: each try sees the same break, and entries of one algorithm;
+/// those of the first round see the newest entry only.
 void Join(ChainFaults& all, ChainFaults faults) {
-  if (all.entries.empty()) {
-    all.entries = std::move(faults.entries);
+  if (faults.entries.size() + faults.notNoted > all.entries.size() + all.notNoted) {
     all.notNoted = faults.notNoted;
+    all.entries = std::move(faults.entries);
   }
   if (faults.brokenAt) all.brokenAt = faults.brokenAt;
   if (faults.closedBy) all.closedBy = std::move(faults.closedBy);

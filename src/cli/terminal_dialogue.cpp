@@ -92,7 +92,7 @@ bool IsBrokenWalk(const Question& question) {
 
 CliFailure FailureOf(const Question& question) {
   if (!question.cause) return CliFailure(ExitCode::Failed, question.text);
-  if (question.id == question_id::kDamagedEntry) return CliFailure(ExitCode::Damaged, *question.cause);
+  if (question.id.ends_with(".damaged")) return CliFailure(ExitCode::Damaged, *question.cause);
   return CliFailure(*question.cause);
 }
 

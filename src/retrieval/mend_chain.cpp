@@ -31,9 +31,13 @@ struct Link {
   LengthField recordLength;
   bool isOwn = false;           ///< its record is whole under the key
   std::optional<Length> named;  ///< the payload length that the record names
+  Position end;                 ///< of its trailer, of which bytes may be missing
 
   Length TextLength() const { return trailer - record; }
-  Position End() const { return trailer + Length{kTrailerSize}; }
+  /// Bytes that were put in or are missing would have broken it.
+  bool HasTrailer() const {
+    return payload.holds && recordLength.holds && recordLength.number == static_cast<double>(TextLength());
+  }
   /// Where the payload length comes from as long as nothing contradicts it.
   std::optional<Length> Payload() const {
     if (named) return named;
@@ -53,10 +57,12 @@ class Planning {
   void FindLinks();
   std::optional<Link> LinkAt(const RecordText& text);
   Link MakeLink(const RecordText& text, Position trailer);
-  void FindLostTrailers();
+  void AddLink(const Link& link);
   void Join();
+  void JoinEnd(Position end);
+  bool MayHaveRead(const Link& link, Length length);
   void JoinFirst(const Link& link);
-  void JoinTo(Position before, const Link& link);
+  void JoinTo(const Link& before, const Link& link);
   void BridgeGap(Position from, Length length);
   void Emit(const Link& link, Length payload, const char* reason);
   void EmitField(Position at, const std::string& field, const LengthField& held, Length number,
@@ -67,18 +73,15 @@ class Planning {
   const Key& m_key;
   Dialogue& m_dialogue;
   Length m_size;
-  std::vector<RecordText> m_texts;
-  std::vector<std::optional<Link>> m_found;  ///< for each text
-  std::vector<Link> m_links;                 ///< in file order
-  Position m_copied;                         ///< the first byte that no piece has
+  std::vector<Link> m_links;  ///< in file order
+  Position m_lastForeign{0};  ///< the last text that this key doesn't open
+  int m_looks = 0;
+  Position m_copied;  ///< the first byte that no piece has
   MendPlan m_plan;
 };
 
 MendPlan Planning::Run() {
   FindLinks();
-  FindLostTrailers();
-  for (const std::optional<Link>& link : m_found)
-    if (link) m_links.push_back(*link);
   Join();
   return std::move(m_plan);
 }
@@ -90,15 +93,14 @@ void Planning::FindLinks() {
     if (m_dialogue.CancelRequested()) throw Stop{StopReason::Cancelled};
   });
   while (const std::optional<RecordText> text = scan.Next()) {
-    m_texts.push_back(*text);
-    m_found.push_back(LinkAt(*text));
+    if (const std::optional<Link> link = LinkAt(*text)) AddLink(*link);
     pace.Step();
   }
 }
 
 std::optional<Link> Planning::LinkAt(const RecordText& text) {
-  if (const std::optional<OpenedRecord> opened = OpenText(m_carrier, text, m_key);
-      opened && opened->isWhole) {
+  const std::optional<OpenedRecord> opened = OpenText(m_carrier, text, m_key);
+  if (opened && opened->isWhole) {
     Link link = MakeLink(text, text.begin + opened->length);
     link.isOwn = true;
     const double named = ReadNumber(GetTag(opened->plain, tag::kStoredSize));
@@ -106,6 +108,7 @@ std::optional<Link> Planning::LinkAt(const RecordText& text) {
       link.named = static_cast<Length>(named);
     return link;
   }
+  if (!opened) m_lastForeign = text.begin;
   const std::optional<Position> trailer = TrailerOf(m_carrier, text);
   return trailer ? std::optional(MakeLink(text, *trailer)) : std::nullopt;
 }
@@ -118,7 +121,8 @@ Link Planning::MakeLink(const RecordText& text, Position trailer) {
             .payload = {},
             .recordLength = {},
             .isOwn = false,
-            .named = {}};
+            .named = {},
+            .end = std::min(trailer + Length{kTrailerSize}, Position{m_size + 1})};
   std::string fields(kTrailerSize, '\0');
   fields.resize(m_carrier.ReadAt(trailer, {reinterpret_cast<std::uint8_t*>(fields.data()), fields.size()}));
   link.left = fields.substr(0, kLengthFieldSize);
@@ -128,35 +132,37 @@ Link Planning::MakeLink(const RecordText& text, Position trailer) {
   return link;
 }
 
-/// A text behind an entry, both of whose fields were altered: its trailer stands right before what follows.
-void Planning::FindLostTrailers() {
-  const auto first =
-      std::find_if(m_found.begin(), m_found.end(), [](const auto& link) { return link.has_value(); });
-  constexpr Position unknown{0};
-  Position end{m_size + 1};
-  for (std::size_t i = m_texts.size();
-       i-- > 0 && m_found.begin() + static_cast<std::ptrdiff_t>(i) >= first;) {
-    if (!m_found[i] && end != unknown) {
-      const Position trailer = end - Length{kTrailerSize};
-      const Length rest = trailer - m_texts[i].linesEnd;
-      if (rest >= 0 && rest < static_cast<Length>(kLineCharacters) && rest % 4 == 0)
-        m_found[i] = MakeLink(m_texts[i], trailer);
-    }
-    end = unknown;
-    if (!m_found[i]) continue;
-    if (const std::optional<Length> payload = m_found[i]->Payload();
-        payload && *payload < m_found[i]->record - Position{})
-      end = m_found[i]->record - *payload;
+/// Where an entry begins inside the trailer before it, bytes are missing there. Both lengths of that trailer
+/// are known, so that it can be written anew; a payload that lacks bytes is lost whatever its length says.
+void Planning::AddLink(const Link& link) {
+  if (!m_links.empty()) {
+    Link& before = m_links.back();
+    if (link.record < before.trailer) return;
+    before.end = std::min(before.end, link.record);
+    const Length gap = link.record - before.end;
+    const Length payload = link.Payload().value_or(0);
+    const bool isShort = payload > gap && payload <= link.record - before.trailer;
+    if (isShort && !(before.HasTrailer() && MayHaveRead(link, gap))) before.end = link.record - payload;
   }
+  m_links.push_back(link);
 }
 
 void Planning::Join() {
   if (m_links.empty()) return;
   JoinFirst(m_links.front());
   for (std::size_t i = 1; i < m_links.size(); ++i)
-    JoinTo(m_links[i - 1].End(), m_links[i]);
-  const Position end = m_links.back().End();
-  if (end.value <= m_size) m_plan.steps.push_back({Kind::CutEnd, end, m_size + 1 - end.value, {}});
+    JoinTo(m_links[i - 1], m_links[i]);
+  JoinEnd(m_links.back().end);
+}
+
+/// An unfinished entry stays where it may be somebody else's, who can salvage it.
+void Planning::JoinEnd(Position end) {
+  const Length rest = m_size + 1 - end.value;
+  if (rest <= 0) return;
+  if (m_lastForeign >= end)
+    BridgeGap(end, rest);
+  else
+    m_plan.steps.push_back({Kind::CutEnd, end, rest, {}});
 }
 
 /// Before the oldest entry there is nothing that could tell where it begins.
@@ -164,19 +170,25 @@ void Planning::JoinFirst(const Link& link) {
   const std::optional<Length> payload = link.Payload();
   if (payload && *payload <= link.record - Position{}) return Emit(link, *payload, "the record of its entry");
   m_plan.unknown = link.trailer;
-  CopyUntil(std::min(link.End(), Position{m_size + 1}));
-  m_copied = link.End();
+  CopyUntil(link.end);
 }
 
-void Planning::JoinTo(Position before, const Link& link) {
-  const Length gap = link.record - before;
+void Planning::JoinTo(const Link& before, const Link& link) {
+  const Length gap = link.record - before.end;
   const std::optional<Length> payload = link.Payload();
-  const std::vector<Length> near = link.named ? std::vector<Length>{} : NumbersOneCharacterAway(link.left);
-  const bool isNear = std::binary_search(near.begin(), near.end(), gap);
-  const bool hasForeignBytes = payload && *payload < gap && !isNear;
-  if (hasForeignBytes) BridgeGap(before, gap - *payload);
+  const bool hasForeignBytes = payload && *payload < gap && !(before.HasTrailer() && MayHaveRead(link, gap));
+  if (hasForeignBytes) BridgeGap(before.end, gap - *payload);
   Emit(link, hasForeignBytes ? *payload : gap,
        link.named == gap ? "the record of its entry" : "the end of the entry before it");
+}
+
+/// True if one altered character can have made the payload's field what it is. Many such fields are no
+/// accident, and looked at no more.
+bool Planning::MayHaveRead(const Link& link, Length length) {
+  constexpr int most = 1000;
+  if (link.named || ++m_looks > most) return false;
+  const std::vector<Length> near = NumbersOneCharacterAway(link.left);
+  return std::binary_search(near.begin(), near.end(), length);
 }
 
 void Planning::BridgeGap(Position from, Length length) {
@@ -194,10 +206,12 @@ void Planning::BridgeGap(Position from, Length length) {
 
 void Planning::Emit(const Link& link, Length payload, const char* reason) {
   CopyUntil(link.trailer);
-  EmitField(link.trailer, link.left, link.payload, payload, reason);
-  EmitField(link.trailer + Length{kLengthFieldSize}, link.right, link.recordLength, link.TextLength(),
-            "the text of the record");
-  m_copied = link.End();
+  const bool isWhole = link.end - link.trailer == Length{kTrailerSize};
+  const LengthField lost;
+  EmitField(link.trailer, link.left, isWhole ? link.payload : lost, payload, reason);
+  EmitField(link.trailer + Length{kLengthFieldSize}, link.right, isWhole ? link.recordLength : lost,
+            link.TextLength(), "the text of the record");
+  m_copied = link.end;
   m_plan.entries += link.isOwn ? 1 : 0;
   ++m_plan.links;
 }

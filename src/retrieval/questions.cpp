@@ -72,6 +72,10 @@ Question PasswordError(const Error& error) {
   return ErrorQuestion(error, "password.error", kTitle, LineBreak::LfCr, Answer::Retry);
 }
 
+Question PasswordDamaged(const Error& error) {
+  return ErrorQuestion(error, "password.damaged", kTitle, LineBreak::LfCr, Answer::Retry);
+}
+
 Question UpdateError(const Error& error) {
   return ErrorQuestion(error, "update.error", kTitle, LineBreak::CrLf, Answer::Abort);
 }

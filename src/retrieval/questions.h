@@ -40,9 +40,10 @@ Question Overwrite(const Path& target);
 /// Abort nothing.
 Question PasswordLeavesBehind(const ChainFaults& faults, const Path& carrier);
 
-/// "delete.error"; "password.error", also for a damaged payload; "update.error"; "view.error".
+/// "delete.error"; "password.error"; "password.damaged", for a payload; "update.error"; "view.error".
 Question DeleteError(const Error& error);
 Question PasswordError(const Error& error);
+Question PasswordDamaged(const Error& error);
 Question UpdateError(const Error& error);
 Question ViewError(const Error& error);
 

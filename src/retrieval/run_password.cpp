@@ -12,9 +12,11 @@
 namespace tarnel {
 namespace {
 
-RewriteManner Manner() {
+RewriteManner Manner(const bool& isDamaged) {
   return {.savedAttributes = RewriteManner::SavedAttributes::ReadLast,
-          .handler = {questions::PasswordError},
+          .handler = {[&isDamaged](const Error& error) {
+            return isDamaged ? questions::PasswordDamaged(error) : questions::PasswordError(error);
+          }},
           .notReplaced = questions::PasswordNotReplaced};
 }
 
@@ -52,7 +54,8 @@ class PasswordChange {
         m_screen(screen),
         m_carrier(reading.current.CurrentCarrierPath),
         m_rows(RowsInFileOrder(reading)),
-        m_rewrite(m_carrier, EntriesOf(m_rows), Manner(), request.leftover, reading.files, screen) {}
+        m_rewrite(m_carrier, EntriesOf(m_rows), Manner(m_isDamaged), request.leftover, reading.files,
+                  screen) {}
 
   PasswordResult Run();
 
@@ -70,6 +73,7 @@ class PasswordChange {
   RewriteScreen& m_screen;
   const Path m_carrier;
   const std::vector<const MirrorRow*> m_rows;
+  bool m_isDamaged = false;  ///< the payload that has just been read is
   CarrierRewrite m_rewrite;
   PasswordResult m_result;
 };
@@ -131,10 +135,12 @@ void PasswordChange::WriteEntry(const MirrorRow& row, Damage damage, ByteSink& s
 /// The decrypted bytes go into the encryption before it is known whether they are authentic. What turns out
 /// to be damaged stays so: its new tag is wrong, or whoever altered it would get an authentic file.
 void PasswordChange::Reencrypt(const MirrorRow& row, Damage damage, PayloadSink& sink) {
+  m_isDamaged = false;
   EncryptingSink encrypting(row.hideout->algorithm, sink, m_newPassword, m_reading.current.SecondKey);
   const std::string fault = TakeOutStored(*m_rewrite.Stretch(row.start, row.size), ClaimsOf(row.record),
                                           row.hideout->algorithm, row.hideout->password, encrypting);
-  if (!fault.empty() && damage == Damage::Refused) throw DamagedPayload("re-encrypt", row.Name(), fault);
+  m_isDamaged = !fault.empty() && damage == Damage::Refused;
+  if (m_isDamaged) throw DamagedPayload("re-encrypt", row.Name(), fault);
   encrypting.Finish(fault.empty() ? FileEnd::Authentic : FileEnd::Damaged);
 }
 

@@ -35,6 +35,7 @@ TEST_F(CopyFileTest, CopiesEverySizeAroundABlockWithItsMode) {
     std::vector<Length> seen = {0};
     CopyFile(posix, folder.Put("from", bytes, 0400), folder / "to", Durability::Cached,
              [&](Length soFar) { seen.push_back(soFar); });
+    EXPECT_FALSE(Copy(posix)) << "the name is taken";
     EXPECT_EQ(ReadAll(folder / "to"), bytes);
     EXPECT_EQ(posix.Stat(folder / "to")->mode, 0400U);
     EXPECT_GE(seen.size(), 1 + (size + block - 1) / block);

@@ -113,6 +113,47 @@ TEST(LoadHideout, ShutsTheGateAtAnotherFormatVersion) {
   }
 }
 
+TEST(LoadHideout, SaysWhatIsDamagedAndShowsTheRest) {
+  const std::string fits = "?Fls=<4>?FlsEn=<36>?Cmpr=<0>?CompVers=<701>",
+                    part = "?FlsEn=<36>?Cmpr=<0>?CompVers=<701>";
+  const auto tag = [](const char* name, std::size_t length) { return name + std::string(length, 'n') + ">"; };
+  const std::pair<std::string, Strings> cases[] = {
+      {tag("?Fnm=<", 1024) + tag("?Fldnm=<", 4096) + fits, {}},
+      {tag("?Fnm=<", 1025) + fits, {"the entry at byte @ is damaged: its name is too long"}},
+      {tag("?Fnm=<", 1) + tag("?Fldnm=<", 4097) + fits,
+       {"the entry at byte @ is damaged: its folder is too deep"}},
+      {"?Fnm=<n>?Fls=<5>" + part,
+       {"n, the entry at byte @, is damaged: its record says another size than its contents have"}},
+      {"?Fnm=<n>?Fls=<4>?FlsEn=<37>?Cmpr=<0>?CompVers=<701>",
+       {"n, the entry at byte @, is damaged: the lengths stored for it contradict each other"}},
+      {"?Fnm=<n>" + part, {}},
+      {"?Fnm=<n>?Fls=<5>?FlsEn=<36>?Cmpr=<6>?CompVers=<701>", {}},
+      {fits, {}}};  // nobody's
+  for (const auto& [record, faults] : cases) {
+    CarrierBench bench(1000);
+    bench.Hide({"old"}, mine);
+    Strings wanted = faults;
+    for (std::string& fault : wanted)
+      fault.replace(fault.find('@'), 1, std::to_string(bench.Size() + 1));
+    bench.HideRecord(record, CarrierBench::Encrypt("four", mine), mine).Hide({"new"}, mine);
+    EXPECT_EQ(bench.Load(mine, Reload::Ask), LoadResult::Loaded);
+    EXPECT_EQ(bench.screen.faults, wanted);
+    EXPECT_EQ(bench.Names().size(), faults.empty() && record != fits ? 3U : 2U) << record;
+  }
+}
+
+TEST(LoadHideout, TellsWhereTheChainEndsAndNotesAHundredFaultsAtMost) {
+  CarrierBench bench(1000);
+  const std::string payload = CarrierBench::Encrypt("four", mine);
+  bench.HideRecord("?Fnm=<n>?FlsEn=<99>?CompVers=<701>", payload, mine);  // and no entry before it
+  for (int i = 0; i < 102; ++i)
+    bench.HideRecord("?Fnm=<n>?Fls=<5>?Cmpr=<0>?CompVers=<701>", payload, mine);
+  EXPECT_EQ(bench.Hide({"new"}, mine).Load(mine, Reload::Ask), LoadResult::Loaded);
+  ASSERT_EQ(bench.screen.faults.size(), 102U);
+  EXPECT_EQ(bench.screen.faults.at(100), "2 further entries are damaged");
+  EXPECT_TRUE(bench.screen.faults.at(101).starts_with("the chain of entries is broken at byte 1"));
+}
+
 TEST(LoadHideout, AbortedAtAnyYieldClosesWhatItHadBegunToRead) {
   for (std::size_t n = 1; n <= 7; ++n) {
     Interleaved bench;
@@ -234,8 +275,10 @@ TEST(TryPassword, FindsEveryOfferedAlgorithmWithinItsTries) {
                                                     {Algorithm::Twofish, 9}};
   for (const auto& [algorithm, tries] : failedBefore) {
     CarrierBench bench(1000);
-    bench.Hide({"a"}, {"secret", algorithm});
+    bench.Hide({"a"}, {"secret", algorithm}).Hide({"x"}, {"other"}).Hide({"c"}, {"secret", algorithm});
     EXPECT_EQ(bench.TryPassword("secret"), LoadResult::Loaded);
+    EXPECT_EQ(bench.Names(), (Strings{"c", "a"}))
+        << "behind the first fit, entries of others are passed over";
     EXPECT_EQ(TriesShown(bench), tries);
     EXPECT_EQ(bench.current.CurrentAlgorithmId, algorithm);
     bench.Hide({"b"}, {"other"});

@@ -51,6 +51,7 @@ TEST(StoredText, BringsBackEveryStringOfTwoBytesAndRandomNames) {
     for (int second = 1; second < 256; ++second)
       ASSERT_EQ(FaultOf({static_cast<char>(first), static_cast<char>(second)}), "");
   }
+  ASSERT_EQ(FaultOf("\u007F\u0080\u07FF\u0800\uFFFF\U00010000\U0010FFFF"), "") << "where lengths change";
   std::mt19937 random(7);
   const std::string_view hostile =
       "=<>\\/.?\x81\x8D\x8F\x90\x9D\xD0\xB0\xE2\x82\xAC\xF0\x9F\x98\x80\xED\xA0\xF4"

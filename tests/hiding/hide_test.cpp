@@ -328,20 +328,13 @@ TEST(Hide, OffersTheOldCarrierAsTheWayBackOnlyUntilTheNewOneIsComplete) {
 }
 
 TEST(Hide, CutsNothingThatAnotherProgramAppendedMeanwhile) {
-  for (const HideStage stage : {HideStage::CreateBackup, HideStage::Hiding}) {
+  for (const std::string moment : {"Files.Stat", "File.WriteAt", "Files.SyncFolder"}) {
     HideBench bench;
     bench.Row("a.txt", "content").Row("b.txt", "more");
-    bench.script.onYield = [&](std::size_t) {
-      const Strings& shown = bench.script.Transcript();
-      if (shown.size() < 2 || shown[shown.size() - 2] != StageText(stage)) return;
-      if (stage == HideStage::CreateBackup) bench.Append("foreign");
-      bench.script.onYield = {};
+    bench.files.before = [&](const Operation& operation) {  // before, while and after the backup is made
+      const bool fits = operation.path == BackupPath(bench.carrier) || moment == "Files.SyncFolder";
+      if (operation.name == moment && fits && bench.Size() == 1000) bench.Append("foreign");
     };
-    if (stage == HideStage::Hiding)
-      bench.files.before = [&](const Operation& operation) {
-        if (operation.name == "Files.OpenToRead" && operation.path == bench.Source("a.txt")) return;
-        if (operation.name == "Files.SyncFolder" && bench.Size() == 1000) bench.Append("foreign");
-      };
     bench.script.Expect("hide.error", Answer::Abort);
     EXPECT_EQ(bench.RunHide().ending, HideEnding::Aborted);
     EXPECT_EQ(ReadAll(bench.carrier), bench.oldBytes + "foreign");
@@ -473,6 +466,18 @@ TEST(HideRefusal, ComesForALockedCarrierAndForAnAlgorithmWithoutCipher) {
     EXPECT_TRUE(bench.IsOld());
     EXPECT_FALSE(bench.BackupExists());
   }
+}
+
+TEST(HideRefusal, ComesWhereAnotherFileTakesThePlaceOfAWriteProtectedCarrier) {
+  HideBench bench;
+  bench.Row("a.txt", "content").Mode(0444);
+  const Path other = bench.folder.Put("other", "another file");
+  bench.files.before = [&](const Operation& operation) {
+    if (operation.name == "Files.OpenToChange" && std::filesystem::exists(other))
+      std::filesystem::rename(other, bench.carrier);
+  };
+  EXPECT_THROW(bench.RunHide(), Error);
+  EXPECT_EQ(ReadAll(bench.carrier), "another file");
 }
 
 TEST(HideRefusal, WithoutABackupNothingIsHiddenEvenIfThatIsIgnored) {

@@ -4,9 +4,6 @@
 #include <stdexcept>
 
 #include "carrier/companions.h"
-#include "crypto/keys.h"
-#include "tests/cli/cli_bench.h"
-#include "tests/support/held_key.h"
 
 namespace tarnel::test {
 
@@ -15,12 +12,6 @@ namespace {
 constexpr const char* kMine = "one";
 constexpr const char* kTheirs = "two words";
 constexpr const char* kFresh = "4";
-
-class AgreeingTerminal : public ScriptedTerminal {
- public:
-  AgreeingTerminal() { canAsk = true; }
-  std::optional<std::string> ReadLine(std::string_view) override { return "y"; }
-};
 
 bool Contains(const Entries& entries, const Entry& entry) {
   return std::find(entries.begin(), entries.end(), entry) != entries.end();
@@ -31,9 +22,9 @@ bool Contains(const Entries& entries, const Entry& entry) {
 Scene::Scene(unsigned seed) : m_dice(seed), m_bodySize(1000 + m_dice.Roll(20000)) {
   m_carrier = m_folder.Put("carrier.bin", Pattern(m_bodySize, seed));
   const auto hide = [&](const char* password, const Entry& entry) {
-    CarrierSession session(m_carrier, m_files);
-    if (!session.Open(password)) session.Create(password, Algorithm::Rijndael256);
-    session.Hide({entry}, CarrierSession::Compression::Off, Originals::Keep, m_sources.Where());
+    m_sources.Put(entry.path, entry.content);
+    const std::string top = entry.path.substr(0, entry.path.find('/'));
+    m_person.Says(password, {"hide", m_carrier, m_sources / top});
     m_before[password].push_back(entry);
   };
   hide(kMine, {"a.txt", Pattern(m_dice.Roll(40000), 2)});
@@ -42,10 +33,7 @@ Scene::Scene(unsigned seed) : m_dice(seed), m_bodySize(1000 + m_dice.Roll(20000)
   hide(kMine, {"docs/c.txt", Pattern(m_dice.Roll(40000), 5)});
   hide(kTheirs, {"y.txt", Pattern(m_dice.Roll(20000), 6)});
   m_bytes = ReadAll(m_carrier);
-  for (const std::string password : {kMine, kTheirs, kFresh}) {
-    WriteAll(PasswordFile(password), password, 0600);
-    HeldKey(password).Prepare([] {});
-  }
+  m_person.PasswordFile(kFresh);  // its key is derived before anything forks
   AddHide("hide", kMine);
   AddHide("hide in a new hideout", kFresh);
   AddDelete();
@@ -99,7 +87,7 @@ void Scene::AddPasswd() {
   moved.erase(kMine);
   m_commands.push_back({.name = "passwd",
                         .password = kMine,
-                        .words = {"passwd", m_carrier, "--new-password-file", PasswordFile(kFresh)},
+                        .words = {"passwd", m_carrier, "--new-password-file", m_person.PasswordFile(kFresh)},
                         .outcomes = {moved}});
 }
 
@@ -112,12 +100,12 @@ void Scene::Reset(const Command& command) {
 }
 
 void Scene::Run(const Command& command, const Runner& runner) const {
-  runner(Words(command.password, command.words));
+  runner(m_person.Words(command.password, command.words));
 }
 
 void Scene::Recover(const Command& command, const Runner& runner) {
   for (const std::string& password : {std::string(kMine), command.password})
-    if (HasLeftovers()) runner(Words(password, {"recover", m_carrier}));
+    if (HasLeftovers()) runner(m_person.Words(password, {"recover", m_carrier}));
   if (HasLeftovers()) throw std::runtime_error(command.name + ": recover leaves a copy beside the carrier");
 }
 
@@ -125,21 +113,10 @@ bool Scene::HasLeftovers() {
   return !LeftoversBeside(m_carrier, m_files).empty();
 }
 
-Path Scene::PasswordFile(const std::string& password) const {
-  return m_passwords / password;
-}
-
-std::vector<std::string> Scene::Words(const std::string& password,
-                                      const std::vector<std::string>& rest) const {
-  std::vector<std::string> words = {"--quiet", "--password-file", PasswordFile(password)};
-  words.insert(words.end(), rest.begin(), rest.end());
-  return words;
-}
-
 Model Scene::Found() {
   Model found;
   for (const char* password : {kMine, kTheirs, kFresh})
-    if (const Entries entries = ReadHideout(m_carrier, password, m_files); !entries.empty())
+    if (const Entries entries = m_person.Reads(m_carrier, password); !entries.empty())
       found[password] = entries;
   return found;
 }
@@ -189,8 +166,7 @@ std::vector<Path> Scene::AllFiles() const {
 }
 
 int RunHere(const std::vector<std::string>& words, Files& files) {
-  AgreeingTerminal terminal;
-  return RunCli(words, terminal, files, [](const char*) { return std::nullopt; });
+  return RunAgreeing(words, files).code;
 }
 
 }  // namespace tarnel::test

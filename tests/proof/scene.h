@@ -1,12 +1,29 @@
 #pragma once
 
 #include <functional>
+#include <map>
+#include <random>
 #include <string>
 #include <vector>
 
-#include "tests/proof/model.h"
+#include "tests/proof/person.h"
 
 namespace tarnel::test {
+
+/// What a carrier must hold: the entries of each password that opens something.
+using Model = std::map<std::string, Entries>;
+
+/// Choices that a seed repeats.
+class Dice {
+ public:
+  explicit Dice(unsigned seed) : m_generator(seed) {}
+  /// From 0 to `sides` - 1.
+  std::size_t Roll(std::size_t sides) { return m_generator() % sides; }
+  bool OneIn(std::size_t sides) { return Roll(sides) == 0; }
+
+ private:
+  std::mt19937_64 m_generator;
+};
 
 /// A command line that changes the carrier of a scene.
 struct Command {
@@ -52,8 +69,6 @@ class Scene {
   void AddUpdate();
   void AddPasswd();
   bool HasLeftovers();
-  Path PasswordFile(const std::string& password) const;
-  std::vector<std::string> Words(const std::string& password, const std::vector<std::string>& rest) const;
   Model Found();
   void DropUnfinished(const Command& command, Model& found) const;
   bool Stands(const Entry& original) const;
@@ -61,12 +76,12 @@ class Scene {
   Dice m_dice;
   TempFolder m_folder;
   TempFolder m_sources;
-  TempFolder m_passwords;
   Path m_carrier;
   std::string m_bytes;
   std::size_t m_bodySize;
   Model m_before;
   PosixFiles m_files;
+  Person m_person{m_files};
   std::vector<Command> m_commands;
 };
 

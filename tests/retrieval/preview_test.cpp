@@ -139,7 +139,7 @@ TEST_F(Preview, NeverUpdatesFromAFileThatChangesMeanwhile) {
   View("a");
   script().Always("update.confirm", Answer::Yes);
   const std::string content = Pattern(200'000, 3);
-  for (const std::string& changed : {content + "grown", Pattern(200'000, 4)}) {
+  for (const std::string& changed : {content + "grown", Pattern(200'000, 4), Pattern(1000, 4)}) {
     WriteAll(view.PreviewFile, content);
     std::size_t reads = 0;
     bench.files.before = [&](const Operation& operation) {

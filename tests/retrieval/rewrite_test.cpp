@@ -325,14 +325,14 @@ TEST_F(Password, LeavesAllAsItWasOverADamagedPayloadUnlessTold) {
   bench.Hide({"a", "aaaa"}).Hide({"b", "fine"}).Load();
   bench.FlipBit(101 + 16, 0);
   const std::string before = ReadAll(bench.carrier);
-  script().Expect("password.error", Answer::Retry).Expect("password.error", Answer::Abort);
+  script().Expect("password.damaged", Answer::Retry).Expect("password.damaged", Answer::Abort);
   EXPECT_EQ(bench.ChangePassword("secret", "new").ending, RewriteEnding::Aborted);
   EXPECT_EQ(ReadAll(bench.carrier), before);
   EXPECT_EQ(bench.folder.Names(), Strings{"carrier.bin"});
   EXPECT_EQ(script().Asked().at(0).text,
             "Error: 57\n\rcannot re-encrypt a: its contents are damaged or were altered");
 
-  script().Expect("password.error", Answer::Ignore);
+  script().Expect("password.damaged", Answer::Ignore);
   EXPECT_EQ(bench.ChangePassword("secret", "new").ending, RewriteEnding::Done);
   EXPECT_EQ(bench.Contents(), (Strings{"a=(damaged)", "b=fine"}));
 }

@@ -1,23 +1,27 @@
 // soak model COUNT [SEED]
 //   Runs COUNT random sequences of 20 operations against a model.
-// soak kill COUNT [SEED [TARNEL-CLI INTERPOSER]]
-//   Kills the program COUNT times while it changes a carrier, and recovers. With the path of the program and
-//   of the library to preload the program itself runs, else its code in a fork, which is some fifty times as
-//   fast.
+// soak kill COUNT [SEED]
+//   Kills the program's code COUNT times, in a fork, while it changes a carrier, and recovers.
 // soak power COUNT [SEED]
 //   Looks at the disks that a loss of power could leave behind each step of each command, in COUNT rounds.
+// soak flips|lengths|cuts|holes|tails EVERY
+//   Damages a small carrier: each EVERY-th bit, bit of a length field, cut, place where bytes are put in or
+//   taken out; or all kinds of bytes behind its end.
 //
-// Ends with a line of what was done and 0, or with what was lost and 1. The same seed gives the same run, but
-// for the kills at random moments.
+// Ends with a line of what was done and 0, or with what was lost and 1. The same seed gives the same run.
 
 #include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <set>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "tests/proof/kill_campaign.h"
+#include "tests/proof/damage.h"
 #include "tests/proof/power_loss.h"
+#include "tools/soak/kill_campaign.h"
+#include "tools/soak/model.h"
 
 namespace tarnel::test {
 namespace {
@@ -31,8 +35,8 @@ void SoakModel(unsigned long count, unsigned seed) {
   std::cout << count << " sequences of " << kSteps << " operations from seed " << seed << ": 0 differences\n";
 }
 
-void SoakKill(unsigned long count, unsigned seed, const Victim& victim) {
-  const std::size_t kills = RunKillCampaigns(victim, count, seed);
+void SoakKill(unsigned long count, unsigned seed) {
+  const std::size_t kills = RunKillCampaign(count, seed);
   std::cout << kills << " kills from seed " << seed << ": 0 losses\n";
 }
 
@@ -43,9 +47,22 @@ void SoakPower(unsigned long count, unsigned seed) {
   std::cout << disks << " disks after a loss of power from seed " << seed << ": 0 losses\n";
 }
 
+void SoakDamage(const std::string& kind, std::size_t every) {
+  DamageCampaign campaign;
+  if (kind == "flips") campaign.FlipBits(every);
+  if (kind == "lengths") campaign.FlipLengthBits(every);
+  if (kind == "cuts") campaign.Cut(every);
+  if (kind == "tails") campaign.Append();
+  if (kind == "holes") campaign.CutOutAndInsert(every);
+  for (const std::string& finding : campaign.Findings())
+    std::cerr << finding << "\n";
+  if (!campaign.Findings().empty()) throw std::runtime_error("see above");
+  std::cout << campaign.Carriers() << " carriers damaged by " << kind << ": all told, 0 losses\n";
+}
+
 int Usage() {
-  std::cerr << "usage: soak model COUNT [SEED]\n       soak kill COUNT [SEED [TARNEL-CLI INTERPOSER]]\n"
-               "       soak power COUNT [SEED]\n";
+  std::cerr << "usage: soak model COUNT [SEED]\n       soak kill COUNT [SEED]\n"
+               "       soak power COUNT [SEED]\n       soak flips|lengths|cuts|holes|tails EVERY\n";
   return 2;
 }
 
@@ -55,10 +72,12 @@ int Soak(const std::vector<std::string>& arguments) {
   const auto seed = static_cast<unsigned>(arguments.size() > 2 ? std::stoul(arguments[2]) : 1);
   if (arguments[0] == "model")
     SoakModel(count, seed);
+  else if (std::set<std::string>{"flips", "lengths", "cuts", "holes", "tails"}.contains(arguments[0]))
+    SoakDamage(arguments[0], count);
   else if (arguments[0] == "power")
     SoakPower(count, seed);
   else if (arguments[0] == "kill")
-    SoakKill(count, seed, arguments.size() > 4 ? Victim(arguments[3], arguments[4]) : Victim());
+    SoakKill(count, seed);
   else
     return Usage();
   return 0;
