@@ -25,7 +25,8 @@ VerbRow Hide() {
           .more =
               "A folder is hidden with all below it, and its name becomes the first part of the folder "
               "names. PATH - is what comes through standard input, up to 512 MiB, under the name that --name "
-              "gives; it is kept in memory and never on a disk. What can't be hidden is passed over and "
+              "gives; it is kept in memory, which the system may swap, and in no file. What can't be hidden "
+              "is passed over and "
               "named: pipes, sockets, devices, links to folders, links met in a folder unless --follow is "
               "given, and empty folders, which a hideout doesn't know. Owners, groups and access lists are "
               "not kept; permissions are. A run that fails at an error or is cancelled leaves the carrier as "

@@ -182,6 +182,25 @@ TEST_F(RealProgram, ThePasswordCanComeThroughStandardInput) {
   EXPECT_THAT(program.Out(), HasSubstr("a.txt\n"));
 }
 
+TEST_F(RealProgram, WhatComesThroughStandardInputIsHiddenUnderItsName) {
+  const auto feed = [this] { Redirect(STDIN_FILENO, folder / "a.txt", O_RDONLY); };
+  EXPECT_EQ(Run(Words("hide", {"--new", "-", "--name", "n"}), feed), 0);
+  Program back(Words("extract", {"n", "--to", "-"}));
+  EXPECT_EQ(back.Wait(), 0) << back.Err();
+  EXPECT_EQ(back.Out(), "alpha");
+}
+
+TEST_F(RealProgram, PathsAreShownAsTheyWereGiven) {
+  folder.Put("in/b", "beta");
+  std::filesystem::create_symlink("b", folder / "in/link");
+  const auto enter = [this] {
+    if (::chdir(folder.Where().c_str()) != 0) ::_exit(126);
+  };
+  Program hide({"hide", "carrier", "./in/", "--new", "--password-file", "key"}, Terminal::None, enter);
+  EXPECT_EQ(hide.Wait(), 3);
+  EXPECT_THAT(hide.Err(), HasSubstr("passed over: ./in/link is"));
+}
+
 TEST_F(RealProgram, AQuestionIsAskedAtTheTerminal) {
   ASSERT_EQ(Run(Words("hide", {"--new", "@a.txt"})), 0);
   folder.Put("out/a.txt", "there");
