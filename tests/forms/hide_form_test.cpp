@@ -12,6 +12,7 @@
 #include "tests/forms/fixed_places.h"
 #include "tests/forms/forms_bench.h"
 #include "tests/support/faulty_files.h"
+#include "tests/support/held_key.h"
 
 namespace tarnel::test {
 namespace {
@@ -29,7 +30,7 @@ class HideFormBench {
       QCoreApplication::processEvents();
       if (onYield) onYield(yield);
     };
-    session.current.CurrentPassword = Secret("secret");
+    session.current.CurrentPassword = HeldKey("secret");
     Scripted<OpeningHere> screen;
     Reading reading = session.MakeReading();
     TryPassword(carrier.carrier, session.current.CurrentPassword, reading, screen);
