@@ -246,6 +246,20 @@ TEST_F(DirectoryTreeTest, WithoutWatchesAFolderIsReadAgainWhenOpened) {
   EXPECT_EQ(Root(0).children.size(), 3U);
 }
 
+TEST_F(DirectoryTreeTest, AClosedFolderThatNobodyOpenedIsNobodysNewsAndABrokenOneIs) {
+  for (const ErrorNumber number : {ErrorNumber::PermissionDenied, ErrorNumber::DeviceIo}) {
+    tree.Clear();
+    tree.Initialize();
+    files.Fail({.number = number, .counts = [this](const Operation& operation) {
+                  return operation.name == "Files.List" && operation.path == temp / "home/Desktop/Zoo/";
+                }});
+    if (number == ErrorNumber::DeviceIo) person.script.Expect("tree.not-ready", Answer::Ok);
+    tree.NodeExpanded(Root(0));
+    Settle();
+    EXPECT_TRUE(files.HasFailed());
+  }
+}
+
 TEST_F(DirectoryTreeTest, ARemovableDriveIsTouchedOnlyWhenOpened) {
   const Path stick = temp / "stick", share = temp / "share";
   survey.drives.push_back({.root = stick, .kind = DriveKind::Removable, .label = "STICK"});
