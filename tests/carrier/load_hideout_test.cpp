@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "base/attempt.h"
 #include "carrier/companions.h"
 #include "crypto/base64.h"
 #include "tests/carrier/carrier_bench.h"
@@ -247,6 +248,32 @@ TEST(LoadHideout, NeverShowsAWrongRowWhateverBitIsFlippedAndWhereverItIsCut) {
   for (Length size = bench.Size() - 2; size >= 0; --size) {
     bench.CutTo(size);
     expectNoOther();
+  }
+}
+
+TEST(ExamineChain, NamesWhatNoPlatformTakesAndEndsByCancelAndAtTheDiskOnly) {
+  const struct {
+    std::size_t name, folder;
+    Strings faults;
+  } cases[] = {{1024, 4096, {}}, {1025, 0, {"its name is too long"}}, {1, 4097, {"its folder is too deep"}}};
+  for (const auto& c : cases) {
+    CarrierBench bench;
+    const std::string texts =
+        "?Fnm=<" + std::string(c.name, 'n') + ">?Fldnm=<" + std::string(c.folder, 'f') + ">?CompVers=<701>";
+    bench.HideRecord(texts, CarrierBench::Encrypt("x", {}));
+    FaultyFiles files(bench.posix);
+    const auto examine = [&] {
+      return ExamineChain(*files.OpenToRead(bench.carrier), bench.carrier, Algorithm::Rijndael256,
+                          HeldKey("secret"), bench.screen);
+    };
+    Strings faults;
+    for (const EntryFault& entry : examine().entries)
+      faults.push_back(entry.fault);
+    EXPECT_EQ(faults, c.faults);
+    files.Fail({.counts = [](const Operation& operation) { return operation.name == "File.ReadAt"; }});
+    EXPECT_THROW(examine(), Error);
+    bench.screen.script.CancelAtYield(0);
+    EXPECT_THROW(examine(), Stop);
   }
 }
 

@@ -9,6 +9,7 @@
 
 #include "carrier/format.h"
 #include "carrier/length_field.h"
+#include "carrier/payload.h"
 #include "carrier/stored_text.h"
 #include "carrier/tags.h"
 #include "tests/carrier/carrier_bench.h"
@@ -166,6 +167,16 @@ TEST(Record, HoldsItsTagsInOrder) {
             WipedText(front + "?CompVers=<701>?CompVers=<701>?Mode=<755>"));
   EXPECT_EQ(BuildRecord(ReadRecord(front), RecordWriter::Hide), WipedText(front + "?CompVers=<701>"))
       << "an empty mode leaves no tag";
+}
+
+TEST(Seal, IsTheEndOfAPayloadInWhateverPiecesItCame) {
+  const std::string payload = "what came before 0123456789abcdef";
+  for (const std::size_t piece : {1U, 7U, 15U, 16U, 17U, 40U}) {
+    Seal seal;
+    for (std::size_t at = 0; at < payload.size(); at += piece)
+      seal.Follow(AsBytes(payload.substr(at, piece)));
+    EXPECT_EQ(seal.Text(), "30313233343536373839616263646566") << piece;
+  }
 }
 
 TEST(Record, IsRefusedWhereTheAlgorithmHasNoCipher) {

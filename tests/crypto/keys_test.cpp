@@ -3,6 +3,7 @@
 #include <botan/hex.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <optional>
 #include <thread>
 
@@ -113,6 +114,16 @@ TEST(Keys, MayBeUsedOnAnyThreadWhileTheyArePrepared) {
 TEST(Keys, AYieldThatThrowsEndsThePreparation) {
   const Key key(Secret("some phrase"));
   EXPECT_THROW(key.Prepare([] { throw 1; }), int);
+}
+
+TEST(Keys, AreAllWipedAtOnceWhoeverHoldsThem) {
+  const Key key(Secret("a phrase that goes"));
+  const WipedBytes& master = key.Master();
+  const auto isWiped = [&] {
+    WipeAllKeys();
+    return key.IsOf(Secret()) && master == WipedBytes(master.size());
+  };
+  EXPECT_EXIT(std::_Exit(isWiped() ? 0 : 1), testing::ExitedWithCode(0), "");  // other tests hold keys, too
 }
 
 TEST(Keys, APersonsPhraseIsNeverThePublicKeyOfLengthFields) {

@@ -402,17 +402,6 @@ TEST(Hide, NeverTakesHalfAnEntryAtTheEndForAWholeOne) {
   EXPECT_TRUE(bench.BackupIsOld());
 }
 
-TEST(Hide, NamesTheFileThatCannotBeOpened) {
-  HideBench bench;
-  bench.Row("a.txt", "first").Row("b.txt", "second");
-  std::filesystem::remove(bench.Source("b.txt"));
-  bench.script.Expect("hide.error", Answer::Ignore);
-  bench.script.onAsk = [&](const Question&) {
-    EXPECT_TRUE(bench.script.Transcript().end()[-2] == "file 2/2 b.txt 0");
-  };
-  bench.RunHide();
-}
-
 TEST(EntryWriter, EndsExactlyAtTheLimitAndNeverBehindIt) {
   const Length end = kCarrierLimit - 2 * static_cast<Length>(kCopyBlock) - 4;
   for (const std::size_t excess : {std::size_t{0}, std::size_t{1}}) {

@@ -20,13 +20,21 @@ struct MendBench : RetrievalBench {
   }
 
   Length TrailerOf(std::size_t entry) const { return starts.at(entry + 1) - Length{kTrailerSize}; }
+  void Replace(std::size_t entry, const std::string& field, std::size_t behind = 0) {
+    WriteAll(carrier, ReadAll(carrier).replace(static_cast<std::size_t>(TrailerOf(entry) - 1) + behind,
+                                               field.size(), field));
+  }
   /// Neither field of the trailer, or just one, can be read.
   void Spoil(std::size_t entry, std::string_view fields) {
-    std::string all = ReadAll(carrier);
     for (const char field : fields)
-      all.replace(static_cast<std::size_t>(TrailerOf(entry) - 1) + (field == 'l' ? 0 : kLengthFieldSize), 40,
-                  std::string(40, '!'));
-    WriteAll(carrier, all);
+      Replace(entry, std::string(kLengthFieldSize, '!'), field == 'l' ? 0 : kLengthFieldSize);
+  }
+  /// So that what comes first is somebody else's, whose lengths nothing else tells.
+  void LoseTheOldest() {
+    const Length gone = starts[1] - starts[0];
+    WriteAll(carrier, ReadAll(carrier).erase(1000, static_cast<std::size_t>(gone)));
+    for (Length& start : starts)
+      start -= gone;
   }
   /// Between the entries before and from `entry` on.
   void Insert(std::size_t entry, const std::string& bytes) {
@@ -78,15 +86,7 @@ TEST(Mend, MakesTheChainLeadToAllThatItCanLeadTo) {
          b.Hide({"file4", "content"});
        },
        "b 1=content4=content2=content"},
-      {[](MendBench& b) {  // whose oldest is somebody else's and has lost a length that nothing tells
-         const std::string all = ReadAll(b.carrier);
-         WriteAll(b.carrier, all.substr(0, 1000) + all.substr(static_cast<std::size_t>(b.starts[1] - 1)));
-         const Length gone = b.starts[1] - b.starts[0];
-         for (Length& start : b.starts)
-           start -= gone;
-         b.Spoil(1, "l");
-       },
-       "? 3=content"},
+      {[](MendBench& b) { b.LoseTheOldest(), b.Spoil(1, "l"); }, "? 3=content"},
   };
   for (const auto& c : cases) {
     MendBench bench;

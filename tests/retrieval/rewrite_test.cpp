@@ -337,6 +337,19 @@ TEST_F(Password, LeavesAllAsItWasOverADamagedPayloadUnlessTold) {
   EXPECT_EQ(bench.Contents(), (Strings{"a=(damaged)", "b=fine"}));
 }
 
+TEST_F(Password, AsksBeforeItLeavesAnEntryToTheOldPassword) {
+  bench.Hide({"a", "aaaa"}).Hide({"b", "fine"});
+  bench.FlipBit(101 + 36 + 60, 0);  // in the record
+  bench.Load();
+  const std::string before = ReadAll(bench.carrier);
+  script().Expect("password.left-behind", Answer::Abort).Expect("password.left-behind", Answer::Ignore);
+  EXPECT_EQ(bench.ChangePassword("secret", "new").ending, RewriteEnding::Aborted);
+  EXPECT_EQ(ReadAll(bench.carrier), before);
+  const PasswordResult result = bench.ChangePassword("secret", "new");
+  EXPECT_EQ(result.changed, 1U);
+  EXPECT_EQ(result.leftBehind.entries.size(), 1U);
+}
+
 TEST_F(Password, TakesTheHideoutAwayIfTheReloadFindsNothing) {
   bench.Hide({"a"}).Load();
   bench.rewriteScreen.script.onYield = [&](std::size_t) { bench.guards.ReadingBusy = true; };

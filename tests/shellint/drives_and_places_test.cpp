@@ -33,6 +33,8 @@ TEST_F(DrivesTest, AreWhatAPersonWouldNameAndOfTheirKind) {
   Device("pci0/sr0", "11:0", "1");
   Device("mmc/mmcblk0", "179:0");
   temp.Put("devices/mmc/mmcblk0/device/type", "SD\n");
+  Device("mmc/mmcblk1", "179:8");
+  temp.Put("devices/mmc/mmcblk1/device/type", "MMC\n");
   Device("virtual/dm-0", "254:0");
   std::filesystem::create_directories(temp / "devices/virtual/dm-0/slaves");
   std::filesystem::create_symlink("../../../pci0/usb2/sdb/sdb1", temp / "devices/virtual/dm-0/slaves/sdb1");
@@ -54,6 +56,8 @@ TEST_F(DrivesTest, AreWhatAPersonWouldNameAndOfTheirKind) {
                                "13 0 179:0 / /run/media/u/CARD rw - exfat /dev/mmcblk0 rw\n"
                                "14 0 254:0 / /mnt/a rw - ext4 /dev/mapper/crypt rw\n"
                                "15 0 0:45 / /mnt/a rw - nfs4 host:/x rw\n"
+                               "16 0 254:0 / /mnt/crypt rw - ext4 /dev/mapper/crypt rw\n"
+                               "17 0 179:8 / /mnt/built-in rw - ext4 /dev/mmcblk1 rw\n"
                                "torn line\n");
   DriveList list(files, {.mountInfo = mounts,
                          .deviceNumbers = temp / "numbers",
@@ -64,10 +68,10 @@ TEST_F(DrivesTest, AreWhatAPersonWouldNameAndOfTheirKind) {
   for (const Drive& drive : survey.drives)
     drives.push_back(std::to_string(static_cast<int>(drive.kind)) + " " + drive.root.native() + " " +
                      drive.label);
-  EXPECT_THAT(drives,
-              testing::ElementsAre("3 / ROOT", "2 /media/u/My Stick\\ My Stick\xff", "5 /media/u/disc ",
-                                   "4 /mnt/share //server/share", "4 /home/u/remote u@host:", "6 /mnt/ram ",
-                                   "2 /run/media/u/CARD ", "4 /mnt/a host:/x"));
+  EXPECT_THAT(drives, testing::ElementsAre("3 / ROOT", "2 /media/u/My Stick\\ My Stick\xff",
+                                           "5 /media/u/disc ", "4 /mnt/share //server/share",
+                                           "4 /home/u/remote u@host:", "6 /mnt/ram ", "2 /run/media/u/CARD ",
+                                           "4 /mnt/a host:/x", "2 /mnt/crypt ", "3 /mnt/built-in "));
   EXPECT_THAT(survey.waitingRoots,
               testing::IsSupersetOf({Path("/net"), Path("/mnt/share"), Path("/media/u/disc")}));
 }

@@ -36,6 +36,7 @@ class MirroredRows : public TreeRows {
     Rows().erase(Rows().begin() + Offset(m_first), Rows().begin() + Offset(m_first + m_count));
   }
   void RowMoving(const DirectoryNode& parent, std::size_t from, std::size_t to) override {
+    EXPECT_TRUE(to < from || to > from + 1) << "no move at all";
     RowsComing(parent, from, to);
   }
   void RowMoved() override {
