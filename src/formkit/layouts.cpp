@@ -1,6 +1,8 @@
 #include "formkit/layouts.h"
 
+#include <QLayout>
 #include <QSizePolicy>
+#include <algorithm>
 
 namespace tarnel {
 
@@ -21,6 +23,14 @@ QLabel* Hint(const QString& text) {
   QLabel* const label = Explanation(text);
   label->setForegroundRole(QPalette::PlaceholderText);
   return label;
+}
+
+void FitPages(QTabWidget& tabs) {
+  for (int i = 0; i < tabs.count(); ++i) {
+    QWidget& page = *tabs.widget(i);
+    page.setMinimumHeight(
+        std::max(page.layout()->totalHeightForWidth(page.sizeHint().width()), page.sizeHint().height()));
+  }
 }
 
 void KeepPlaceWhenHidden(QWidget& widget) {

@@ -2,6 +2,7 @@
 
 #include <QFormLayout>
 #include <QLabel>
+#include <QTabWidget>
 #include <QWidget>
 
 namespace tarnel {
@@ -21,6 +22,10 @@ QLabel* Explanation(const QString& text);
 
 /// A remark beside a control, less strong than a paragraph.
 QLabel* Hint(const QString& text);
+
+/// Makes the pages high enough for texts that wrap, which the tabs don't ask for. To be called once the fonts
+/// are known.
+void FitPages(QTabWidget& tabs);
 
 /// The window doesn't jump when the widget appears.
 void KeepPlaceWhenHidden(QWidget& widget);

@@ -102,11 +102,12 @@ std::optional<Question> HideReport(const HideResult& result, const Path& carrier
                         "; all originals are in place.",
                     Icon::Critical);
   if (result.ending == HideEnding::Aborted)
-    report =
-        Report("hide.report",
-               result.isComplete ? "The files are hidden in " + name + ", but what was to follow was aborted."
-                                 : "Hiding was aborted.",
-               Icon::Critical);
+    report = Report(
+        "hide.report",
+        result.isComplete
+            ? "The files are hidden in " + name + ", but what was to follow was aborted."
+            : "Hiding was aborted." + (result.backup.empty() ? " " + name + " is as it was." : std::string()),
+        Icon::Critical);
   if (!result.backup.empty()) {
     report.text += " " + name + " may be damaged. The file as it was before is intact:";
     report.list.push_back(Printable(result.backup.native()));

@@ -64,7 +64,9 @@ bool IsClipped(const QWidget& widget) {
   }
   const auto* const button = qobject_cast<const QAbstractButton*>(&widget);
   const bool hasText = label != nullptr || (button != nullptr && !button->text().isEmpty());
-  return hasText && widget.sizeHint().width() > widget.width();
+  const QSize wanted = widget.sizeHint();
+  return hasText &&
+         (wanted.width() > widget.width() || (label != nullptr && wanted.height() > widget.height()));
 }
 
 void Examine(QWidget& window) {

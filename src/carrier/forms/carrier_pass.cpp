@@ -151,6 +151,9 @@ void CarrierPass::ConnectAll() {
 }
 
 void CarrierPass::showEvent(QShowEvent* event) {
+  FitPages(*m_tabs);
+  layout()->activate();
+  resize(size().expandedTo(sizeHint()));
   QDialog::showEvent(event);
   FocusSide();
 }

@@ -158,7 +158,7 @@ void FrmHide::Build(std::unique_ptr<Places> places, std::unique_ptr<FolderWatch>
   const int digit = fontMetrics().averageCharWidth();
   for (FileTable* const table : {m_explorerFrame->ExplorerFile, m_frame1->Files}) {
     table->header()->setSectionResizeMode(0, QHeaderView::Stretch);
-    table->header()->resizeSection(1, digit * 10);
+    table->header()->resizeSection(1, digit * 14);
     table->header()->resizeSection(2, digit * 15);
     table->header()->resizeSection(3, digit * 24);
   }
