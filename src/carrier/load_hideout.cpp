@@ -6,7 +6,6 @@
 
 #include "base/attempt.h"
 #include "carrier/busy_reading.h"
-#include "carrier/guarded_walk.h"
 #include "carrier/questions.h"
 #include "carrier/stored_text.h"
 #include "carrier/tags.h"
@@ -175,7 +174,7 @@ class Loader {
     m_lastError = error.Number();
     return LoadErrorQuestion(error);
   }};
-  GuardedWalk m_walk{[this](const std::function<void()>& step) { return Try(step); }};
+  GuardedWalk m_walk{[this](const std::function<void()>& step) { return Try(step); }, m_request.opened};
   TreeNode* m_root = nullptr;
   std::size_t m_count = 0;
   ChainFaults m_faults;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "carrier/guarded_walk.h"
 #include "carrier/reading.h"
 
 namespace tarnel {
@@ -10,6 +11,7 @@ struct LoadRequest {
   Algorithm algorithm = Algorithm::Rijndael256;
   enum class Reload { Ask, Forced } reload = Reload::Ask;
   enum class Fit { AnyEntry, NewestEntry } fit = Fit::AnyEntry;
+  OpenedCarrier* opened = nullptr;  ///< that `carrier` is, where several requests for it follow each other
 };
 
 enum class LoadResult {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <optional>
 
 #include "carrier/busy_reading.h"
 #include "carrier/stored_text.h"
@@ -29,14 +30,45 @@ void Join(ChainFaults& all, ChainFaults faults) {
   if (faults.closedBy) all.closedBy = std::move(faults.closedBy);
 }
 
+/// What a file is now; nothing if that can't be said.
+std::optional<FileStat> StatOf(Files& files, const Path& path) {
+  try {
+    return files.Stat(path);
+  } catch (const Error&) {
+    return std::nullopt;
+  }
+}
+
+/// The carrier for all tries of one password.
+class CarrierForTries {
+ public:
+  CarrierForTries(const Path& path, Files& files) : m_path(path), m_files(files) {}
+
+  /// Of which nothing is known any more if somebody has worked on the carrier meanwhile.
+  OpenedCarrier* ForNextTry() {
+    const std::optional<FileStat> now = StatOf(m_files, m_path);
+    if (!now || !m_before || !now->IsUntouchedSince(*m_before)) m_opened = {};
+    m_before = now;
+    return &m_opened;
+  }
+
+ private:
+  const Path& m_path;
+  Files& m_files;
+  std::optional<FileStat> m_before;
+  OpenedCarrier m_opened;
+};
+
 /// Ends with the faults of the try that came to a final result, or else with those of all.
 LoadOutcome TryAll(LoadRequest request, Reading& reading, OpeningScreen& screen) {
   LoadOutcome all;
   int number = 0;
+  CarrierForTries carrier(request.carrier, reading.files);
   for (const auto fit : {LoadRequest::Fit::NewestEntry, LoadRequest::Fit::AnyEntry}) {
     for (const Algorithm algorithm : kTriedAlgorithms) {
       request.algorithm = algorithm;
       request.fit = fit;
+      request.opened = carrier.ForNextTry();
       reading.guards.TreeClickBlocked = true;
       LoadOutcome outcome = ReadHideout(request, reading, screen);
       if (IsFinal(outcome.result)) return outcome;

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "base/attempt.h"
-#include "carrier/guarded_walk.h"
 #include "carrier/questions.h"
 #include "carrier/tags.h"
 
@@ -71,7 +70,7 @@ class Prober {
   Reading& m_reading;
   Dialogue& m_dialogue;
   const ErrorHandler m_handler{ProbeErrorQuestion};
-  GuardedWalk m_walk{[this](const std::function<void()>& step) { return Try(step); }};
+  GuardedWalk m_walk{[this](const std::function<void()>& step) { return Try(step); }, m_request.opened};
   ProbeResult m_result;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "carrier/guarded_walk.h"
 #include "carrier/reading.h"
 
 namespace tarnel {
@@ -9,6 +10,7 @@ struct ProbeRequest {
   Key password;
   Algorithm algorithm = Algorithm::Rijndael256;
   enum class Depth { NewestEntry, WholeChain } depth = Depth::WholeChain;
+  OpenedCarrier* opened = nullptr;  ///< that `carrier` is, where several probes of it follow each other
 };
 struct ProbeResult {
   bool found = false;

@@ -16,8 +16,7 @@ namespace {
 /// Holds trailer and record of an ordinary entry, and several entries where the payloads are small.
 constexpr Length kWindow = 4096;
 
-/// Enough of a record to see whether a key fits.
-constexpr Length kRecordFront = 64;
+constexpr std::size_t kMostSteps = 65'536;
 
 }  // namespace
 
@@ -27,9 +26,25 @@ Walk::Walk(File& carrier, Path name)
       m_size(carrier.Size()),
       m_cursor(Position{} + m_size - Length{kTrailerSize}) {}
 
+bool Walk::Rewind() {
+  m_cursor = Position{} + m_size - Length{kTrailerSize};
+  m_ended = m_hasEntry = false;
+  m_brokenAt.reset();
+  m_passedEntries = 0;
+  return !m_hasFailed;
+}
+
 std::optional<EntryPlace> Walk::Next() {
   if (m_ended) return std::nullopt;
   if (m_cursor < Position{}) throw TooShort();
+  if (m_passedEntries < m_steps.size()) return StepTo(m_steps[m_passedEntries].place);
+  if (!m_knowsEnd) return ReadNext();
+  m_ended = true;
+  m_brokenAt = m_endBrokenAt;
+  return std::nullopt;
+}
+
+std::optional<EntryPlace> Walk::ReadNext() {
   const std::string trailer = Slice(m_cursor, kTrailerSize);
   const std::string_view fields = trailer;
   const LengthField recordLength = ReadLengthField(fields.substr(kLengthFieldSize));
@@ -37,9 +52,16 @@ std::optional<EntryPlace> Walk::Next() {
   if (recordLength.number == 0) return EndHere(recordLength.holds || payload.holds);
   if (!payload.holds) return EndHere(true);
   m_brokenAt = m_cursor;  // unless the place is one
-  m_entry = PlaceOf(m_cursor, payload.number, recordLength.number);
+  const EntryPlace entry = PlaceOf(m_cursor, payload.number, recordLength.number);
   m_brokenAt.reset();
+  if (m_remembers && m_passedEntries < kMostSteps) m_steps.push_back({.place = entry});
+  return StepTo(entry);
+}
+
+std::optional<EntryPlace> Walk::StepTo(const EntryPlace& entry) {
+  m_entry = entry;
   m_hasEntry = true;
+  ++m_passedEntries;
   m_ended = m_entry.start < Position{kTrailerSize};
   if (!m_ended) m_cursor = m_entry.start - Length{kTrailerSize};
   return m_entry;
@@ -50,13 +72,18 @@ std::nullopt_t Walk::EndHere(bool isBroken) {
   m_ended = true;
   if (isBroken) m_brokenAt = m_cursor;
   if (wasMisled) m_brokenAt = m_entry.Trailer();
+  m_knowsEnd = m_remembers && m_passedEntries == m_steps.size();
+  m_endBrokenAt = m_brokenAt;
   return std::nullopt;
 }
 
 /// Called where no trailer stands before the current entry.
 bool Walk::WasMisled() {
   const Position trailer = m_entry.Trailer();
-  if (IsDisprovedByText(m_carrier, trailer, m_entry.recordLength)) return true;
+  m_hasFailed = true;  // unless it returns
+  const bool isDisproved = IsDisprovedByText(m_carrier, trailer, m_entry.recordLength);
+  m_hasFailed = false;
+  if (isDisproved) return true;
   const std::string payload = Slice(trailer, kLengthFieldSize);
   const std::vector<Length> numbers = NumbersOneCharacterAway(payload);
   return std::any_of(numbers.begin(), numbers.end(), [&](Length number) {
@@ -113,8 +140,19 @@ WipedText Walk::DecryptRecord(Algorithm algorithm, const Key& key, std::string& 
 }
 
 bool Walk::KeyFits(Algorithm algorithm, const Key& key) {
-  const std::string front = Slice(m_entry.Record(), std::min(kRecordFront, m_entry.recordLength));
-  return CipherKeyFits(algorithm, front, TextForm::Base64, key);
+  return CipherKeyFits(algorithm, RecordFront(), TextForm::Base64, key);
+}
+
+Walk::Step* Walk::RememberedStep() {
+  return m_passedEntries <= m_steps.size() ? &m_steps[m_passedEntries - 1] : nullptr;
+}
+
+std::string Walk::RecordFront() {
+  Step* const step = RememberedStep();
+  if (step != nullptr && step->frontLength > 0) return {step->front.data(), step->frontLength};
+  std::string front = Slice(m_entry.Record(), std::min(Length{kRecordFront}, m_entry.recordLength));
+  if (step != nullptr) step->frontLength = front.copy(step->front.data(), kRecordFront);
+  return front;
 }
 
 std::string Walk::ReadTail() {
@@ -128,8 +166,7 @@ Length Walk::Passed() const {
 std::string Walk::Slice(Position from, Length length) {
   std::string bytes(static_cast<std::size_t>(length), '\0');
   if (length > kWindow) {
-    const MutableBytes target(reinterpret_cast<std::uint8_t*>(bytes.data()), bytes.size());
-    if (m_carrier.ReadAt(from, target) < bytes.size()) throw Shrunk();
+    ReadInto(from, MutableBytes(reinterpret_cast<std::uint8_t*>(bytes.data()), bytes.size()));
     return bytes;
   }
   FillWindow(from, length);
@@ -143,9 +180,15 @@ void Walk::FillWindow(Position from, Length length) {
   if (from >= m_windowStart && end <= m_windowStart + static_cast<Length>(m_window.size())) return;
   const Position start = std::max(Position{}, end - kWindow);
   std::vector<std::uint8_t> window(static_cast<std::size_t>(end - start));
-  if (m_carrier.ReadAt(start, window) < window.size()) throw Shrunk();
+  ReadInto(start, window);
   m_window.swap(window);
   m_windowStart = start;
+}
+
+void Walk::ReadInto(Position from, MutableBytes target) {
+  m_hasFailed = true;  // unless it returns
+  if (m_carrier.ReadAt(from, target) < target.size()) throw Shrunk();
+  m_hasFailed = false;
 }
 
 std::string Walk::Name() const {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -49,6 +51,14 @@ class Walk {
   /// `name` is for messages; the walk reads from `carrier` alone.
   explicit Walk(File& carrier, Path name = {});
 
+  /// From now on remembers the places of the newest entries and the fronts of their records, 65,536 entries
+  /// at most in some 8 MiB, so that it goes the same way again after Rewind and reads little.
+  void RememberTheWay() { m_remembers = true; }
+
+  /// Goes back to before the newest entry. False, and the walk is not to be used again, where the last read
+  /// has failed: a file that is opened anew may be read.
+  bool Rewind();
+
   /// The next older entry, or nothing at the end. The place found stays valid until the next call.
   std::optional<EntryPlace> Next();
 
@@ -83,6 +93,21 @@ class Walk {
   Length CarrierSize() const { return m_size; }
 
  private:
+  /// Enough of a record to see whether a key fits.
+  static constexpr std::size_t kRecordFront = 64;
+
+  /// One entry of the way that is remembered.
+  struct Step {
+    EntryPlace place;
+    std::array<char, kRecordFront> front = {};
+    std::size_t frontLength = 0;  ///< 0 until it is read
+  };
+
+  std::optional<EntryPlace> ReadNext();
+  std::optional<EntryPlace> StepTo(const EntryPlace& entry);
+  Step* RememberedStep();
+  std::string RecordFront();
+  void ReadInto(Position from, MutableBytes target);
   std::string Slice(Position from, Length length);
   void FillWindow(Position from, Length length);
   std::nullopt_t EndHere(bool isBroken);
@@ -103,6 +128,12 @@ class Walk {
   EntryPlace m_entry;
   std::vector<std::uint8_t> m_window;  ///< what was read last, from m_windowStart on
   Position m_windowStart;
+  bool m_hasFailed = false;  ///< the last read has
+  bool m_remembers = false;
+  std::vector<Step> m_steps;
+  std::size_t m_passedEntries = 0;
+  bool m_knowsEnd = false;  ///< behind the last of m_steps, which are all
+  std::optional<Position> m_endBrokenAt;
 };
 
 }  // namespace tarnel

@@ -187,21 +187,25 @@ class Search {
 
   std::optional<Fit> ProbeInTurn(const Path& path, const SearchRequest& asked, const Key& key,
                                  ProbeTalk& talk) {
-    if (asked.algorithm) return ProbeWith(path, asked, key, *asked.algorithm, talk);
+    OpenedCarrier opened;
+    const auto probe = [&](Algorithm algorithm) {
+      return ProbeWith({path, key, algorithm, asked.depth, &opened}, asked.oddFiles, talk);
+    };
+    if (asked.algorithm) return probe(*asked.algorithm);
     for (const Algorithm algorithm : kProbeOrder) {
-      if (std::optional<Fit> fit = ProbeWith(path, asked, key, algorithm, talk)) return fit;
+      if (std::optional<Fit> fit = probe(algorithm)) return fit;
       StopIfCancelled();
     }
     return std::nullopt;
   }
 
-  std::optional<Fit> ProbeWith(const Path& path, const SearchRequest& asked, const Key& key,
-                               Algorithm algorithm, ProbeTalk& talk) {
+  std::optional<Fit> ProbeWith(const ProbeRequest& request, SearchRequest::OddFiles oddFiles,
+                               ProbeTalk& talk) {
     const bool wasBusy = m_reading.guards.SearchBusy;
-    ProbeResult result = ProbeCarrier({path, key, algorithm, asked.depth}, m_reading, talk);
-    if (asked.oddFiles == SearchRequest::OddFiles::PassOver) m_reading.guards.SearchBusy = wasBusy;
+    ProbeResult result = ProbeCarrier(request, m_reading, talk);
+    if (oddFiles == SearchRequest::OddFiles::PassOver) m_reading.guards.SearchBusy = wasBusy;
     if (!result.found) return std::nullopt;
-    return Fit{std::move(result.title), algorithm};
+    return Fit{std::move(result.title), request.algorithm};
   }
 
   void AddRow(const Path& path, const std::string& name, const Fit& fit) {
