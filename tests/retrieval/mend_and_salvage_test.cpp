@@ -78,7 +78,7 @@ TEST(Mend, MakesTheChainLeadToAllThatItCanLeadTo) {
       {[](MendBench& b) { b.Spoil(2, "lr"); }, "ww " + kAll},
       {[](MendBench& b) { b.Spoil(1, "l"); }, "w " + kAll},
       {[](MendBench& b) { b.Spoil(1, "r"); }, "w " + kAll},
-      {[](MendBench& b) { b.Spoil(1, "lr"); }, "ww " + kAll},
+      {[](MendBench& b) { b.Spoil(1, "lr"); }, "b 1=content3=content"},  // his own password mends it
       {[](MendBench& b) { b.Insert(2, std::string(5000, '\0')); }, "b " + kAll},
       {[](MendBench& b) { b.CutTo(b.TrailerOf(2) + 30); }, "ww " + kAll},
       {[](MendBench& b) {  // an entry that was torn before its trailer, and one written behind it
