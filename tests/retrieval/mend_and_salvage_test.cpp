@@ -100,6 +100,9 @@ TEST(Mend, BearsOneAlteredCharacterWhereverItStandsInATrailer) {
     for (Length at = 0; at < Length{kTrailerSize}; at += 3) {
       MendBench bench;
       bench.FlipBit(bench.TrailerOf(entry) + at, 0);
+      const ChainFaults faults = ExamineChain(*bench.posix.OpenToRead(bench.carrier), bench.carrier,
+                                              Algorithm::Rijndael256, HeldKey("secret"), bench.person);
+      EXPECT_TRUE(!faults.None() || bench.Plan().steps.empty()) << "untold: " << entry << " " << at;
       EXPECT_THAT(bench.Mended(), testing::EndsWith(kAll)) << entry << " " << at;
     }
   }
