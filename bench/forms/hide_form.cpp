@@ -48,8 +48,7 @@ class Ground {
     std::filesystem::create_directories(m_where / "files");
     std::ofstream(m_where / "carrier.bin") << std::string(1000, 'c');
     Reading reading = session.MakeReading();
-    CreateHideout(m_where / "carrier.bin", Secret("secret"), "Title", Algorithm::Rijndael256, "RIJNDAEL-256",
-                  reading);
+    CreateHideout(m_where / "carrier.bin", Key(Secret("secret")), "Title", Algorithm::Rijndael256, reading);
   }
   ~Ground() { std::filesystem::remove_all(m_where); }
 

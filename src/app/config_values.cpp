@@ -1,9 +1,9 @@
 #include "app/config_values.h"
 
-#include "crypto/compression.h"
-
 #include <algorithm>
 #include <cstring>
+
+#include "crypto/compression.h"
 
 namespace tarnel {
 

@@ -131,7 +131,8 @@ std::optional<Position> TrailerOf(File& carrier, const RecordText& text) {
        rest += static_cast<std::size_t>(kGroup)) {
     const std::size_t middle = rest + kLengthFieldSize;
     const std::size_t end = rest + kTrailerSize;
-    if (odd[middle] - odd[rest] > kMostOdd && odd[end] - odd[middle] > kMostOdd) continue;  // neither can hold
+    if (odd[middle] - odd[rest] > kMostOdd && odd[end] - odd[middle] > kMostOdd)
+      continue;  // neither can hold
     const std::string_view trailer = std::string_view(behind).substr(rest, kTrailerSize);
     const LengthField left = ReadLengthField(trailer.substr(0, kLengthFieldSize));
     const LengthField right = ReadLengthField(trailer.substr(kLengthFieldSize));

@@ -29,8 +29,8 @@ class FileSealer {
   void Seal(ByteSource& source);
   /// Encrypts a piece, which may not be written before Finish.
   void Seal(Bytes piece);
-  /// Writes what is left, and the tag, which ends the file. A damaged one has each bit of the right one turned
-  /// round.
+  /// Writes what is left, and the tag, which ends the file. A damaged one has each bit of the right one
+  /// turned round.
   void Finish(FileEnd end = FileEnd::Authentic);
 
  private:

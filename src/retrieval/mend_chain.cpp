@@ -63,6 +63,7 @@ class Planning {
   bool MayHaveRead(const Link& link, Length length);
   void JoinFirst(const Link& link);
   void JoinTo(const Link& before, const Link& link);
+  bool IsBridge(Position from, Length length);
   void BridgeGap(Position from, Length length);
   void Emit(const Link& link, Length payload, const char* reason);
   void EmitField(Position at, const std::string& field, const LengthField& held, Length number,
@@ -191,8 +192,23 @@ bool Planning::MayHaveRead(const Link& link, Length length) {
   return std::binary_search(near.begin(), near.end(), length);
 }
 
+/// True if the bytes end in a trailer that leads to their begin, as an earlier mending leaves them.
+bool Planning::IsBridge(Position from, Length length) {
+  if (length <= Length{kTrailerSize}) return false;
+  const std::string trailer = ReadFileSlice(m_carrier, from + length - Length{kTrailerSize}, kTrailerSize);
+  const LengthField payload = ReadLengthField(std::string_view(trailer).substr(0, kLengthFieldSize));
+  const LengthField record = ReadLengthField(std::string_view(trailer).substr(kLengthFieldSize));
+  return payload.holds && record.holds && record.number > 0 &&
+         payload.number + record.number == static_cast<double>(length - Length{kTrailerSize});
+}
+
 void Planning::BridgeGap(Position from, Length length) {
   const Position end = from + length;
+  if (IsBridge(from, length)) {
+    CopyUntil(end);
+    ++m_plan.links;
+    return;
+  }
   const Length text = LengthOfTextBefore(m_carrier, end);
   const Length recordLength = text > 0 && text <= length ? text : 1;
   CopyUntil(end);
@@ -240,7 +256,7 @@ void MustLeadToAll(const MendPlan& plan, File& mended, const Path& path, Dialogu
       pace.Step();
     }
   } catch (const Error& error) {
-    if (error.Number() != ErrorNumber::BadRecordNumber || walk.BrokenAt()) throw;
+    if (error.Number() != ErrorNumber::BadRecordNumber || (walk.BrokenAt() && !plan.unknown)) throw;
   }
   if (links == plan.links && (plan.unknown || !walk.BrokenAt())) return;
   throw Error(ErrorNumber::BadRecordNumber,
