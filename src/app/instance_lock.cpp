@@ -42,12 +42,12 @@ InstanceLock::InstanceLock(Files& files, const std::vector<Path>& places)
 }
 
 std::vector<Path> InstanceLockPlaces(const Path& settings) {
-  std::vector<Path> folders = {settings.parent_path()};
+  constexpr const char* name = "tarnel.lock";
+  std::vector<Path> places;
   const char* const runtime = std::getenv("XDG_RUNTIME_DIR");
-  if (runtime != nullptr && Path(runtime).is_absolute()) folders.insert(folders.begin(), runtime);
-  for (Path& folder : folders)
-    folder /= "tarnel.lock";
-  return folders;
+  if (runtime != nullptr && Path(runtime).is_absolute()) places.push_back(Path(runtime) / name);
+  places.push_back(settings.parent_path() / name);
+  return places;
 }
 
 }  // namespace tarnel
