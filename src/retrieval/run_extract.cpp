@@ -44,7 +44,7 @@ class Extraction {
 
  private:
   struct Target {
-    std::unique_ptr<Folder> folder;
+    std::shared_ptr<Folder> folder;
     std::string name;
     Path path;
     bool exists = false;
@@ -56,10 +56,13 @@ class Extraction {
   Target FindTarget(const MirrorRow& row);
   void MustBeReplaceable(const FileStat& found, const Path& path);
   std::unique_ptr<Folder> OpenExtractTo();
+  std::shared_ptr<Folder> FolderFor(const MirrorRow& row);
   std::unique_ptr<Folder> TargetFolder(const MirrorRow& row);
   bool MayBeWritten(const Target& target);
   void WriteTarget(const MirrorRow& row, Target& target);
   void TakeOut(const MirrorRow& row, File& plain);
+  File& Carrier();
+  void CloseAll();
 
   questions::ExtractFault FaultOf(const Error& error) const;
   template <class Statement>
@@ -73,6 +76,11 @@ class Extraction {
   bool m_overwriteAll;
   const MirrorRow* m_damaged = nullptr;  ///< the row whose payload has just failed
   ExtractResult m_result;
+  /// Stay open from one file to the next, until the person is asked something: then nobody knows how much
+  /// time has passed, and what was opened may be what has failed.
+  std::unique_ptr<File> m_carrier;
+  std::shared_ptr<Folder> m_folder;
+  WipedText m_folderName;  ///< of the rows that go into m_folder
 };
 
 ExtractResult Extraction::Run() {
@@ -111,7 +119,7 @@ void Extraction::ExtractEntry(const MirrorRow& row, std::size_t number, std::siz
 
 Extraction::Target Extraction::FindTarget(const MirrorRow& row) {
   Target target;
-  target.folder = TargetFolder(row);
+  target.folder = FolderFor(row);
   target.name = ToPlatform(row.Name());
   const std::optional<FileStat> found = target.folder->Stat(target.name);
   target.path = target.folder->Where() / target.name;
@@ -131,6 +139,14 @@ void Extraction::MustBeReplaceable(const FileStat& found, const Path& path) {
   if (reason)
     throw Error(ErrorNumber::PathFileAccess, "cannot write " + Printable(path.native()) + ": " + reason,
                 path);
+}
+
+std::shared_ptr<Folder> Extraction::FolderFor(const MirrorRow& row) {
+  if (m_folder && m_folderName == row.Folder()) return m_folder;
+  m_folder.reset();
+  m_folder = TargetFolder(row);
+  m_folderName = row.Folder();
+  return m_folder;
 }
 
 std::unique_ptr<Folder> Extraction::TargetFolder(const MirrorRow& row) {
@@ -158,6 +174,7 @@ std::unique_ptr<Folder> Extraction::OpenExtractTo() {
 
 bool Extraction::MayBeWritten(const Target& target) {
   if (!target.exists || m_overwriteAll) return true;
+  CloseAll();
   const Answer answer = m_screen.Ask(questions::Overwrite(target.path));
   m_overwriteAll = answer == Answer::OverwriteAll;
   return m_overwriteAll || answer == Answer::Yes;
@@ -174,9 +191,9 @@ void Extraction::WriteTarget(const MirrorRow& row, Target& target) {
 }
 
 void Extraction::TakeOut(const MirrorRow& row, File& plain) {
-  const std::unique_ptr<File> carrier = m_files.OpenToRead(m_request.carrier);
-  MustStillStand(*carrier, row.start, row.size, row.tail, m_request.carrier);
-  FileSource stretch(*carrier, m_request.carrier, row.start, row.size);
+  File& carrier = Carrier();
+  MustStillStand(carrier, row.start, row.size, row.tail, m_request.carrier);
+  FileSource stretch(carrier, m_request.carrier, row.start, row.size);
   Length passed = 0;
   BlockSource payload(stretch, BlockCount(row.size, CancelLook::BehindFullBlock, m_screen, [&](Length block) {
                         m_screen.ShowProgress(passed += block, row.size);
@@ -189,6 +206,16 @@ void Extraction::TakeOut(const MirrorRow& row, File& plain) {
   throw DamagedPayload("extract", row.Name(), fault);
 }
 
+File& Extraction::Carrier() {
+  if (!m_carrier) m_carrier = m_files.OpenToRead(m_request.carrier);
+  return *m_carrier;
+}
+
+void Extraction::CloseAll() {
+  m_carrier.reset();
+  m_folder.reset();
+}
+
 questions::ExtractFault Extraction::FaultOf(const Error& error) const {
   if (m_damaged) return questions::ExtractFault::Damaged;
   return error.Number() == ErrorNumber::BadFileName ? questions::ExtractFault::Name
@@ -197,8 +224,10 @@ questions::ExtractFault Extraction::FaultOf(const Error& error) const {
 
 template <class Statement>
 Outcome Extraction::Try(const MirrorRow& row, Statement&& statement) {
-  const ErrorHandler handler{
-      [this](const Error& error) { return questions::ExtractError(error, FaultOf(error)); }};
+  const ErrorHandler handler{[this](const Error& error) {
+    CloseAll();
+    return questions::ExtractError(error, FaultOf(error));
+  }};
   const Outcome outcome = Attempt(m_screen, handler, [&] {
     m_damaged = nullptr;
     statement();
