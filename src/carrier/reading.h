@@ -20,6 +20,12 @@ struct ReadingGuards {
   bool ViewBusy = false;  ///< a view, an update or the return from a view runs
 };
 
+/// What a person's cancel comes to for those who look at a flag of the guards: to be called whenever the
+/// person may have asked for it, which is behind each yield and question.
+inline void CarryCancel(const Dialogue& person, bool& flag) {
+  if (person.CancelRequested()) flag = true;
+}
+
 /// What the program works on: the carrier, the hideout and the key that commands use.
 struct CurrentHideout {
   Path CurrentCarrierPath;

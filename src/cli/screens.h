@@ -39,7 +39,7 @@ class OpeningOnTerminal : public ReadingOnTerminal<OpeningScreen> {
 
   void Yield() override {
     ReadingOnTerminal::Yield();
-    if (CancelRequested()) m_guards.AbortReadingFlag = true;
+    CarryCancel(*this, m_guards.AbortReadingFlag);
   }
   void ShowTry(int) override {}
   void ShowFaults(const ChainFaults& faults) override { m_faults = faults; }

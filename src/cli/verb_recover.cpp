@@ -1,4 +1,3 @@
-#include "base/attempt.h"
 #include "base/formats.h"
 #include "base/printable.h"
 #include "carrier/companions.h"
@@ -57,6 +56,10 @@ class RecoverVerb {
   std::vector<std::string> m_mended;  ///< what was done, as sentences
 };
 
+CliFailure Cancelled() {
+  return CliFailure(ExitCode::Cancelled, "cancelled; nothing was changed");
+}
+
 std::string Findings(const CarrierCopy& copy) {
   std::string text = HumanSize(copy.size) + ", ";
   if (!copy.algorithm) {
@@ -96,11 +99,8 @@ void RecoverVerb::SettleCopies() {
 
 void RecoverVerb::Plan() {
   PlainOnTerminal dialogue(m_around.talk);
-  try {
-    m_plan = PlanRecovery(m_carrier, m_password, m_around.files, dialogue);
-  } catch (const Stop&) {
-    throw CliFailure(ExitCode::Cancelled, "cancelled; nothing was changed");
-  }
+  m_plan = PlanRecovery(m_carrier, m_password, m_around.files, dialogue);
+  if (m_plan.cancelled) throw Cancelled();
 }
 
 void RecoverVerb::ShowCopies() {
@@ -121,7 +121,7 @@ void RecoverVerb::ShowCopies() {
 
 void RecoverVerb::MendChain() {
   PlainOnTerminal dialogue(m_around.talk);
-  try {
+  {
     const std::unique_ptr<File> carrier = OpenLocked(m_carrier, m_around.files, LockAccess::Read);
     const MendPlan plan = PlanTheMending(*carrier);
     if (plan.steps.empty()) return;
@@ -129,9 +129,8 @@ void RecoverVerb::MendChain() {
     AskForLeave(
         "The mended carrier would be a new file in its place, and the old one would be kept under a name "
         "that ends in \".old\".");
-    WriteMended(plan, *carrier, m_carrier, TemporaryCarrierPath(m_carrier), m_around.files, dialogue);
-  } catch (const Stop&) {
-    throw CliFailure(ExitCode::Cancelled, "cancelled; nothing was changed");
+    if (!WriteMended(plan, *carrier, m_carrier, TemporaryCarrierPath(m_carrier), m_around.files, dialogue))
+      throw Cancelled();
   }
   m_kept.push_back(PutInPlace(TemporaryCarrierPath(m_carrier), m_carrier, m_around.files));
 }
@@ -140,6 +139,7 @@ MendPlan RecoverVerb::PlanTheMending(File& carrier) {
   PlainOnTerminal dialogue(m_around.talk);
   m_password.Prepare([&dialogue] { dialogue.Yield(); });
   MendPlan plan = PlanMending(carrier, m_password, dialogue);
+  if (plan.cancelled) throw Cancelled();
   if (plan.entries == 0) {
     throw CliFailure(ExitCode::NoHideout, "nothing in " + Printable(m_options.carrier) +
                                               " opens with this password; nothing was changed");
@@ -172,7 +172,7 @@ void RecoverVerb::AskForLeave(const std::string& text) {
                           .preset = Answer::No};
   if (m_around.talk.Ask(question) == Answer::Yes) return;
   if (m_around.talk.CancelRequested()) {
-    throw CliFailure(ExitCode::Cancelled, "cancelled; nothing was changed");
+    throw Cancelled();
   }
   throw CliFailure(ExitCode::Failed, "nothing was changed");
 }

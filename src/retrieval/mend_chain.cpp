@@ -268,7 +268,13 @@ void MustLeadToAll(const MendPlan& plan, File& mended, const Path& path, Dialogu
 }  // namespace
 
 MendPlan PlanMending(File& carrier, const Key& key, Dialogue& dialogue) {
-  return Planning(carrier, key, dialogue).Run();
+  try {
+    return Planning(carrier, key, dialogue).Run();
+  } catch (const Stop&) {
+    MendPlan plan;
+    plan.cancelled = true;
+    return plan;
+  }
 }
 
 std::string SentenceOf(const MendPlan::Step& step) {
@@ -285,7 +291,7 @@ std::string SentenceOf(const MendPlan::Step& step) {
   return "bridge " + bytes + " bytes that belong to no whole entry, from byte " + at + " on";
 }
 
-void WriteMended(const MendPlan& plan, File& carrier, const Path& path, const Path& to, Files& files,
+bool WriteMended(const MendPlan& plan, File& carrier, const Path& path, const Path& to, Files& files,
                  Dialogue& dialogue) {
   constexpr Length most = Length{1} << 20;
   const std::unique_ptr<File> mended = files.CreateNew(to, 0600);
@@ -295,7 +301,7 @@ void WriteMended(const MendPlan& plan, File& carrier, const Path& path, const Pa
   for (const MendPlan::Piece& piece : plan.pieces) {
     sink.Write(AsBytes(piece.written));
     for (Length done = 0; done < piece.length; done += most) {
-      if (dialogue.CancelRequested()) throw Stop{StopReason::Cancelled};
+      if (dialogue.CancelRequested()) return false;
       sink.CopyFrom(carrier, path, piece.from + done, std::min(most, piece.length - done));
       dialogue.Yield();
     }
@@ -307,6 +313,7 @@ void WriteMended(const MendPlan& plan, File& carrier, const Path& path, const Pa
   mended->Sync();
   mended->Close();
   partial.Keep();
+  return true;
 }
 
 }  // namespace tarnel

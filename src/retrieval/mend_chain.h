@@ -36,12 +36,12 @@ struct MendPlan {
   std::size_t links = 0;      ///< all that the mended chain leads to, bridges too
   /// A length that can't be derived: the first byte of its trailer. The chain ends there also when mended.
   std::optional<Position> unknown;
+  bool cancelled = false;  ///< and nothing else is in the plan
 };
 
 /// Looks for the carrier's entries by their records and works out how they hang together: a length comes from
 /// its field, else from the other field, the record (of entries that the key opens), the record's text, or
-/// the end of the entry before. Reads the whole carrier and changes nothing. Yields; a cancel throws
-/// Stop(Cancelled). Throws Error.
+/// the end of the entry before. Reads the whole carrier and changes nothing. Yields. Throws Error.
 MendPlan PlanMending(File& carrier, const Key& key, Dialogue& dialogue);
 
 /// A step as a sentence without a full stop, such as "cut off 128 bytes from byte 361 on".
@@ -49,7 +49,8 @@ std::string SentenceOf(const MendPlan::Step& step);
 
 /// Writes the mended carrier as `to`, a new file that is on the medium afterwards, and walks through it: a
 /// chain that still doesn't lead to all links throws Error BadRecordNumber. Whatever is thrown, `to` is gone.
-void WriteMended(const MendPlan& plan, File& carrier, const Path& path, const Path& to, Files& files,
+/// So it is where the person has cancelled; then the answer is false.
+bool WriteMended(const MendPlan& plan, File& carrier, const Path& path, const Path& to, Files& files,
                  Dialogue& dialogue);
 
 }  // namespace tarnel

@@ -73,7 +73,7 @@ std::optional<std::size_t> Best(const std::vector<CarrierCopy>& copies) {
 
 RecoverPlan Planning::Run() {
   m_password.Prepare([this] { m_dialogue.Yield(); });
-  RecoverPlan plan{.carrier = m_carrier, .copies = {}, .best = {}};
+  RecoverPlan plan{.carrier = m_carrier, .copies = {}, .best = {}, .cancelled = false};
   for (const Path& path : {m_carrier, BackupPath(m_carrier), TemporaryCarrierPath(m_carrier)})
     if (m_files.Stat(path, Files::Links::DontFollow)) plan.copies.push_back(Examine(path));
   for (const CarrierCopy& copy : plan.copies)
@@ -181,7 +181,11 @@ void GiveMode(const CarrierCopy& copy, const Path& carrier, Files& files) {
 }  // namespace
 
 RecoverPlan PlanRecovery(const Path& carrier, const Key& password, Files& files, Dialogue& dialogue) {
-  return Planning(carrier, password, files, dialogue).Run();
+  try {
+    return Planning(carrier, password, files, dialogue).Run();
+  } catch (const Stop&) {
+    return {.carrier = carrier, .copies = {}, .best = {}, .cancelled = true};
+  }
 }
 
 std::vector<Path> ApplyRecovery(const RecoverPlan& plan, std::size_t choice, Files& files) {

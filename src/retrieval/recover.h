@@ -43,10 +43,11 @@ struct RecoverPlan {
   /// but never one that hides the entries of its front copy. None if the password opens no copy. Only a
   /// proposal: fewer entries are also what a completed deletion leaves.
   std::optional<std::size_t> best;
+  bool cancelled = false;  ///< and not complete
 };
 
-/// Reads all copies, contents too, and changes nothing. Yields while it works; a cancel throws
-/// Stop(Cancelled). A copy that can't be read is in the plan with its fault.
+/// Reads all copies, contents too, and changes nothing. Yields while it works. A copy that can't be read is
+/// in the plan with its fault.
 RecoverPlan PlanRecovery(const Path& carrier, const Key& password, Files& files, Dialogue& dialogue);
 
 /// Makes copy `choice` the carrier and keeps each other copy under a new name: the carrier's with ".old",

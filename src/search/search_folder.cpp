@@ -37,22 +37,18 @@ class ProbeTalk : public Dialogue {
       return Answer::Abort;
     }
     const Answer answer = m_screen.Ask(question);
-    CarryCancel();
+    CarryCancel(m_screen, m_guards.SearchAbort);
     return answer;
   }
   void Yield() override {
     m_screen.Yield();
-    CarryCancel();
+    CarryCancel(m_screen, m_guards.SearchAbort);
   }
   bool CancelRequested() const override { return m_screen.CancelRequested(); }
 
   const std::optional<Error>& Failure() const { return m_failure; }
 
  private:
-  void CarryCancel() {
-    if (m_screen.CancelRequested()) m_guards.SearchAbort = true;
-  }
-
   Dialogue& m_screen;
   ReadingGuards& m_guards;
   SearchRequest::OddFiles m_oddFiles;

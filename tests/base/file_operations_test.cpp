@@ -258,7 +258,8 @@ TEST_F(DestructionTest, RemovePathTakesAWriteProtectedTreeAndLeavesWhatLinksPoin
   Link("../outside", "tree/link");
   Link("outside", "link");
   posix.SetMode(folder / "tree/a/b", 0555);
-  posix.CreateFolder(folder / "tree/closed", 0000);
+  posix.CreateFolder(folder / "tree/closed", 0700);
+  posix.SetMode(folder / "tree/closed", 0000);
   const OrdinaryUser user;
   for (const char* name : {"tree/", "link", "missing/deeper/"})
     RemovePath(folder / name, person, posix);

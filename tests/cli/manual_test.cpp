@@ -113,7 +113,7 @@ void Manual::RunWhatTheMachineForbids() {
                  .counts = [](const Operation& operation) { return operation.name == "Files.OpenToRead"; }});
   });
   {
-    const auto held = OpenLocked(bench.folder / "carrier", bench.posix);
+    const auto held = OpenLocked(bench.folder / "carrier", bench.posix, LockAccess::Read);
     Run("delete @carrier in", 8);
   }
   bench.terminal.isReaderGone = true;
