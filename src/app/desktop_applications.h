@@ -10,7 +10,7 @@
 
 namespace tarnel {
 
-/// An application as its .desktop file describes it (Desktop Entry Specification 1.5).
+/// An application as its .desktop file describes it (Desktop Entry 1.5 of freedesktop.org).
 struct DesktopApplication {
   std::string id;    ///< file name below applications/, with "-" for "/"
   std::string name;  ///< for people
@@ -18,7 +18,7 @@ struct DesktopApplication {
   std::vector<std::string> types;
 };
 
-/// Where the desktops keep what they agree on (XDG Base Directory Specification), the user's own first.
+/// Where the desktops keep what they agree on (XDG Base Directory of freedesktop.org), the user's own first.
 struct DesktopFolders {
   std::vector<Path> config;
   std::vector<Path> data;
