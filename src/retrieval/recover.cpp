@@ -6,6 +6,7 @@
 #include "base/attempt.h"
 #include "base/pace.h"
 #include "base/partial_file.h"
+#include "base/permissions.h"
 #include "base/printable.h"
 #include "carrier/catalogue.h"
 #include "carrier/companions.h"
@@ -203,7 +204,10 @@ std::vector<Path> ApplyRecovery(const RecoverPlan& plan, std::size_t choice, Fil
 }
 
 Path PutInPlace(const Path& fresh, const Path& carrier, Files& files) {
-  if (const std::optional<FileStat> stat = files.Stat(carrier)) files.SetMode(fresh, stat->mode);
+  {
+    const std::unique_ptr<File> model = files.OpenToRead(carrier);
+    TakeAccessOf(*model, *files.OpenToChange(fresh), model->Stat().mode);
+  }
   const Path kept = KeepAsOld(carrier, carrier, files);
   files.Rename(fresh, carrier);
   files.SyncFolder(carrier.parent_path());

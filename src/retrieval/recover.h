@@ -56,8 +56,8 @@ RecoverPlan PlanRecovery(const Path& carrier, const Key& password, Files& files,
 /// finishes the work.
 std::vector<Path> ApplyRecovery(const RecoverPlan& plan, std::size_t choice, Files& files);
 
-/// Makes `fresh`, a whole carrier that is on the medium, the carrier, with its mode, and keeps the old one
-/// under a new name, which it gives; both exist at every moment. Throws Error.
+/// Makes `fresh`, a whole carrier that is on the medium, the carrier, with its owner, group and mode, and
+/// keeps the old one under a new name, which it gives; both exist at every moment. Throws Error.
 Path PutInPlace(const Path& fresh, const Path& carrier, Files& files);
 
 }  // namespace tarnel
