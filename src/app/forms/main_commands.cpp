@@ -12,6 +12,7 @@
 #include "hiding/forms/frm_hide.h"
 #include "retrieval/forms/frm_carrier_file.h"
 #include "retrieval/forms/frm_properties.h"
+#include "search/forms/frm_find.h"
 
 namespace tarnel {
 
@@ -86,6 +87,8 @@ void MainCommands::RunFlow(const Command& command) {
       return SaveAs();
     case CommandId::Quit:
       return m_ports.endProcess();
+    case CommandId::Search:
+      return Search();
     case CommandId::Hide:
       return Hide();
     case CommandId::SelectAll:
@@ -137,6 +140,24 @@ void MainCommands::Hide() {
   if (m_session.catalogue.Roots().empty()) Run(CommandId::Open, CommandSource::Toolbar);
   if (m_session.catalogue.Roots().empty()) return;
   FrmHide(m_session, m_ports.dialogue, m_ports.openFile, &m_parent).exec();
+}
+
+void MainCommands::Search() {
+  if (m_find == nullptr) {
+    const auto open = [this](const Path& carrier) {
+      m_session.HideOpenRequested = false;
+      OpenCarrier(carrier);
+    };
+    m_find = new FrmFind(m_session, m_ports.dialogue,
+                         {.passGate = [this] { return PassGate(); }, .open = open}, &m_parent);
+  }
+  m_find->show();
+  m_find->raise();
+  m_find->activateWindow();
+}
+
+void MainCommands::EndSearch() {
+  if (m_find != nullptr) m_find->Leave();
 }
 
 void MainCommands::ShowProperties() {

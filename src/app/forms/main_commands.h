@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPointer>
 #include <QWidget>
 #include <functional>
 
@@ -9,6 +10,8 @@
 #include "app/session.h"
 
 namespace tarnel {
+
+class FrmFind;
 
 /// What the main window needs from outside, so that tests answer, choose and watch.
 struct WindowPorts {
@@ -48,11 +51,15 @@ class MainCommands {
   /// Goes on to the password of a carrier, however its path is spelled. No gate applies.
   void OpenCarrier(const Path& carrier);
 
+  /// Stops a search and closes its window, if there is one.
+  void EndSearch();
+
  private:
   bool PassGates(Gate gate, CommandSource source);
   void RunFlow(const Command& command);
   void NewCarrier();
   void ChooseCarrier();
+  void Search();
   void Hide();
   void ShowProperties();
   void SaveAs();
@@ -63,6 +70,7 @@ class MainCommands {
   CommandedWindow& m_window;
   WindowPorts m_ports;
   QWidget& m_parent;
+  QPointer<FrmFind> m_find;
 };
 
 }  // namespace tarnel
