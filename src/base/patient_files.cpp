@@ -35,7 +35,7 @@ class PatientFiles::Helper {
     auto result = task.get_future();
     const Waited waited(result);
     HandOver([&task] { task(); });
-    while (result.wait_for(std::chrono::milliseconds(50)) == std::future_status::timeout)
+    while (result.wait_for(std::chrono::milliseconds(20)) == std::future_status::timeout)
       m_dialogue.Yield();
     return result.get();
   }

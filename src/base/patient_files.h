@@ -6,7 +6,7 @@
 namespace tarnel {
 
 /// The files of `inner` for who reads many that may be slow to answer, as on a network: looking, listing,
-/// opening to read and what is read then run on a helper thread, and the dialogue yields every 50 ms until
+/// opening to read and what is read then run on a helper thread, and the dialogue yields every 20 ms until
 /// they have returned. Results and errors are those of `inner`. So each of these calls is a place where
 /// events run; what they do must not reach these files. All other calls go straight to `inner`. Must outlive
 /// the files that it opens.

@@ -66,7 +66,7 @@ struct SearchSummary {
 /// Looks through the files of `folder`, and of those below it if wanted, for carriers that the password
 /// opens, and adds them to `results`. An empty password is refused with a message before any file is looked
 /// at. Files are chosen by their extension; one without is never tried. Yields before each file, inside each
-/// probe, and every 50 ms while a folder or file keeps it waiting; a cancel leaves the results found so far.
+/// probe, and every 20 ms while a folder or file keeps it waiting; a cancel leaves the results found so far.
 /// A symbolic link to a folder is searched after all that need none, and no folder is searched twice. A
 /// folder below that can't be listed is named in the summary; for `folder` itself the Error passes through.
 /// An empty path is no folder, and nothing happens.

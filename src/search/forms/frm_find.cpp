@@ -178,6 +178,7 @@ QWidget* FrmFind::BuildResults() {
   FileList = Named(new FileTable, "FileList");
   FileList->setModel(m_rows);
   FileList->setContextMenuPolicy(Qt::CustomContextMenu);
+  FileList->setTextElideMode(Qt::ElideMiddle);
   FileList->setSelectionMode(QAbstractItemView::SingleSelection);
   FileList->SetFullRowSelect(GetSession().settings.fullRowSelect);
   FileList->SetGridLines(GetSession().settings.gridLines);
