@@ -19,7 +19,7 @@ Question NotSearchedMessage(const std::vector<NotSearched>& places) {
                     .text = "These folders and files could not be read, so they were not searched:",
                     .icon = Icon::Information};
   for (const NotSearched& place : places)
-    question.list.push_back(Printable(place.path.native()) + ": " + place.reason);
+    question.list.push_back(Printable(place.reason));
   return question;
 }
 

@@ -10,7 +10,7 @@ namespace tarnel {
 /// Id "search.no-password": a search was started without a password.
 Question SearchWithoutPassword();
 
-/// Id "search.not-searched": what could not be read, in a list, with the reasons.
+/// Id "search.not-searched": what could not be read, and why, in a list.
 Question NotSearchedMessage(const std::vector<NotSearched>& places);
 
 }  // namespace tarnel

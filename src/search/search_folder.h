@@ -38,7 +38,7 @@ struct SearchRequest {
 /// A folder or file that could not be searched.
 struct NotSearched {
   Path path;
-  std::string reason;
+  std::string reason;  ///< a sentence that names the path
 };
 
 /// What a search shows.

@@ -48,8 +48,9 @@ class MainCommands {
   /// Asks a locked program's user for the password; true lets one command pass.
   bool PassGate();
 
-  /// Goes on to the password of a carrier, however its path is spelled. No gate applies.
-  void OpenCarrier(const Path& carrier);
+  /// Goes on to the password of a carrier, however its path is spelled. No gate applies. True if a hideout
+  /// of it was opened or made.
+  bool OpenCarrier(const Path& carrier);
 
   /// Stops a search and closes its window, if there is one.
   void EndSearch();

@@ -119,7 +119,7 @@ FrmFind::FrmFind(Session& session, Dialogue& dialogue, Ports ports, std::unique_
   ConnectAll();
   ReadControls();
   ShowState();
-  resize(fontMetrics().averageCharWidth() * 100, fontMetrics().lineSpacing() * 31);
+  resize(fontMetrics().averageCharWidth() * 100, fontMetrics().lineSpacing() * 27);
   txt_Pass->setFocus();
   StartWhenShown([this] { TreeActivate(); });
 }
