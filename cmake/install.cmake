@@ -15,6 +15,8 @@ install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${documents} COMPONENT 
 install(DIRECTORY doc DESTINATION ${documents} COMPONENT cli)
 install(FILES share/sample/harbour.png DESTINATION ${documents}/share/sample COMPONENT cli)
 
+install(FILES share/words/LICENSE DESTINATION ${documents}/share/words COMPONENT cli)
+
 if(TARGET tarnel)
   install(TARGETS tarnel RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT desktop)
   install(FILES share/applications/tarnel.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPointer>
 #include <QWidget>
 #include <functional>
 
@@ -9,6 +10,8 @@
 #include "app/session.h"
 
 namespace tarnel {
+
+class FrmFind;
 
 /// What the main window needs from outside, so that tests answer, choose and watch.
 struct WindowPorts {
@@ -45,14 +48,19 @@ class MainCommands {
   /// Asks a locked program's user for the password; true lets one command pass.
   bool PassGate();
 
-  /// Goes on to the password of a carrier, however its path is spelled. No gate applies.
-  void OpenCarrier(const Path& carrier);
+  /// Goes on to the password of a carrier, however its path is spelled. No gate applies. True if a hideout
+  /// of it was opened or made.
+  bool OpenCarrier(const Path& carrier);
+
+  /// Stops a search and closes its window, if there is one.
+  void EndSearch();
 
  private:
   bool PassGates(Gate gate, CommandSource source);
   void RunFlow(const Command& command);
   void NewCarrier();
   void ChooseCarrier();
+  void Search();
   void Hide();
   void ShowProperties();
   void SaveAs();
@@ -63,6 +71,7 @@ class MainCommands {
   CommandedWindow& m_window;
   WindowPorts m_ports;
   QWidget& m_parent;
+  QPointer<FrmFind> m_find;
 };
 
 }  // namespace tarnel
