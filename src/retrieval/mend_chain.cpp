@@ -54,6 +54,9 @@ class Planning {
   MendPlan Run();
 
  private:
+  struct Lengths {
+    double payload, record;
+  };
   void FindLinks();
   std::optional<Link> LinkAt(const RecordText& text);
   Link MakeLink(const RecordText& text, Position trailer);
@@ -63,6 +66,7 @@ class Planning {
   bool MayHaveRead(const Link& link, Length length);
   void JoinFirst(const Link& link);
   void JoinTo(const Link& before, const Link& link);
+  std::optional<Lengths> TrailerBefore(Position end);
   bool IsBridge(Position from, Length length);
   void BridgeGap(Position from, Length length);
   void Emit(const Link& link, Length payload, const char* reason);
@@ -177,7 +181,9 @@ void Planning::JoinFirst(const Link& link) {
 void Planning::JoinTo(const Link& before, const Link& link) {
   const Length gap = link.record - before.end;
   const std::optional<Length> payload = link.Payload();
-  const bool hasForeignBytes = payload && *payload < gap && !(before.HasTrailer() && MayHaveRead(link, gap));
+  const bool hasForeignBytes =
+      payload && *payload < gap &&
+      (TrailerBefore(link.record - *payload) || !(before.HasTrailer() && MayHaveRead(link, gap)));
   if (hasForeignBytes) BridgeGap(before.end, gap - *payload);
   Emit(link, hasForeignBytes ? *payload : gap,
        link.named == gap ? "the record of its entry" : "the end of the entry before it");
@@ -192,14 +198,22 @@ bool Planning::MayHaveRead(const Link& link, Length length) {
   return std::binary_search(near.begin(), near.end(), length);
 }
 
+/// The lengths that stand before `end`, if both fields hold.
+std::optional<Planning::Lengths> Planning::TrailerBefore(Position end) {
+  if (end <= Position{kTrailerSize}) return std::nullopt;
+  const std::string trailer = ReadFileSlice(m_carrier, end - Length{kTrailerSize}, kTrailerSize);
+  const LengthField payload = ReadLengthField(std::string_view(trailer).substr(0, kLengthFieldSize));
+  const LengthField record = ReadLengthField(std::string_view(trailer).substr(kLengthFieldSize));
+  if (!payload.holds || !record.holds) return std::nullopt;
+  return Lengths{payload.number, record.number};
+}
+
 /// True if the bytes end in a trailer that leads to their begin, as an earlier mending leaves them.
 bool Planning::IsBridge(Position from, Length length) {
   if (length <= Length{kTrailerSize}) return false;
-  const std::string trailer = ReadFileSlice(m_carrier, from + length - Length{kTrailerSize}, kTrailerSize);
-  const LengthField payload = ReadLengthField(std::string_view(trailer).substr(0, kLengthFieldSize));
-  const LengthField record = ReadLengthField(std::string_view(trailer).substr(kLengthFieldSize));
-  return payload.holds && record.holds && record.number > 0 &&
-         payload.number + record.number == static_cast<double>(length - Length{kTrailerSize});
+  const std::optional<Lengths> lengths = TrailerBefore(from + length);
+  return lengths && lengths->record > 0 &&
+         lengths->payload + lengths->record == static_cast<double>(length - Length{kTrailerSize});
 }
 
 void Planning::BridgeGap(Position from, Length length) {

@@ -80,6 +80,8 @@ TEST(Mend, MakesTheChainLeadToAllThatItCanLeadTo) {
       {[](MendBench& b) { b.Spoil(1, "r"); }, "w " + kAll},
       {[](MendBench& b) { b.Spoil(1, "lr"); }, "b 1=content3=content"},  // his own password mends it
       {[](MendBench& b) { b.Insert(2, std::string(5000, '\0')); }, "b " + kAll},
+      // 39, with one character more, is the 390 bytes that the bridge makes of these.
+      {[](MendBench& b) { b.Insert(1, std::string(390 - 39 - kTrailerSize, '\0')); }, "b " + kAll},
       {[](MendBench& b) { b.CutTo(b.TrailerOf(2) + 30); }, "ww " + kAll},
       {[](MendBench& b) {  // an entry that was torn before its trailer, and one written behind it
          b.CutTo(b.TrailerOf(1) - 1);
