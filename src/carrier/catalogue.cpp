@@ -61,7 +61,7 @@ std::string_view MirrorRow::Folder() const {
 }
 
 Position MirrorRow::End() const {
-  return start + size + static_cast<Length>(tail.size());
+  return start + size + tail.length;
 }
 
 TreeNode* Catalogue::FindRoot(const Path& carrier) const {

@@ -9,6 +9,7 @@
 
 #include "base/files.h"
 #include "base/secret.h"
+#include "carrier/entry_tail.h"
 #include "crypto/algorithm.h"
 #include "crypto/keys.h"
 
@@ -53,8 +54,8 @@ struct MirrorRow {
   std::shared_ptr<const HideoutKey> hideout;
   WipedText record;  ///< plain record
   Position start;
-  Length size = 0;   ///< of the payload
-  std::string tail;  ///< encrypted record and trailer as stored, so R + 80 bytes
+  Length size = 0;  ///< of the payload
+  EntryTail tail;
 
   std::string_view Field(std::string_view key) const;  ///< GetTag on the record
   std::string_view Name() const;                       ///< "?Fnm=<"

@@ -204,7 +204,7 @@ TEST(Salvage, FindsARecordAcrossTheBlocksThatItReads) {
   RetrievalBench like;
   like.Hide({"a"}).Load();
   const MirrorRow& row = like.catalogue.Rows().at(0);
-  const std::size_t lines = (row.tail.size() - kTrailerSize) / 78;
+  const std::size_t lines = (static_cast<std::size_t>(row.tail.length) - kTrailerSize) / 78;
   for (const std::size_t into : {0U, 1U, 77U}) {
     SalvageBench bench((std::size_t{1} << 20) + into - 78 * lines - static_cast<std::size_t>(row.size));
     EXPECT_EQ(bench.Hide({"a"}).Size() > 1 << 20, true);
