@@ -112,6 +112,9 @@ std::vector<std::string> SentencesOf(const ChainFaults& faults) {
   if (faults.closedBy)
     sentences.push_back("an entry was written in format " + Printable(ToPlatform(*faults.closedBy)) +
                         ": it and all older ones are closed to this version of the program");
+  if (faults.hasMoreFolders)
+    sentences.push_back(
+        "there are more folders than a tree shows: it lists the files of some in a folder above");
   return sentences;
 }
 

@@ -51,8 +51,9 @@ struct ChainFaults {
   std::size_t notNoted = 0;         ///< further ones
   std::optional<Position> brokenAt;
   std::optional<std::string> closedBy;  ///< the other format version, stored text
+  bool hasMoreFolders = false;          ///< than the catalogue makes nodes of, which is no damage
 
-  bool None() const { return entries.empty() && !brokenAt && !closedBy; }
+  bool None() const { return entries.empty() && !brokenAt && !closedBy && !hasMoreFolders; }
   bool IsDamage() const { return !entries.empty() || brokenAt; }
   void Note(EntryFault fault);
 };

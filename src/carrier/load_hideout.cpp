@@ -146,7 +146,8 @@ class Loader {
     row.start = entry.place.start;
     row.size = entry.place.payload;
     row.tail = entry.tail;
-    m_reading.catalogue.EnsureFolderNode(*m_root, row.Folder());
+    row.shownBelow = m_reading.catalogue.EnsureFolderNode(*m_root, row.Folder()).FolderPath().size();
+    m_faults.hasMoreFolders |= row.shownBelow + 1 < row.Folder().size();
     m_reading.catalogue.AddRow(std::move(row));
     ++m_count;
   }
