@@ -175,6 +175,7 @@ TEST(LoadHideout, ListsFilesOfFoldersThatAreTooManyInTheFolderAbove) {
   EXPECT_EQ(rows.at(51).Folder(), "last" + levels) << "it is extracted into its own folder";
   EXPECT_TRUE(rows.at(51).ShownFolder().empty());
   bench.screen.faults.clear();
+  bench.catalogue.RemoveCarrier(bench.carrier);
   bench.CutTo(1000);
   EXPECT_EQ(bench.Hide({.name = "f", .folder = "a\\b\\"}).Load(mine, Reload::Ask), LoadResult::Loaded);
   EXPECT_EQ(bench.screen.faults, Strings{});
