@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/dialogue.h"
@@ -21,6 +22,9 @@ namespace tarnel {
 /// ones; a crafted record can't make a reader build more folders than these hold.
 inline constexpr std::size_t kNameLimit = 1024;
 inline constexpr std::size_t kFolderLimit = 4096;
+
+/// What of a record no platform can extract, as a clause; empty for a record that is in order.
+std::string ExcessOf(std::string_view record);
 
 struct JudgedEntry {
   enum class State {

@@ -49,7 +49,7 @@ struct Link {
 class Planning {
  public:
   Planning(File& carrier, const Key& key, Dialogue& dialogue)
-      : m_carrier(carrier), m_key(key), m_dialogue(dialogue), m_size(carrier.Size()) {}
+      : m_carrier(carrier), m_dialogue(dialogue), m_opener(carrier, key), m_size(carrier.Size()) {}
 
   MendPlan Run();
 
@@ -74,13 +74,17 @@ class Planning {
                  const char* reason);
   void CopyUntil(Position end);
 
+  /// To look for the trailer of each costs most where there is none.
+  static constexpr int kMostBareTexts = 200'000;
+
   File& m_carrier;
-  const Key& m_key;
   Dialogue& m_dialogue;
+  RecordOpener m_opener;
   Length m_size;
   std::vector<Link> m_links;  ///< in file order
   Position m_lastForeign{0};  ///< the last text that this key doesn't open
   int m_looks = 0;
+  int m_bareTexts = 0;
   Position m_copied;  ///< the first byte that no piece has
   MendPlan m_plan;
 };
@@ -104,7 +108,7 @@ void Planning::FindLinks() {
 }
 
 std::optional<Link> Planning::LinkAt(const RecordText& text) {
-  const std::optional<OpenedRecord> opened = OpenText(m_carrier, text, m_key);
+  const std::optional<OpenedRecord> opened = m_opener.Open(text);
   if (opened && opened->isWhole) {
     Link link = MakeLink(text, text.begin + opened->length);
     link.isOwn = true;
@@ -114,8 +118,12 @@ std::optional<Link> Planning::LinkAt(const RecordText& text) {
     return link;
   }
   if (!opened) m_lastForeign = text.begin;
-  const std::optional<Position> trailer = TrailerOf(m_carrier, text);
-  return trailer ? std::optional(MakeLink(text, *trailer)) : std::nullopt;
+  if (const std::optional<FoundTrailer> trailer = TrailerOf(m_carrier, text))
+    return MakeLink(text, trailer->at);
+  if (++m_bareTexts > kMostBareTexts)
+    throw Error(ErrorNumber::BadRecordNumber,
+                "cannot mend the carrier: too much in it looks like damaged records; salvage it");
+  return std::nullopt;
 }
 
 Link Planning::MakeLink(const RecordText& text, Position trailer) {

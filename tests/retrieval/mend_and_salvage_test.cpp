@@ -188,16 +188,16 @@ TEST(Salvage, SaysWhatItCannotTakeOutAndMakesNoFileOfIt) {
   const Length wrong = bench.Size();
   bench.Hide({"contents"});
   const Length cut = bench.Size();
-  bench.Hide({"record"}).Hide({std::string(300, 'n')}).Hide({"whole"});
+  bench.Hide({"record"}).Hide({std::string(300, 'n')}).Hide({std::string(1025, 'n')}).Hide({"whole"});
   bench.FlipBit(wrong + 20, 0);
   bench.FlipBit(cut + 12 + 32 + 60, 0);
   bench.person.script.Always("extract.error", Answer::Ignore).Always("extract.name", Answer::Ignore);
-  EXPECT_THAT(bench.Salvaged(), testing::ElementsAre("whole=some content", ": its record is damaged",
-                                                     "contents: its contents are damaged or were altered",
-                                                     "n1E300: its contents are not all there",
-                                                     "n999999: its contents are not all there",
-                                                     "n-5: its contents are not all there",
-                                                     std::string(300, 'n') + ": it was passed over"));
+  EXPECT_THAT(bench.Salvaged(),
+              testing::ElementsAre(
+                  "whole=some content", ": its name is too long", ": its record is damaged",
+                  "contents: its contents are damaged or were altered",
+                  "n1E300: its contents are not all there", "n999999: its contents are not all there",
+                  "n-5: its contents are not all there", std::string(300, 'n') + ": it was passed over"));
 }
 
 TEST(Salvage, FindsARecordAcrossTheBlocksThatItReads) {
