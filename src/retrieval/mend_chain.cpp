@@ -67,6 +67,7 @@ class Planning {
   void JoinFirst(const Link& link);
   void JoinTo(const Link& before, const Link& link);
   std::optional<Lengths> TrailerBefore(Position end);
+  bool IsBeyondDoubt(const Link& before, const Link& link, Length payload);
   bool IsBridge(Position from, Length length);
   void BridgeGap(Position from, Length length);
   void Emit(const Link& link, Length payload, const char* reason);
@@ -189,12 +190,17 @@ void Planning::JoinFirst(const Link& link) {
 void Planning::JoinTo(const Link& before, const Link& link) {
   const Length gap = link.record - before.end;
   const std::optional<Length> payload = link.Payload();
-  const bool hasForeignBytes =
-      payload && *payload < gap &&
-      (TrailerBefore(link.record - *payload) || !(before.HasTrailer() && MayHaveRead(link, gap)));
+  const bool hasForeignBytes = payload && *payload < gap && IsBeyondDoubt(before, link, *payload);
   if (hasForeignBytes) BridgeGap(before.end, gap - *payload);
   Emit(link, hasForeignBytes ? *payload : gap,
        link.named == gap ? "the record of its entry" : "the end of the entry before it");
+}
+
+/// A trailer of its own inside somebody else's contents would keep even salvage from them: a length that may
+/// be altered doesn't tell where they begin.
+bool Planning::IsBeyondDoubt(const Link& before, const Link& link, Length payload) {
+  if (link.named || TrailerBefore(link.record - payload)) return true;
+  return link.HasTrailer() && !(before.HasTrailer() && MayHaveRead(link, link.record - before.end));
 }
 
 /// True if one altered character can have made the payload's field what it is. Many such fields are no

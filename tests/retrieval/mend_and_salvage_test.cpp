@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "carrier/chain.h"
+#include "carrier/length_field.h"
 #include "retrieval/mend_chain.h"
 #include "retrieval/recover.h"
 #include "retrieval/salvage.h"
@@ -82,6 +83,7 @@ TEST(Mend, MakesTheChainLeadToAllThatItCanLeadTo) {
       {[](MendBench& b) { b.Insert(2, std::string(5000, '\0')); }, "b " + kAll},
       // 39, with one character more, is the 390 bytes that the bridge makes of these.
       {[](MendBench& b) { b.Insert(1, std::string(390 - 39 - kTrailerSize, '\0')); }, "b " + kAll},
+      {[](MendBench& b) { b.Replace(1, PackLengthField(5)), b.Spoil(1, "r"); }, "ww " + kAll},
       {[](MendBench& b) { b.CutTo(b.TrailerOf(2) + 30); }, "ww " + kAll},
       {[](MendBench& b) {  // an entry that was torn before its trailer, and one written behind it
          b.CutTo(b.TrailerOf(1) - 1);
