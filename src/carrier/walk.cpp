@@ -101,8 +101,7 @@ bool Walk::WasMisled() {
   const std::string payload = Slice(trailer, kLengthFieldSize);
   const std::vector<Length> numbers = NumbersOneCharacterAway(payload);
   return std::any_of(numbers.begin(), numbers.end(), [&](Length number) {
-    return number != m_entry.payload && number < m_entry.Record() - Position{} &&
-           IsBehindAnEntry(m_entry.Record() - number);
+    return number < m_entry.Record() - Position{} && IsBehindAnEntry(m_entry.Record() - number);
   });
 }
 

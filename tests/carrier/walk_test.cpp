@@ -129,6 +129,14 @@ TEST(Walk, ReportsACarrierThatBecomesShorter) {
   Walk walk(*file);
   bench.CutTo(500);
   EXPECT_THROW(walk.Next(), Error);
+
+  CarrierBench longer(1000);
+  longer.Hide({.name = "a.txt", .title = std::string(20000, 't')});
+  const auto open = longer.posix.OpenToRead(longer.carrier);
+  Walk entries(*open);
+  ASSERT_TRUE(entries.Next());
+  longer.CutTo(longer.Size() - 200);
+  EXPECT_THROW(entries.ReadRecordText(), Error) << "a record that is read in one piece";
 }
 
 }  // namespace tarnel::test
