@@ -126,7 +126,7 @@ std::vector<FileListRow> FileList::FileRows(const TreeNode& node, const Catalogu
   std::vector<FileListRow> rows;
   for (std::size_t i = 0; i < catalogue.Rows().size(); ++i) {
     const MirrorRow& mirror = catalogue.Rows()[i];
-    const bool qualifies = mirror.hideout->carrier == node.hideout->carrier && mirror.Folder() == folder;
+    const bool qualifies = mirror.hideout->carrier == node.hideout->carrier && mirror.ShownFolder() == folder;
     if (qualifies) rows.push_back(FileRow(mirror, i));
   }
   return rows;

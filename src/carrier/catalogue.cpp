@@ -60,8 +60,12 @@ std::string_view MirrorRow::Folder() const {
   return Field(tag::kFolder);
 }
 
+std::string_view MirrorRow::ShownFolder() const {
+  return Folder().substr(0, shownBelow);
+}
+
 Position MirrorRow::End() const {
-  return start + size + static_cast<Length>(tail.size());
+  return start + size + tail.length;
 }
 
 TreeNode* Catalogue::FindRoot(const Path& carrier) const {
@@ -94,18 +98,27 @@ void Catalogue::AddRow(MirrorRow row) {
 TreeNode& Catalogue::EnsureFolderNode(TreeNode& root, std::string_view folder) {
   const FolderText text = Shared(folder);
   TreeNode* node = &root;
-  std::string_view rest = folder;
-  for (std::size_t end = rest.find('\\'); end != std::string_view::npos; end = rest.find('\\')) {
-    node = &EnsureChild(*node, rest.substr(0, end), text);
-    rest.remove_prefix(end + 1);
+  for (std::string_view rest = folder; !rest.empty();) {
+    const std::size_t end = rest.find('\\');
+    TreeNode* const child = EnsureChild(root, *node, rest.substr(0, end), text);
+    if (child == nullptr) break;
+    node = child;
+    rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
   }
-  return rest.empty() ? *node : EnsureChild(*node, rest, text);
+  return *node;
 }
 
-TreeNode& Catalogue::EnsureChild(TreeNode& parent, std::string_view text, const FolderText& folder) {
+/// Null where there is no such child and no room for one. The text of the whole folder counts with its first
+/// new node.
+TreeNode* Catalogue::EnsureChild(TreeNode& root, TreeNode& parent, std::string_view text,
+                                 const FolderText& folder) {
   if (const auto known = parent.childByText.find(text); known != parent.childByText.end()) {
-    return *known->second;
+    return known->second;
   }
+  const std::size_t more = text.size() + (parent.itemFolder == folder ? 0 : folder->size());
+  if (root.nodesBelow == kMostFolderNodes || more > kMostFolderText - root.textBelow) return nullptr;
+  ++root.nodesBelow;
+  root.textBelow += more;
   auto child = std::make_unique<TreeNode>();
   child->hideout = parent.hideout;
   child->parent = &parent;
@@ -114,7 +127,7 @@ TreeNode& Catalogue::EnsureChild(TreeNode& parent, std::string_view text, const 
   child->image = 2;
   child->selectedImage = 3;
   parent.childByText.emplace(child->text, child.get());
-  return *parent.children.emplace_back(std::move(child));
+  return parent.children.emplace_back(std::move(child)).get();
 }
 
 void Catalogue::RemoveRoot(const Path& carrier) {
@@ -130,6 +143,7 @@ void Catalogue::RemoveFolderNodes(const Path& carrier) {
   if (root == nullptr) return;
   root->childByText.clear();
   root->children.clear();
+  root->nodesBelow = root->textBelow = 0;
 }
 
 void Catalogue::RemoveCarrier(const Path& carrier) {

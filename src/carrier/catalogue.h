@@ -9,10 +9,16 @@
 
 #include "base/files.h"
 #include "base/secret.h"
+#include "carrier/entry_tail.h"
 #include "crypto/algorithm.h"
 #include "crypto/keys.h"
 
 namespace tarnel {
+
+/// Most nodes below one root, and most bytes of text in them. Each record of a crafted carrier can name 2,048
+/// folders that no other has, which would come to gigabytes; what people hide stays far below.
+inline constexpr std::size_t kMostFolderNodes = 100'000;
+inline constexpr std::size_t kMostFolderText = std::size_t{32} << 20;
 
 /// What all nodes and rows of one open hideout share.
 struct HideoutKey {
@@ -42,6 +48,8 @@ struct TreeNode {
   int selectedImage = 1;
   std::vector<std::unique_ptr<TreeNode>> children;
   std::map<std::string_view, TreeNode*> childByText;  ///< the same children, kept by Catalogue
+  std::size_t nodesBelow = 0;                         ///< of a root, as is the next
+  std::size_t textBelow = 0;                          ///< bytes
 
   bool IsRoot() const { return parent == nullptr; }
   /// The folder inside the hideout: the texts from below the root down, joined by "\"; empty at a root.
@@ -53,13 +61,16 @@ struct MirrorRow {
   std::shared_ptr<const HideoutKey> hideout;
   WipedText record;  ///< plain record
   Position start;
-  Length size = 0;   ///< of the payload
-  std::string tail;  ///< encrypted record and trailer as stored, so R + 80 bytes
+  Length size = 0;  ///< of the payload
+  EntryTail tail;
+  std::size_t shownBelow = std::string_view::npos;  ///< bytes of the folder that its node's path has
 
   std::string_view Field(std::string_view key) const;  ///< GetTag on the record
   std::string_view Name() const;                       ///< "?Fnm=<"
   std::string_view Folder() const;                     ///< "?Fldnm=<"
-  Position End() const;                                ///< first byte behind the entry
+  /// The path of the node that lists the file: its folder, or the nearest one above that has a node.
+  std::string_view ShownFolder() const;
+  Position End() const;  ///< first byte behind the entry
 };
 
 /// The in-memory catalogue of all open hideouts: the tree DirView and the row table FileListMirror. Row
@@ -78,7 +89,8 @@ class Catalogue {
 
   /// The deepest node of `folder` below `root`, found or made; `root` itself for an empty folder. New nodes
   /// all get `folder` as their itemFolder. Parts stand between "\\"; an empty part is a folder like any
-  /// other, but not at the end.
+  /// other, but not at the end. Where the root has as many nodes as it may have, the deepest that is there:
+  /// no folder gets another's place or name.
   TreeNode& EnsureFolderNode(TreeNode& root, std::string_view folder);
 
   void RemoveRoot(const Path& carrier);
@@ -90,7 +102,8 @@ class Catalogue {
 
  private:
   using FolderText = std::shared_ptr<const WipedText>;
-  static TreeNode& EnsureChild(TreeNode& parent, std::string_view text, const FolderText& folder);
+  static TreeNode* EnsureChild(TreeNode& root, TreeNode& parent, std::string_view text,
+                               const FolderText& folder);
 
   std::vector<std::unique_ptr<TreeNode>> m_roots;
   std::vector<MirrorRow> m_rows;

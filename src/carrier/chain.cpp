@@ -12,13 +12,6 @@
 namespace tarnel {
 namespace {
 
-/// What no platform can extract; empty for a record that is in order.
-std::string Excess(std::string_view record) {
-  if (ToPlatform(GetTag(record, tag::kName)).size() > kNameLimit) return "its name is too long";
-  if (ToPlatform(GetTag(record, tag::kFolder)).size() > kFolderLimit) return "its folder is too deep";
-  return {};
-}
-
 /// Contents that are stored as they are differ from their size by what the cipher adds.
 bool ContradictsSize(std::string_view record, Length payload) {
   const std::string_view size = GetTag(record, tag::kPlainSize);
@@ -51,6 +44,12 @@ JudgedEntry JudgeLengths(Walk& walk, const EntryPlace& place, WipedText record) 
 
 }  // namespace
 
+std::string ExcessOf(std::string_view record) {
+  if (ToPlatform(GetTag(record, tag::kName)).size() > kNameLimit) return "its name is too long";
+  if (ToPlatform(GetTag(record, tag::kFolder)).size() > kFolderLimit) return "its folder is too deep";
+  return {};
+}
+
 JudgedEntry Judge(Walk& walk, const EntryPlace& place, Algorithm algorithm, const Key& key) {
   if (!walk.KeyFits(algorithm, key)) return {};
   if (place.recordLength > Length{kRecordLimit}) return Damaged("its record is too long");
@@ -60,7 +59,7 @@ JudgedEntry Judge(Walk& walk, const EntryPlace& place, Algorithm algorithm, cons
   if (GetTag(record, tag::kName).empty()) return {};
   if (GetTag(record, tag::kFormat) != kFormatVersion)
     return {.state = JudgedEntry::State::Closed, .record = std::move(record), .fault = {}};
-  std::string excess = Excess(record);
+  std::string excess = ExcessOf(record);
   if (!excess.empty()) return Damaged(std::move(excess));
   return JudgeLengths(walk, place, std::move(record));
 }
@@ -112,6 +111,9 @@ std::vector<std::string> SentencesOf(const ChainFaults& faults) {
   if (faults.closedBy)
     sentences.push_back("an entry was written in format " + Printable(ToPlatform(*faults.closedBy)) +
                         ": it and all older ones are closed to this version of the program");
+  if (faults.hasMoreFolders)
+    sentences.push_back(
+        "there are more folders than a tree shows: it lists the files of some in a folder above");
   return sentences;
 }
 

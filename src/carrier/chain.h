@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/dialogue.h"
@@ -21,6 +22,9 @@ namespace tarnel {
 /// ones; a crafted record can't make a reader build more folders than these hold.
 inline constexpr std::size_t kNameLimit = 1024;
 inline constexpr std::size_t kFolderLimit = 4096;
+
+/// What of a record no platform can extract, as a clause; empty for a record that is in order.
+std::string ExcessOf(std::string_view record);
 
 struct JudgedEntry {
   enum class State {
@@ -51,8 +55,9 @@ struct ChainFaults {
   std::size_t notNoted = 0;         ///< further ones
   std::optional<Position> brokenAt;
   std::optional<std::string> closedBy;  ///< the other format version, stored text
+  bool hasMoreFolders = false;          ///< than the catalogue makes nodes of, which is no damage
 
-  bool None() const { return entries.empty() && !brokenAt && !closedBy; }
+  bool None() const { return entries.empty() && !brokenAt && !closedBy && !hasMoreFolders; }
   bool IsDamage() const { return !entries.empty() || brokenAt; }
   void Note(EntryFault fault);
 };

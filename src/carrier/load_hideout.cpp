@@ -49,7 +49,7 @@ class Loader {
   struct Entry {
     EntryPlace place;
     WipedText record;  ///< plain
-    std::string tail;
+    EntryTail tail;
   };
 
   End ReadEntries() {
@@ -76,7 +76,7 @@ class Loader {
       m_faults.Note({Position{} + walk.CarrierSize() - walk.Passed(), {}, "it cannot be read"});
     if (!place) return Step::Done;
     JudgedEntry judged;
-    std::string tail;
+    EntryTail tail;
     if (Try([&] { ReadTo(judged, tail, *place); }) == Outcome::Ignored) {
       m_faults.Note({place->start, {}, "its record cannot be read"});
       return PassOver();
@@ -90,7 +90,7 @@ class Loader {
         m_screen.Ask(VersionMessage(*m_faults.closedBy));
         return Step::Done;
       case JudgedEntry::State::Whole:
-        return Take({.place = *place, .record = std::move(judged.record), .tail = std::move(tail)});
+        return Take({.place = *place, .record = std::move(judged.record), .tail = tail});
       case JudgedEntry::State::Broken:
         m_faults.brokenAt = walk.BrokenAt();
         return Step::Done;
@@ -100,10 +100,10 @@ class Loader {
     return PassOver();
   }
 
-  void ReadTo(JudgedEntry& judged, std::string& tail, const EntryPlace& place) {
+  void ReadTo(JudgedEntry& judged, EntryTail& tail, const EntryPlace& place) {
     m_reading.current.SecondKey.clear();
     JudgedEntry entry = Judge(m_walk.Entries(), place, m_request.algorithm, m_request.password);
-    if (entry.state == JudgedEntry::State::Whole) tail = m_walk.Entries().ReadTail();
+    if (entry.state == JudgedEntry::State::Whole) tail = EntryTail(m_walk.Entries().ReadTail());
     judged = std::move(entry);
   }
 
@@ -145,8 +145,9 @@ class Loader {
     row.record = std::move(entry.record);
     row.start = entry.place.start;
     row.size = entry.place.payload;
-    row.tail = std::move(entry.tail);
-    m_reading.catalogue.EnsureFolderNode(*m_root, row.Folder());
+    row.tail = entry.tail;
+    row.shownBelow = m_reading.catalogue.EnsureFolderNode(*m_root, row.Folder()).FolderPath().size();
+    m_faults.hasMoreFolders |= row.shownBelow + 1 < row.Folder().size();
     m_reading.catalogue.AddRow(std::move(row));
     ++m_count;
   }

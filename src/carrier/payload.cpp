@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/file_streams.h"
 #include "base/printable.h"
 #include "carrier/format.h"
 #include "carrier/stored_text.h"
@@ -64,11 +65,9 @@ void MustLieInside(Position start, Length size, Length carrierSize, const Path& 
               carrier);
 }
 
-void MustStillStand(File& carrier, Position start, Length size, std::string_view tail, const Path& path) {
+void MustStillStand(File& carrier, Position start, Length size, const EntryTail& tail, const Path& path) {
   MustLieInside(start, size, carrier.Size(), path);
-  std::string found(tail.size(), '\0');
-  found.resize(carrier.ReadAt(start + size, {reinterpret_cast<std::uint8_t*>(found.data()), found.size()}));
-  if (found == tail) return;
+  if (EntryTail(ReadFileSlice(carrier, start + size, tail.length)) == tail) return;
   throw Error(ErrorNumber::BadRecordNumber,
               "cannot read " + Printable(path.native()) +
                   ": it has changed since its hideout was opened; open it again",

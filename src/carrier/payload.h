@@ -9,6 +9,7 @@
 #include "base/bytes.h"
 #include "base/error.h"
 #include "base/files.h"
+#include "carrier/entry_tail.h"
 #include "crypto/algorithm.h"
 #include "crypto/keys.h"
 
@@ -25,9 +26,9 @@ PayloadClaims ClaimsOf(std::string_view record);
 /// Throws Error BadRecordNumber unless [start, start + size) lies inside a carrier of `carrierSize` bytes.
 void MustLieInside(Position start, Length size, Length carrierSize, const Path& carrier);
 
-/// Throws Error BadRecordNumber unless the carrier holds `tail`, an entry's record and trailer, right behind
-/// the payload [start, start + size): then the entry is still where it was when its hideout was opened.
-void MustStillStand(File& carrier, Position start, Length size, std::string_view tail, const Path& path);
+/// Throws Error BadRecordNumber unless the carrier holds `tail` right behind the payload [start, start +
+/// size): then the entry is still where it was when its hideout was opened.
+void MustStillStand(File& carrier, Position start, Length size, const EntryTail& tail, const Path& path);
 
 /// Decrypts a payload into `plain`, decompresses it where the claims say so, and compares it with them. Empty
 /// if it is the whole payload that the record names; else what is wrong, as a clause such as "its contents

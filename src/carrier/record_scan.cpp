@@ -23,13 +23,19 @@ constexpr Length kGroup = 4;
 /// Characters of a trailer that may be altered to anything: what has more is none.
 constexpr int kMostOdd = 2;
 
-/// Of the lengths that the text can have, the one whose tag is right: that of its trailer first.
-void OpenWhole(OpenedRecord& record, std::string_view text, Length lines, std::optional<Length> likely,
-               const Key& key) {
+/// The lengths that the text can have, the likeliest first: only one where a whole trailer names it.
+std::vector<Length> LengthsOf(const RecordText& text, const std::optional<FoundTrailer>& trailer) {
   std::vector<Length> lengths;
-  if (likely) lengths.push_back(*likely);
+  if (trailer) lengths.push_back(trailer->at - text.begin);
+  if (trailer && trailer->isWhole) return lengths;
   for (Length rest = 0; rest < static_cast<Length>(kLineCharacters); rest += kGroup)
-    lengths.push_back(lines + rest);
+    lengths.push_back(text.linesEnd - text.begin + rest);
+  return lengths;
+}
+
+/// Takes the one whose tag is right.
+void OpenWhole(OpenedRecord& record, std::string_view text, const std::vector<Length>& lengths,
+               const Key& key) {
   for (const Length length : lengths) {
     if (length > static_cast<Length>(text.size()) || length > static_cast<Length>(kRecordLimit)) continue;
     std::string secondKey;
@@ -103,24 +109,27 @@ bool RecordScan::IsLine(Position begin) {
   return line.size() == kLineSize && LooksLikeLine(line);
 }
 
-std::optional<OpenedRecord> OpenText(File& carrier, const RecordText& text, const Key& key) {
-  const std::string front = ReadFileSlice(carrier, text.begin, kFront);
+std::optional<OpenedRecord> RecordOpener::Open(const RecordText& text) {
+  const std::string front = ReadFileSlice(m_carrier, text.begin, kFront);
   for (const OfferedAlgorithm& offered : OfferedAlgorithms()) {
-    if (!CipherKeyFits(offered.algorithm, front, TextForm::Base64, key)) continue;
+    if (!CipherKeyFits(offered.algorithm, front, TextForm::Base64, m_key)) continue;
     OpenedRecord record;
     record.algorithm = offered.algorithm;
-    const Length lines = text.linesEnd - text.begin;
-    const std::optional<Position> trailer = TrailerOf(carrier, text);
+    if (m_damaged == kMostDamaged) return record;
     const std::string whole =
-        ReadFileSlice(carrier, text.begin, std::min<Length>(lines + Length{kLineSize}, kRecordLimit));
-    OpenWhole(record, whole, lines, trailer ? std::optional(*trailer - text.begin) : std::nullopt, key);
+        ReadFileSlice(m_carrier, text.begin,
+                      std::min<Length>(text.linesEnd - text.begin + Length{kLineSize}, kRecordLimit));
+    const std::optional<FoundTrailer> trailer = TrailerOf(m_carrier, text);
+    OpenWhole(record, whole, LengthsOf(text, trailer), m_key);
+    const bool wasDear = !record.isWhole && !(trailer && trailer->isWhole);
+    m_damaged += wasDear ? 1 : 0;
     return record;
   }
   return std::nullopt;
 }
 
 /// A lone field that holds could be either of the two. The right one tells how long the text is.
-std::optional<Position> TrailerOf(File& carrier, const RecordText& text) {
+std::optional<FoundTrailer> TrailerOf(File& carrier, const RecordText& text) {
   const std::string behind = ReadFileSlice(carrier, text.linesEnd, Length{kLineCharacters + kTrailerSize});
   std::vector<int> odd(1, 0);  // among the characters before each place
   for (const char c : behind)
@@ -137,11 +146,13 @@ std::optional<Position> TrailerOf(File& carrier, const RecordText& text) {
     const LengthField left = ReadLengthField(trailer.substr(0, kLengthFieldSize));
     const LengthField right = ReadLengthField(trailer.substr(kLengthFieldSize));
     const Position place = text.linesEnd + static_cast<Length>(rest);
-    if (left.holds && right.holds) return place;
+    if (left.holds && right.holds)
+      return FoundTrailer{place, right.number == static_cast<double>(place - text.begin)};
     if (right.holds && right.number == static_cast<double>(place - text.begin)) rightHolds = place;
     if (left.holds) leftHolds = place;
   }
-  return rightHolds ? rightHolds : leftHolds;
+  if (!rightHolds && !leftHolds) return std::nullopt;
+  return FoundTrailer{rightHolds ? *rightHolds : *leftHolds, false};
 }
 
 }  // namespace tarnel

@@ -52,10 +52,30 @@ struct OpenedRecord {
   Length length = 0;  ///< of the text
 };
 
-/// The text under the key, with whichever algorithm fits; nothing if none does. Throws Error.
-std::optional<OpenedRecord> OpenText(File& carrier, const RecordText& text, const Key& key);
+/// Opens texts under a key. What a damaged record without its trailer costs, a try with each length that it
+/// can have, is spent on 50,000 of a carrier at most: the others count as damaged at once.
+class RecordOpener {
+ public:
+  RecordOpener(File& carrier, const Key& key) : m_carrier(carrier), m_key(key) {}
 
-/// The places behind the text where a trailer of which at least one field holds stands.
-std::optional<Position> TrailerOf(File& carrier, const RecordText& text);
+  /// With whichever algorithm fits; nothing if none does. Throws Error.
+  std::optional<OpenedRecord> Open(const RecordText& text);
+
+ private:
+  static constexpr int kMostDamaged = 50'000;
+
+  File& m_carrier;
+  const Key& m_key;
+  int m_damaged = 0;
+};
+
+/// A trailer of which at least one field holds.
+struct FoundTrailer {
+  Position at;
+  bool isWhole = false;  ///< both hold, and the right one leads to the begin of the text
+};
+
+/// The trailer behind the text.
+std::optional<FoundTrailer> TrailerOf(File& carrier, const RecordText& text);
 
 }  // namespace tarnel

@@ -36,12 +36,18 @@ bool Walk::Rewind() {
 
 std::optional<EntryPlace> Walk::Next() {
   if (m_ended) return std::nullopt;
-  if (m_cursor < Position{}) throw TooShort();
   if (m_passedEntries < m_steps.size()) return StepTo(m_steps[m_passedEntries].place);
-  if (!m_knowsEnd) return ReadNext();
+  if (!m_knowsEnd) return HasRoomForMore() ? ReadNext() : EndHere(false);
   m_ended = true;
   m_brokenAt = m_endBrokenAt;
   return std::nullopt;
+}
+
+/// False where fewer than 79 bytes lie before an entry. Throws for 79 and for a file that can have no entry.
+bool Walk::HasRoomForMore() {
+  if (m_cursor >= Position{}) return !m_hasEntry || m_entry.start >= Position{kTrailerSize};
+  if (m_hasEntry && WasMisled()) return false;
+  throw TooShort();
 }
 
 std::optional<EntryPlace> Walk::ReadNext() {
@@ -62,19 +68,27 @@ std::optional<EntryPlace> Walk::StepTo(const EntryPlace& entry) {
   m_entry = entry;
   m_hasEntry = true;
   ++m_passedEntries;
-  m_ended = m_entry.start < Position{kTrailerSize};
-  if (!m_ended) m_cursor = m_entry.start - Length{kTrailerSize};
+  if (entry.start >= Position{kTrailerSize}) m_cursor = entry.start - Length{kTrailerSize};
   return m_entry;
 }
 
 std::nullopt_t Walk::EndHere(bool isBroken) {
-  const bool wasMisled = !isBroken && m_hasEntry && WasMisled();
+  const bool wasMisled = m_hasEntry && (isBroken ? IsInATrailer(m_cursor) : WasMisled());
   m_ended = true;
   if (isBroken) m_brokenAt = m_cursor;
   if (wasMisled) m_brokenAt = m_entry.Trailer();
   m_knowsEnd = m_remembers && m_passedEntries == m_steps.size();
   m_endBrokenAt = m_brokenAt;
   return std::nullopt;
+}
+
+/// True if a whole trailer stands so near the place that this one lies in it: there one of its fields can be
+/// read, and it isn't what is damaged. Base64 passes over what stands between text and trailer.
+bool Walk::IsInATrailer(Position place) {
+  constexpr Length reach = Length{kLengthFieldSize} + 4;
+  for (Length shift = -reach; shift <= reach; ++shift)
+    if (shift != 0 && IsBehindAnEntry(place + shift + Length{kTrailerSize})) return true;
+  return false;
 }
 
 /// Called where no trailer stands before the current entry.
@@ -87,8 +101,7 @@ bool Walk::WasMisled() {
   const std::string payload = Slice(trailer, kLengthFieldSize);
   const std::vector<Length> numbers = NumbersOneCharacterAway(payload);
   return std::any_of(numbers.begin(), numbers.end(), [&](Length number) {
-    return number != m_entry.payload && number < m_entry.Record() - Position{} &&
-           IsBehindAnEntry(m_entry.Record() - number);
+    return number < m_entry.Record() - Position{} && IsBehindAnEntry(m_entry.Record() - number);
   });
 }
 

@@ -44,8 +44,8 @@ enum class WalkEnd {
 ///
 /// A trailer of which one length field holds and the other doesn't was damaged, for no bytes of a body pass
 /// for a field by chance; the walk ends there, and BrokenAt says where. The same where the walk comes to its
-/// end behind a trailer whose lengths are disproved: by the lines of the record's text, or by a whole trailer
-/// at the place where another number of one changed digit would have led.
+/// end behind a trailer whose lengths are disproved: by the lines of the record's text, by a whole trailer at
+/// the place where another number of one changed digit would have led, or by one that they lead into.
 class Walk {
  public:
   /// `name` is for messages; the walk reads from `carrier` alone.
@@ -111,6 +111,8 @@ class Walk {
   std::string Slice(Position from, Length length);
   void FillWindow(Position from, Length length);
   std::nullopt_t EndHere(bool isBroken);
+  bool HasRoomForMore();
+  bool IsInATrailer(Position place);
   bool WasMisled();
   EntryPlace PlaceOf(Position trailer, double payload, double recordLength) const;
   Position Back(Position from, double length) const;

@@ -110,7 +110,9 @@ void HideVerb::RefuseNewUnasked(const GivenPassword& password) {
                           .buttons = Buttons::YesNo,
                           .icon = Icon::Question,
                           .preset = Answer::No};
-  if (m_around.talk.Ask(question) != Answer::Yes) throw CliFailure(ExitCode::NoHideout, message);
+  if (m_around.talk.Ask(question) == Answer::Yes) return;
+  if (m_around.talk.CancelRequested()) throw CliFailure(ExitCode::Cancelled, "cancelled");
+  throw CliFailure(ExitCode::NoHideout, message);
 }
 
 void HideVerb::MakeHideout(const GivenPassword& password) {

@@ -100,8 +100,10 @@ ExitCode RunVerb(const ListOptions& options, Surroundings& around) {
   bench.Open();
   bench.WarnOfFaults();
   const Rows chosen = MatchEntries(bench.Rows(), {.named = options.entries, .excluded = {}});
-  FillReport(bench, chosen, around.report);
-  if (around.options.json) return bench.CodeOfReading(ExitCode::Done);
+  if (around.options.json) {
+    FillReport(bench, chosen, around.report);
+    return bench.CodeOfReading(ExitCode::Done);
+  }
   around.terminal.Write(options.onlyNames ? WholePaths(bench, chosen) : Table(bench, chosen));
   if (!options.onlyNames && around.terminal.OutputIsTerminal()) around.terminal.Write(Totals(bench, chosen));
   return bench.CodeOfReading(ExitCode::Done);

@@ -44,6 +44,8 @@ class RecoverVerb {
   void ShowMending(const MendPlan& plan);
   void AskForLeave(const std::string& text);
   void Report();
+  /// A person who is asked has to see what about.
+  bool MustShowThePlan() const { return !m_around.options.quiet || !m_options.yes; }
   const CarrierCopy& Best() const { return m_plan.copies.at(*m_plan.best); }
 
   const RecoverOptions& m_options;
@@ -114,7 +116,7 @@ void RecoverVerb::ShowCopies() {
     object["damaged"] = copy.damaged;
     object["finding"] = Findings(copy);
     m_around.report["copies"].push_back(std::move(object));
-    if (m_around.options.json) continue;
+    if (m_around.options.json || !MustShowThePlan()) continue;
     m_around.terminal.Write(m_around.messages.Shown(copy.path.native()) + ": " + Findings(copy) + "\n");
   }
 }
@@ -153,7 +155,7 @@ MendPlan RecoverVerb::PlanTheMending(File& carrier) {
 }
 
 void RecoverVerb::ShowMending(const MendPlan& plan) {
-  if (m_around.options.json) return;
+  if (m_around.options.json || !MustShowThePlan()) return;
   std::string text = "To mend the chain of entries in " + Printable(m_options.carrier) + ":\n";
   for (const std::string& sentence : m_mended)
     text += "- " + sentence + "\n";

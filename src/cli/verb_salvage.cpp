@@ -31,10 +31,13 @@ void Report(const SalvageOptions& options, const SalvageResult& result, Surround
     around.messages.Warn("damaged: " + LineOf(entry));
   for (const EntryFault& entry : result.leftOut)
     around.messages.Warn("left out: " + LineOf(entry));
+  if (result.notNoted > 0)
+    around.messages.Warn(std::to_string(result.notNoted) + " further entries are damaged or left out");
   PutBytes(around.report, "target", options.target);
   around.report["salvaged"] = result.salvaged;
   around.report["damaged"] = JsonOf(result.damaged);
   around.report["left_out"] = JsonOf(result.leftOut);
+  if (result.notNoted > 0) around.report["further"] = result.notNoted;
   around.messages.Note(std::to_string(result.salvaged) + (result.salvaged == 1 ? " file" : " files") +
                        " salvaged to " + Printable(options.target));
 }

@@ -77,6 +77,15 @@ ExitCode CodeOf(const VerifyResult& result) {
 }
 
 /// The one that says most of several carriers.
+Json JsonOf(const VerifiedEntry& entry) {
+  Json file;
+  PutBytes(file, "path", PathOfEntry(entry.folder, entry.name));
+  file["start"] = entry.at.value;
+  file["verdict"] = WordOf(entry.verdict);
+  if (!entry.reason.empty()) file["reason"] = entry.reason;
+  return file;
+}
+
 ExitCode Worse(ExitCode a, ExitCode b) {
   constexpr std::array order = {ExitCode::Damaged,         ExitCode::Unreadable, ExitCode::NoHideout,
                                 ExitCode::CarrierNotFound, ExitCode::Busy,       ExitCode::Failed};
@@ -160,14 +169,9 @@ void VerifyVerb::Report(const std::string& carrier, const VerifyResult& result) 
     ++m_tally.files;
     if (entry.verdict == Verdict::Damaged) ++m_tally.damaged;
     if (entry.verdict == Verdict::Unreadable) ++m_tally.unreadable;
-    Json file;
-    PutBytes(file, "path", PathOfEntry(entry.folder, entry.name));
-    file["start"] = entry.at.value;
-    file["verdict"] = WordOf(entry.verdict);
-    if (!entry.reason.empty()) file["reason"] = entry.reason;
-    object["files"].push_back(std::move(file));
     const bool isShown = !m_around.options.quiet || entry.verdict != Verdict::Intact;
     if (isShown && !m_around.options.json) m_around.terminal.Write(LineOf(carrier, entry));
+    if (m_around.options.json) object["files"].push_back(JsonOf(entry));
   }
   PutFaults(object, result.chain);
   object["leftovers"] = JsonOfNames(result.leftovers);

@@ -103,8 +103,9 @@ CarrierRewrite::CarrierRewrite(const Path& carrier, const std::vector<KnownEntry
 void CarrierRewrite::MustHold(const KnownEntry& entry) {
   const bool isInside = entry.start.value >= 1 && entry.size >= 0 && entry.size <= m_carrierSize &&
                         entry.start.value - 1 <= m_carrierSize - entry.size;
-  const Length tailSize = static_cast<Length>(entry.tail.size());
-  if (isInside && ReadFileSlice(*m_carrier, entry.start + entry.size, tailSize) == entry.tail) return;
+  if (isInside &&
+      EntryTail(ReadFileSlice(*m_carrier, entry.start + entry.size, entry.tail.length)) == entry.tail)
+    return;
   throw Error(ErrorNumber::BadRecordNumber,
               "cannot rewrite " + Printable(m_carrierPath.native()) +
                   ": it has changed since its hideout was opened; open it again",

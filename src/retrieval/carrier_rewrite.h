@@ -50,9 +50,9 @@ struct RewriteManner {
 /// An entry as the catalogue knows it.
 struct KnownEntry {
   Position start;
-  Length size = 0;        ///< of the payload
-  std::string_view tail;  ///< what follows the payload
-  Position End() const { return start + size + static_cast<Length>(tail.size()); }
+  Length size = 0;  ///< of the payload
+  EntryTail tail;
+  Position End() const { return start + size + tail.length; }
 };
 
 /// The frame that delete, update and change of password share: what stays and what is made anew goes, in file

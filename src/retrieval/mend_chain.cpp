@@ -49,11 +49,14 @@ struct Link {
 class Planning {
  public:
   Planning(File& carrier, const Key& key, Dialogue& dialogue)
-      : m_carrier(carrier), m_key(key), m_dialogue(dialogue), m_size(carrier.Size()) {}
+      : m_carrier(carrier), m_dialogue(dialogue), m_opener(carrier, key), m_size(carrier.Size()) {}
 
   MendPlan Run();
 
  private:
+  struct Lengths {
+    double payload, record;
+  };
   void FindLinks();
   std::optional<Link> LinkAt(const RecordText& text);
   Link MakeLink(const RecordText& text, Position trailer);
@@ -63,6 +66,8 @@ class Planning {
   bool MayHaveRead(const Link& link, Length length);
   void JoinFirst(const Link& link);
   void JoinTo(const Link& before, const Link& link);
+  std::optional<Lengths> TrailerBefore(Position end);
+  bool IsBeyondDoubt(const Link& before, const Link& link, Length payload);
   bool IsBridge(Position from, Length length);
   void BridgeGap(Position from, Length length);
   void Emit(const Link& link, Length payload, const char* reason);
@@ -70,13 +75,17 @@ class Planning {
                  const char* reason);
   void CopyUntil(Position end);
 
+  /// To look for the trailer of each costs most where there is none.
+  static constexpr int kMostBareTexts = 200'000;
+
   File& m_carrier;
-  const Key& m_key;
   Dialogue& m_dialogue;
+  RecordOpener m_opener;
   Length m_size;
   std::vector<Link> m_links;  ///< in file order
   Position m_lastForeign{0};  ///< the last text that this key doesn't open
   int m_looks = 0;
+  int m_bareTexts = 0;
   Position m_copied;  ///< the first byte that no piece has
   MendPlan m_plan;
 };
@@ -100,7 +109,7 @@ void Planning::FindLinks() {
 }
 
 std::optional<Link> Planning::LinkAt(const RecordText& text) {
-  const std::optional<OpenedRecord> opened = OpenText(m_carrier, text, m_key);
+  const std::optional<OpenedRecord> opened = m_opener.Open(text);
   if (opened && opened->isWhole) {
     Link link = MakeLink(text, text.begin + opened->length);
     link.isOwn = true;
@@ -110,8 +119,12 @@ std::optional<Link> Planning::LinkAt(const RecordText& text) {
     return link;
   }
   if (!opened) m_lastForeign = text.begin;
-  const std::optional<Position> trailer = TrailerOf(m_carrier, text);
-  return trailer ? std::optional(MakeLink(text, *trailer)) : std::nullopt;
+  if (const std::optional<FoundTrailer> trailer = TrailerOf(m_carrier, text))
+    return MakeLink(text, trailer->at);
+  if (++m_bareTexts > kMostBareTexts)
+    throw Error(ErrorNumber::BadRecordNumber,
+                "cannot mend the carrier: too much in it looks like damaged records; salvage it");
+  return std::nullopt;
 }
 
 Link Planning::MakeLink(const RecordText& text, Position trailer) {
@@ -177,10 +190,17 @@ void Planning::JoinFirst(const Link& link) {
 void Planning::JoinTo(const Link& before, const Link& link) {
   const Length gap = link.record - before.end;
   const std::optional<Length> payload = link.Payload();
-  const bool hasForeignBytes = payload && *payload < gap && !(before.HasTrailer() && MayHaveRead(link, gap));
+  const bool hasForeignBytes = payload && *payload < gap && IsBeyondDoubt(before, link, *payload);
   if (hasForeignBytes) BridgeGap(before.end, gap - *payload);
   Emit(link, hasForeignBytes ? *payload : gap,
        link.named == gap ? "the record of its entry" : "the end of the entry before it");
+}
+
+/// A trailer of its own inside somebody else's contents would keep even salvage from them: a length that may
+/// be altered doesn't tell where they begin.
+bool Planning::IsBeyondDoubt(const Link& before, const Link& link, Length payload) {
+  if (link.named || TrailerBefore(link.record - payload)) return true;
+  return link.HasTrailer() && !(before.HasTrailer() && MayHaveRead(link, link.record - before.end));
 }
 
 /// True if one altered character can have made the payload's field what it is. Many such fields are no
@@ -192,14 +212,22 @@ bool Planning::MayHaveRead(const Link& link, Length length) {
   return std::binary_search(near.begin(), near.end(), length);
 }
 
+/// The lengths that stand before `end`, if both fields hold.
+std::optional<Planning::Lengths> Planning::TrailerBefore(Position end) {
+  if (end <= Position{kTrailerSize}) return std::nullopt;
+  const std::string trailer = ReadFileSlice(m_carrier, end - Length{kTrailerSize}, kTrailerSize);
+  const LengthField payload = ReadLengthField(std::string_view(trailer).substr(0, kLengthFieldSize));
+  const LengthField record = ReadLengthField(std::string_view(trailer).substr(kLengthFieldSize));
+  if (!payload.holds || !record.holds) return std::nullopt;
+  return Lengths{payload.number, record.number};
+}
+
 /// True if the bytes end in a trailer that leads to their begin, as an earlier mending leaves them.
 bool Planning::IsBridge(Position from, Length length) {
   if (length <= Length{kTrailerSize}) return false;
-  const std::string trailer = ReadFileSlice(m_carrier, from + length - Length{kTrailerSize}, kTrailerSize);
-  const LengthField payload = ReadLengthField(std::string_view(trailer).substr(0, kLengthFieldSize));
-  const LengthField record = ReadLengthField(std::string_view(trailer).substr(kLengthFieldSize));
-  return payload.holds && record.holds && record.number > 0 &&
-         payload.number + record.number == static_cast<double>(length - Length{kTrailerSize});
+  const std::optional<Lengths> lengths = TrailerBefore(from + length);
+  return lengths && lengths->record > 0 &&
+         lengths->payload + lengths->record == static_cast<double>(length - Length{kTrailerSize});
 }
 
 void Planning::BridgeGap(Position from, Length length) {

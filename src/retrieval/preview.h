@@ -22,8 +22,8 @@ struct PreviewParcel {
   std::string ViewMtime;  ///< empty where times are not kept
   std::string ViewSeal;   ///< names the payload; empty in a record that doesn't
   Position ViewStart;
-  Length ViewSize = 0;   ///< of the payload
-  std::string ViewTail;  ///< encrypted record and trailer as stored
+  Length ViewSize = 0;  ///< of the payload
+  EntryTail ViewTail;
 };
 
 PreviewParcel ParcelOf(const MirrorRow& row);

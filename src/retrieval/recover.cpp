@@ -173,10 +173,9 @@ Path KeepAsOld(const Path& copy, const Path& carrier, Files& files) {
   return name;
 }
 
-/// Whatever interrupted the run may have left the temporary carrier for the user alone.
-void GiveMode(const CarrierCopy& copy, const Path& carrier, Files& files) {
-  const std::optional<FileStat> stat = files.Stat(carrier);
-  if (stat && copy.path == TemporaryCarrierPath(carrier)) files.SetMode(copy.path, stat->mode);
+void GiveAccessOf(const Path& carrier, const Path& fresh, Files& files) {
+  const std::unique_ptr<File> model = files.OpenToRead(carrier);
+  TakeAccessOf(*model, *files.OpenToChange(fresh), model->Stat().mode);
 }
 
 }  // namespace
@@ -194,7 +193,9 @@ std::vector<Path> ApplyRecovery(const RecoverPlan& plan, std::size_t choice, Fil
       files.Stat(plan.carrier) ? OpenLocked(plan.carrier, files, LockAccess::Read) : nullptr;
   const CarrierCopy& chosen = plan.copies.at(choice);
   files.OpenToRead(chosen.path)->Sync();
-  GiveMode(chosen, plan.carrier, files);
+  // Whatever interrupted the run may have left the temporary carrier for the user alone.
+  if (locked && chosen.path == TemporaryCarrierPath(plan.carrier))
+    GiveAccessOf(plan.carrier, chosen.path, files);
   std::vector<Path> kept;
   for (const CarrierCopy& copy : plan.copies)
     if (copy.path != chosen.path) kept.push_back(KeepAsOld(copy.path, plan.carrier, files));
@@ -204,10 +205,7 @@ std::vector<Path> ApplyRecovery(const RecoverPlan& plan, std::size_t choice, Fil
 }
 
 Path PutInPlace(const Path& fresh, const Path& carrier, Files& files) {
-  {
-    const std::unique_ptr<File> model = files.OpenToRead(carrier);
-    TakeAccessOf(*model, *files.OpenToChange(fresh), model->Stat().mode);
-  }
+  GiveAccessOf(carrier, fresh, files);
   const Path kept = KeepAsOld(carrier, carrier, files);
   files.Rename(fresh, carrier);
   files.SyncFolder(carrier.parent_path());

@@ -120,9 +120,10 @@ void Update::WriteEntry(ByteSink& sink) {
   m_new.ViewSeal = payload.SealText();
   if (!m_old.ViewMtime.empty()) m_new.ViewMtime = std::to_string(preview->Stat().modified);
   MustHoldTheFile(*preview, stored);
-  m_new.ViewTail = SealEntry(Record(size, stored), stored, m_reading.current.CurrentAlgorithmId,
-                             m_reading.current.CurrentPassword, m_reading.current.SecondKey);
-  sink.Write(AsBytes(m_new.ViewTail));
+  const std::string tail = SealEntry(Record(size, stored), stored, m_reading.current.CurrentAlgorithmId,
+                                     m_reading.current.CurrentPassword, m_reading.current.SecondKey);
+  sink.Write(AsBytes(tail));
+  m_new.ViewTail = EntryTail(tail);
 }
 
 void Update::WritePayload(File& preview, Length size, PayloadSink& sink) {

@@ -39,7 +39,7 @@ class Salvage {
   void OpenCarrier();
   void FindRecords();
   void TakeOut(const FoundRecord& record);
-  EntryFault FaultOf(const FoundRecord& record, std::string fault) const;
+  void Note(std::vector<EntryFault>& list, const FoundRecord& record, std::string fault);
   std::string FreeName(Folder& folder, const std::string& name);
   std::string WriteFile(const FoundRecord& record);
   std::unique_ptr<Folder> TargetFolder(std::string_view folder);
@@ -95,8 +95,9 @@ void Salvage::FindRecords() {
     m_screen.Yield();
     if (m_screen.CancelRequested()) throw Stop{StopReason::Cancelled};
   });
+  RecordOpener opener(*m_carrier, m_key);
   while (const std::optional<RecordText> text = scan.Next()) {
-    if (std::optional<OpenedRecord> opened = OpenText(*m_carrier, *text, m_key))
+    if (std::optional<OpenedRecord> opened = opener.Open(*text))
       m_records.push_back({text->begin, std::move(*opened)});
     m_pace.Step();
     if (m_screen.CancelRequested()) throw Stop{StopReason::Cancelled};
@@ -105,24 +106,28 @@ void Salvage::FindRecords() {
 
 void Salvage::TakeOut(const FoundRecord& record) {
   if (m_screen.CancelRequested()) throw Stop{StopReason::Cancelled};
-  if (!record.opened.isWhole) {
-    m_result.damaged.push_back(FaultOf(record, "its record is damaged"));
-    return;
-  }
+  m_pace.Step();
+  if (!record.opened.isWhole) return Note(m_result.damaged, record, "its record is damaged");
   if (GetTag(record.opened.plain, tag::kName).empty()) return;
+  if (std::string excess = ExcessOf(record.opened.plain); !excess.empty())
+    return Note(m_result.damaged, {record.begin, {}}, std::move(excess));
   std::string fault;
   if (Try([&] { fault = WriteFile(record); }) == Outcome::Ignored)
-    m_result.leftOut.push_back(FaultOf(record, "it was passed over"));
+    Note(m_result.leftOut, record, "it was passed over");
   else if (!fault.empty())
-    m_result.damaged.push_back(FaultOf(record, std::move(fault)));
+    Note(m_result.damaged, record, std::move(fault));
   else
     ++m_result.salvaged;
 }
 
-EntryFault Salvage::FaultOf(const FoundRecord& record, std::string fault) const {
-  return {.at = record.begin,
-          .name = std::string(GetTag(record.opened.plain, tag::kName)),
-          .fault = std::move(fault)};
+void Salvage::Note(std::vector<EntryFault>& list, const FoundRecord& record, std::string fault) {
+  if (list.size() == SalvageResult::kMostNoted) {
+    ++m_result.notNoted;
+    return;
+  }
+  list.push_back({.at = record.begin,
+                  .name = std::string(GetTag(record.opened.plain, tag::kName)),
+                  .fault = std::move(fault)});
 }
 
 /// What is wrong with the contents; empty if the file stands.

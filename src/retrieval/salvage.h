@@ -29,10 +29,12 @@ enum class SalvageEnding { Done, Cancelled, Aborted };
 
 struct SalvageResult {
   SalvageEnding ending = SalvageEnding::Done;
-  std::size_t found = 0;            ///< records that the key opens, whole or not
-  std::size_t salvaged = 0;         ///< files that were made
-  std::vector<EntryFault> damaged;  ///< entries that don't authenticate; no file was made
+  std::size_t found = 0;                             ///< records that the key opens, whole or not
+  std::size_t salvaged = 0;                          ///< files that were made
+  static constexpr std::size_t kMostNoted = 10'000;  ///< of the next two each; `notNoted` counts the others
+  std::vector<EntryFault> damaged;                   ///< entries that don't authenticate; no file was made
   std::vector<EntryFault> leftOut;  ///< passed over by Ignore, or with a name that nothing can be made under
+  std::size_t notNoted = 0;
 };
 
 /// Looks through the whole carrier for records that the key opens, under any algorithm and wherever they

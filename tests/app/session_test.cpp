@@ -184,6 +184,11 @@ TEST_F(FileListTest, ShowsFoldersThenFilesOfTheClickedFolderOnly) {
   EXPECT_EQ(Shown(Column::Size), (Strings{"/", "2 KB"}));
   EXPECT_EQ(Shown(Column::Type), (Strings{"/", "type of near"}));
   EXPECT_EQ(Shown(Column::Compressed), (Strings{"/", ""})) << "off by the presets";
+  MirrorRow row = session.catalogue.Rows().at(2);
+  row.shownBelow = std::string_view("docs").size();
+  session.catalogue.AddRow(std::move(row));
+  Click("/a.png").Click("/a.png", "docs");
+  EXPECT_EQ(Shown(), (Strings{"old/", "near", "deep"})) << "a file whose folder has no node";
 }
 
 TEST(FileTypes, NumbersKeysInTheOrderOfTheirComing) {

@@ -2,6 +2,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -11,6 +12,17 @@
 namespace {
 
 int g_syncError = 0, g_lockError = 0;
+bool g_isReluctant = false;  ///< every second call is interrupted, and none moves more than three bytes
+int g_calls = 0;
+
+bool IsInterrupted() {
+  if (!g_isReluctant || ++g_calls % 2 == 0) return false;
+  errno = EINTR;
+  return true;
+}
+std::size_t Most(std::size_t length) {
+  return g_isReluctant ? std::min<std::size_t>(length, 3) : length;
+}
 
 int Failing(int& error, long result) {
   if (error == 0) return static_cast<int>(result);
@@ -23,6 +35,16 @@ int Failing(int& error, long result) {
 // Stand before the C library's: what a medium or a network folder says once.
 extern "C" int fsync(int file) {
   return Failing(g_syncError, ::syscall(SYS_fsync, file));
+}
+extern "C" ssize_t pread(int file, void* into, size_t length, off_t offset) {
+  return IsInterrupted() ? -1 : ::syscall(SYS_pread64, file, into, Most(length), offset);
+}
+extern "C" ssize_t pwrite(int file, const void* bytes, size_t length, off_t offset) {
+  return IsInterrupted() ? -1 : ::syscall(SYS_pwrite64, file, bytes, Most(length), offset);
+}
+extern "C" ssize_t copy_file_range(int source, off64_t* from, int target, off64_t* to, size_t length,
+                                   unsigned flags) {
+  return IsInterrupted() ? -1 : ::syscall(SYS_copy_file_range, source, from, target, to, Most(length), flags);
 }
 extern "C" int StandInForFlock(int file, int operation) __asm__("flock");
 extern "C" int StandInForFlock(int file, int operation) {
@@ -47,6 +69,24 @@ TEST_F(PosixFilesTest, OpensNothingButRegularFilesAndNeverBlocks) {
     EXPECT_EQ(NumberOf([&] { posix.OpenToRead(folder / name); }), ErrorNumber::PathFileAccess) << name;
     EXPECT_EQ(NumberOf([&] { posix.OpenToChange(folder / name); }), ErrorNumber::PathFileAccess) << name;
   }
+}
+
+TEST_F(PosixFilesTest, MovesAllBytesHoweverOftenItIsInterruptedAndHoweverLittleACallMoves) {
+  const std::string text = "some twenty bytes or more";
+  folder.Put("source", text);
+  const auto source = posix.OpenToRead(folder / "source");
+  const auto target = posix.CreateNew(folder / "target", 0600);
+  std::string read(text.size() + 5, '.');
+  g_isReluctant = true;
+  const std::size_t got =
+      source->ReadAt(Position{1}, {reinterpret_cast<std::uint8_t*>(read.data()), read.size()});
+  target->WriteAt(Position{1}, AsBytes(text));
+  const Length copied =
+      target->CopyAt(Position{} + static_cast<Length>(text.size()), *source, Position{6}, 100);
+  g_isReluctant = false;
+  EXPECT_EQ(read.substr(0, got), text);
+  EXPECT_EQ(copied, static_cast<Length>(text.size()) - 5);
+  EXPECT_EQ(ReadAll(folder / "target"), text + text.substr(5));
 }
 
 TEST_F(PosixFilesTest, CanonicalIsOnePathForEverySpelling) {

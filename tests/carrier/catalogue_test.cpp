@@ -55,6 +55,29 @@ TEST_F(CatalogueTest, GivesAllNodesOfOneTextThatTextAsItemFolder) {
   EXPECT_EQ(*deep.parent->itemFolder, "a\\b");
 }
 
+TEST_F(CatalogueTest, MakesNoMoreNodesThanItMayAndNeverMistakesAFolderForAnother) {
+  const std::string part(4000, 'p');
+  const struct {
+    std::string front;  ///< of 1,000 folders with a number each
+    std::size_t most, least;
+  } cases[] = {{"", 100'000, 100'000}, {part, 4300, 4100}};
+  for (const auto& c : cases) {
+    catalogue.RemoveFolderNodes("/c.bin");
+    const TreeNode& first = catalogue.EnsureFolderNode(root, "0");
+    for (int i = 0; i < 5000; ++i) {
+      std::string folder = c.front + std::to_string(i);
+      for (int level = 0; c.front.empty() && level < 24; ++level)
+        folder += "\\d";
+      const std::string path(catalogue.EnsureFolderNode(root, folder).FolderPath());
+      ASSERT_TRUE(path == folder || path.empty() || folder.starts_with(path + "\\")) << path;
+    }
+    EXPECT_LE(root.nodesBelow, c.most);
+    EXPECT_GE(root.nodesBelow, c.least);
+    EXPECT_EQ(&catalogue.EnsureFolderNode(root, "0"), &first) << "what is there is found";
+    EXPECT_EQ(&catalogue.EnsureFolderNode(root, "new\\" + part), &root);
+  }
+}
+
 TEST_F(CatalogueTest, BearsAFolderTextThatNestsDeeperThanAnyStack) {
   const std::string folder(100'000, '\\');
   EXPECT_EQ(catalogue.EnsureFolderNode(root, folder).FolderPath().size(), folder.size() - 1);

@@ -155,6 +155,32 @@ TEST(LoadHideout, TellsWhereTheChainEndsAndNotesAHundredFaultsAtMost) {
   EXPECT_TRUE(bench.screen.faults.at(101).starts_with("the chain of entries is broken at byte 1"));
 }
 
+TEST(LoadHideout, ListsFilesOfFoldersThatAreTooManyInTheFolderAbove) {
+  CarrierBench bench(1000);
+  std::string levels;
+  for (int i = 0; i < 2046; ++i)
+    levels += "\\d";
+  bench.Hide({.name = "too deep", .folder = "last" + levels}).Hide({.name = "too many", .folder = "other"});
+  for (int i = 0; i < 49; ++i)
+    bench.Hide({.name = "f", .folder = std::to_string(i) + levels});
+  bench.Hide({.name = "a", .folder = "a\\"});
+  ASSERT_EQ(bench.Load(mine, Reload::Ask), LoadResult::Loaded);
+  EXPECT_EQ(bench.screen.faults, Strings{"there are more folders than a tree shows: it lists the files of "
+                                         "some in a folder above"});
+  const std::vector<MirrorRow>& rows = bench.catalogue.Rows();
+  EXPECT_EQ(rows.at(0).ShownFolder(), "a");
+  EXPECT_EQ(rows.at(1).ShownFolder(), rows.at(1).Folder());
+  EXPECT_TRUE(rows.at(50).ShownFolder().empty());
+  EXPECT_EQ(rows.at(50).Folder(), "other");
+  EXPECT_EQ(rows.at(51).Folder(), "last" + levels) << "it is extracted into its own folder";
+  EXPECT_TRUE(rows.at(51).ShownFolder().empty());
+  bench.screen.faults.clear();
+  bench.catalogue.RemoveCarrier(bench.carrier);
+  bench.CutTo(1000);
+  EXPECT_EQ(bench.Hide({.name = "f", .folder = "a\\b\\"}).Load(mine, Reload::Ask), LoadResult::Loaded);
+  EXPECT_EQ(bench.screen.faults, Strings{});
+}
+
 TEST(LoadHideout, AbortedAtAnyYieldClosesWhatItHadBegunToRead) {
   for (std::size_t n = 1; n <= 7; ++n) {
     Interleaved bench;

@@ -84,6 +84,44 @@ TEST(Walk, TakesNoLengthThatIsNoneOrReachesBeforeTheFile) {
   }
 }
 
+TEST(Walk, CallsTheChainBrokenAtTheTrailerThatLedAstray) {
+  const struct {
+    std::size_t body;
+    int older;               ///< entries
+    Length payload, record;  ///< what the newest one's lengths are too large by
+    bool isBroken;
+  } cases[] = {{100, 0, 0, 0, false}, {100, 0, 0, 50, true},   // begins in the body, too early for more
+               {100, 0, 0, 21, true}, {79, 0, 0, 0, false},    // at byte 80 and not
+               {300, 0, 0, 7, true},  {300, 0, 7, 0, false},   // nothing tells
+               {300, 2, 0, 0, false}, {300, 2, -40, 0, true},  // half a trailer on, or back
+               {300, 2, 40, 0, true}, {300, 2, 0, 40, true},  {300, 2, 0, 1, true},
+               {300, 2, 0, 2, true},  {300, 2, 2, 0, true}};
+  for (const auto& c : cases) {
+    CarrierBench bench(c.body);
+    for (int i = 0; i < c.older; ++i)
+      bench.Hide({"older", std::string(100, 'c')});
+    bench.Hide({"newest", std::string(100, 'c')});
+    const Length trailer = bench.Size() - Length{kTrailerSize} + 1;
+    const EntryPlace place = WalkThrough(bench).places.at(0);
+    bench.CutTo(trailer - 1);
+    bench.Append(PackLengthField(place.payload + c.payload) + PackLengthField(place.recordLength + c.record));
+    const auto file = bench.posix.OpenToRead(bench.carrier);
+    Walk walk(*file);
+    walk.RememberTheWay();
+    for (int round = 0; round < 2; ++round) {
+      try {
+        while (walk.Next()) {
+        }
+      } catch (const Error&) {
+        EXPECT_TRUE(c.body == 79);
+      }
+      EXPECT_EQ(walk.BrokenAt().has_value(), c.isBroken) << &c - cases;
+      EXPECT_EQ(walk.BrokenAt().value_or(Position{trailer}).value, trailer) << &c - cases;
+      ASSERT_TRUE(walk.Rewind());
+    }
+  }
+}
+
 TEST(Walk, ReportsACarrierThatBecomesShorter) {
   CarrierBench bench(1000);
   bench.Hide({"a.txt", std::string(20000, 'x')});
@@ -91,6 +129,14 @@ TEST(Walk, ReportsACarrierThatBecomesShorter) {
   Walk walk(*file);
   bench.CutTo(500);
   EXPECT_THROW(walk.Next(), Error);
+
+  CarrierBench longer(1000);
+  longer.Hide({.name = "a.txt", .title = std::string(20000, 't')});
+  const auto open = longer.posix.OpenToRead(longer.carrier);
+  Walk entries(*open);
+  ASSERT_TRUE(entries.Next());
+  longer.CutTo(longer.Size() - 200);
+  EXPECT_THROW(entries.ReadRecordText(), Error) << "a record that is read in one piece";
 }
 
 }  // namespace tarnel::test

@@ -376,6 +376,12 @@ TEST_F(Verbs, RecoverPutsTheBestCopyInPlaceOnlyWhenAllowed) {
   EXPECT_EQ(bench.Get("carrier"), good);
   EXPECT_EQ(bench.Get("carrier.old"), good + "torn");
   EXPECT_EQ(bench.Run("recover @carrier"), 0) << "nothing left to do";
+  for (const bool asks : {false, true}) {
+    bench.Put("carrier", good + "torn");
+    bench.terminal.lines = {"y"};
+    EXPECT_EQ(bench.Run(asks ? "recover @carrier -q" : "recover @carrier -q -y"), 0);
+    EXPECT_EQ(bench.terminal.out.empty(), !asks) << "what has to be answered is shown";
+  }
 }
 
 /// A hide that fails leaves the carrier byte for byte; if not even that is possible, a whole backup.

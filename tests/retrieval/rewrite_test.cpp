@@ -30,7 +30,7 @@ const std::string kBig = Pattern(33000, 7);
 
 RewriteEnding UpdateB(RetrievalBench& bench) {
   PreviewParcel parcel = ParcelOf(bench.catalogue.Rows().at(bench.RowNamed("b")));
-  const std::string tail = parcel.ViewTail;
+  const EntryTail tail = parcel.ViewTail;
   const RewriteEnding ending =
       RunUpdate({.previewFile = bench.folder.Put("edited", kBig)}, parcel, bench.faulty, bench.rewriteScreen)
           .ending;
@@ -303,7 +303,7 @@ TEST_F(Password, ChecksOldThenNewThenConfirmation) {
 TEST_F(Password, OpensEveryEntryInItsOldPlaceAndLeavesOthersByteForByte) {
   bench.Hide({.name = "a", .content = Pattern(40000), .mode = "755"}).Hide({"x", "his"}, kOther);
   bench.Compressed({"b", SampleText(20000)}).Load(kOther);
-  const std::string foreignTail = bench.catalogue.Rows().at(0).tail;
+  const EntryTail foreignTail = bench.catalogue.Rows().at(0).tail;
   bench.ContentsUnder({});
   EXPECT_EQ(bench.ChangePassword("secret", "new").changed, 2u);
   EXPECT_EQ(bench.current.CurrentPassword, HeldKey("new"));

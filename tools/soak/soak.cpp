@@ -7,6 +7,8 @@
 // soak flips|lengths|cuts|holes|tails EVERY
 //   Damages a small carrier: each EVERY-th bit, bit of a length field, cut, place where bytes are put in or
 //   taken out; or all kinds of bytes behind its end.
+// soak worst KIND|kinds BYTES FILE
+//   Writes a carrier that costs a reader most, for the password "one"; "kinds" names them.
 //
 // Ends with a line of what was done and 0, or with what was lost and 1. The same seed gives the same run.
 
@@ -22,6 +24,7 @@
 #include "tests/proof/power_loss.h"
 #include "tools/soak/kill_campaign.h"
 #include "tools/soak/model.h"
+#include "tools/soak/worst_carriers.h"
 
 namespace tarnel::test {
 namespace {
@@ -60,13 +63,23 @@ void SoakDamage(const std::string& kind, std::size_t every) {
   std::cout << campaign.Carriers() << " carriers damaged by " << kind << ": all told, 0 losses\n";
 }
 
+int WriteWorst(const std::string& kind, std::size_t bytes, const Path& path) {
+  if (kind != "kinds") WriteWorstCarrier(kind, path, bytes);
+  for (const std::string& known : WorstKinds())
+    if (kind == "kinds") std::cout << known << "\n";
+  return 0;
+}
+
 int Usage() {
   std::cerr << "usage: soak model COUNT [SEED]\n       soak kill COUNT [SEED]\n"
-               "       soak power COUNT [SEED]\n       soak flips|lengths|cuts|holes|tails EVERY\n";
+               "       soak power COUNT [SEED]\n       soak flips|lengths|cuts|holes|tails EVERY\n"
+               "       soak worst KIND|kinds BYTES FILE\n";
   return 2;
 }
 
 int Soak(const std::vector<std::string>& arguments) {
+  if (arguments.size() == 4 && arguments[0] == "worst")
+    return WriteWorst(arguments[1], std::stoul(arguments[2]), arguments[3]);
   if (arguments.size() < 2) return Usage();
   const unsigned long count = std::stoul(arguments[1]);
   const auto seed = static_cast<unsigned>(arguments.size() > 2 ? std::stoul(arguments[2]) : 1);
