@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPointer>
 #include <QWidget>
 #include <functional>
 
@@ -9,6 +10,8 @@
 #include "app/session.h"
 
 namespace tarnel {
+
+class StepbyStep;
 
 /// What the main window needs from outside, so that tests answer, choose and watch.
 struct WindowPorts {
@@ -45,6 +48,9 @@ class MainCommands {
   /// Asks a locked program's user for the password; true lets one command pass.
   bool PassGate();
 
+  /// Shows the step by step guide, of which there is one at most.
+  void ShowGuide();
+
   /// Goes on to the password of a carrier, however its path is spelled. No gate applies.
   void OpenCarrier(const Path& carrier);
 
@@ -63,6 +69,7 @@ class MainCommands {
   CommandedWindow& m_window;
   WindowPorts m_ports;
   QWidget& m_parent;
+  QPointer<StepbyStep> m_guide;
 };
 
 }  // namespace tarnel
