@@ -9,7 +9,7 @@ foreach(pair cli:tarnel-cli desktop:tarnel)
   endif()
   file(COPY ${CPACK_TARNEL_SOURCE}/share/debian/copyright ${CPACK_TARNEL_SOURCE}/share/debian/changelog
        DESTINATION ${share}/doc/${package})
-  file(REMOVE ${share}/doc/${package}/LICENSE)
+  file(REMOVE ${share}/doc/${package}/LICENSE ${share}/doc/${package}/share/words/LICENSE)
   file(GLOB compressed ${share}/man/man1/*.1 ${share}/doc/${package}/changelog)
   foreach(each ${compressed})
     execute_process(COMMAND gzip -9nf ${each} COMMAND_ERROR_IS_FATAL ANY)

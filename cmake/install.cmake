@@ -18,6 +18,8 @@ if(TARGET manual)
 endif()
 install(FILES share/sample/harbour.png DESTINATION ${documents}/share/sample COMPONENT cli)
 
+install(FILES share/words/LICENSE DESTINATION ${documents}/share/words COMPONENT cli)
+
 if(TARGET tarnel)
   install(TARGETS tarnel RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT desktop)
   install(FILES share/applications/tarnel.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications

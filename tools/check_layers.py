@@ -40,6 +40,7 @@ OUTSIDE = [
     (re.compile(r"zlib\.h"), "zlib", lambda path, layer: layer == "crypto" and is_inner_crypto(path) or
      path.startswith(("tests/crypto/", "bench/crypto/"))),
     (re.compile(r"libdeflate\.h"), "libdeflate", lambda path, layer: layer == "crypto" and is_inner_crypto(path)),
+    (re.compile(r"zxcvbn\.h"), "zxcvbn", lambda path, layer: path == "src/crypto/phrase_strength.cpp"),
     (re.compile(r"nlohmann/.*"), "nlohmann-json", lambda path, layer: layer == "cli" or path.startswith("tests/cli/")),
     (re.compile(r"(gtest|gmock)/.*"), "GoogleTest", lambda path, layer: path.startswith("tests/")),
     (re.compile(r"benchmark/.*"), "Google Benchmark", lambda path, layer: path.startswith("bench/")),
@@ -184,6 +185,7 @@ SELF_TEST = [  # files of a small tree, and a part of the one fault that it has;
     ({"src/crypto/a.h": H + "#include <botan/hex.h>\n"}, "includes Botan"),
     ({"src/crypto/a_impl.h": H + "#include <botan/hex.h>\n"}, None),
     ({"src/hiding/a.cpp": "#include <zlib.h>\n"}, "includes zlib"),
+    ({"src/crypto/a.cpp": "#include <zxcvbn.h>\n"}, "includes zxcvbn"),
     ({"src/base/a.cpp": "#include <gtest/gtest.h>\n"}, "includes GoogleTest"),
     ({"src/base/a.h": H, "src/base/a.cpp": '#include "a.h"\n'}, "is no path from src/"),
     ({"src/base/a.h": H, "src/crypto/b.cpp": '#include "../base/a.h"\n'}, "is no path from src/"),

@@ -23,6 +23,7 @@ struct ParsedOptions {
   SearchOptions search;
   RecoverOptions recover;
   SalvageOptions salvage;
+  PassphraseOptions passphrase;
   std::vector<std::string> operands;  ///< what is neither verb nor option, byte for byte
   bool wantsHelp = false;
   bool wantsVersion = false;

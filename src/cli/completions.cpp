@@ -107,10 +107,12 @@ std::string ZshVerb(const VerbRow& verb) {
   std::string text = "      " + verb.name + ")\n        own=(\n";
   for (const OptionRow* row : OptionsOf(verb.name))
     text += "    " + ZshOption(*row);
-  text += "          " +
-          Quoted("1" + ZshAction(verb.operands.front() == "DIR" ? "folder" : "carrier", verb.first, {}));
-  text += "\n          " + Quoted("*" + ZshAction("operand", verb.rest, {})) + "\n        ) ;;\n";
-  return text;
+  if (!verb.operands.empty()) {
+    text += "          " +
+            Quoted("1" + ZshAction(verb.operands.front() == "DIR" ? "folder" : "carrier", verb.first, {}));
+    text += "\n          " + Quoted("*" + ZshAction("operand", verb.rest, {})) + "\n";
+  }
+  return text + "        ) ;;\n";
 }
 
 std::string FishOption(const OptionRow& row, const std::string& condition) {

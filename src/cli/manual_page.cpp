@@ -57,9 +57,9 @@ std::string VerbText(const VerbRow& verb) {
 std::string Synopsis() {
   std::string text;
   for (const VerbRow& verb : VerbTable()) {
-    const std::string usage = Usage(verb).substr(verb.name.size());
-    text += ".SY tarnel-cli\n.B " + verb.name + "\n.I \"" + Roff(usage.substr(1)) +
-            "\"\n.RI [ OPTION ]...\n.YS\n";
+    text += ".SY tarnel-cli\n.B " + verb.name + "\n";
+    if (!verb.operands.empty()) text += ".I \"" + Roff(Usage(verb).substr(verb.name.size() + 1)) + "\"\n";
+    text += ".RI [ OPTION ]...\n.YS\n";
   }
   return text;
 }

@@ -194,6 +194,17 @@ Rows SearchingOptions() {
        .take = [](ParsedOptions& p, const std::string&) { p.search.newestOnly = true; }}};
 }
 
+Rows PhraseOptions() {
+  return {
+      {.name = "--words",
+       .letter = 'w',
+       .value = "N",
+       .verbs = {"passphrase"},
+       .brief = "So many words, else " + std::to_string(kUsualPhraseWords),
+       .more = "Each is worth 12.9 bits.",
+       .take = [](ParsedOptions& p, const std::string& text) { p.passphrase.words = ReadWordCount(text); }}};
+}
+
 Rows CommonRows() {
   return {
       {.name = "--password-file",
@@ -240,8 +251,8 @@ Rows CommonRows() {
 const std::vector<OptionRow>& OptionTable() {
   static const std::vector<OptionRow> table = [] {
     Rows all;
-    for (Rows (*rows)() :
-         {NewHideoutOptions, HidingOptions, ChoosingOptions, ReadingOptions, SearchingOptions, CommonRows})
+    for (Rows (*rows)() : {NewHideoutOptions, HidingOptions, ChoosingOptions, ReadingOptions,
+                           SearchingOptions, PhraseOptions, CommonRows})
       std::ranges::move(rows(), std::back_inserter(all));
     return all;
   }();

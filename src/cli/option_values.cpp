@@ -95,6 +95,11 @@ int ReadLevel(const std::string& text) {
   return ReadWhole("--compress", text, 1, 9, "level from 1 to 9");
 }
 
+int ReadWordCount(const std::string& text) {
+  static_assert(kMostPhraseWords == 64);
+  return ReadWhole("--words", text, 1, kMostPhraseWords, "number of words from 1 to 64");
+}
+
 int ReadDescriptor(const char* option, const std::string& text) {
   return ReadWhole(option, text, 0, 1 << 20, "file descriptor");
 }

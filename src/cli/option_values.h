@@ -21,6 +21,7 @@ OnError ReadOnError(const std::string& text);
 Originals ReadOriginals(const std::string& text);
 Algorithm ReadAlgorithm(const std::string& text);
 int ReadLevel(const std::string& text);
+int ReadWordCount(const std::string& text);
 int ReadDescriptor(const char* option, const std::string& text);
 std::string ReadTitle(const std::string& text);
 

@@ -187,7 +187,7 @@ void Parser::CheckOperands(const VerbRow& verb) const {
     if (missing.front() != '[')
       throw UsageError(missing.substr(0, missing.find('.')) + " is missing" + Hint(verb.name));
   }
-  const bool isOpen = verb.operands.back().find("...") != std::string::npos;
+  const bool isOpen = !verb.operands.empty() && verb.operands.back().find("...") != std::string::npos;
   if (isOpen || given.size() <= verb.operands.size()) return;
   throw UsageError("unexpected argument \"" + Printable(given[verb.operands.size()]) + "\"" +
                    Hint(verb.name));

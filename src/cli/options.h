@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "crypto/algorithm.h"
+#include "crypto/phrase_words.h"
 #include "hiding/run_hide.h"
 
 namespace tarnel {
@@ -106,8 +107,13 @@ struct SalvageOptions {
   std::string target;
 };
 
-using VerbOptions = std::variant<HideOptions, ListOptions, ExtractOptions, VerifyOptions, DeleteOptions,
-                                 UpdateOptions, PasswdOptions, SearchOptions, RecoverOptions, SalvageOptions>;
+struct PassphraseOptions {
+  int words = kUsualPhraseWords;
+};
+
+using VerbOptions =
+    std::variant<HideOptions, ListOptions, ExtractOptions, VerifyOptions, DeleteOptions, UpdateOptions,
+                 PasswdOptions, SearchOptions, RecoverOptions, SalvageOptions, PassphraseOptions>;
 
 struct CommandLine {
   GlobalOptions global;

@@ -6,12 +6,14 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 
 #include "base/error.h"
 #include "base/posix_calls.h"
 #include "base/printable.h"
 #include "carrier/open_hideout.h"
 #include "cli/signals.h"
+#include "crypto/phrase_strength.h"
 
 namespace tarnel {
 
@@ -80,11 +82,12 @@ void CheckNewPassword(const Secret& password) {
   }
 }
 
-void SayWhetherWeak(const Secret& password, Messages& messages) {
-  constexpr std::size_t kEnough = 20;
-  if (password.View().size() >= kEnough) return;
-  messages.Note(
-      "The new password is short, and guesses are cheap here: five or six random words are strong.");
+void SayStrength(const Secret& password, Messages& messages) {
+  const PhraseStrength strength = StrengthOf(password);
+  std::string line = "The new password is " + std::string(WordOf(strength.grade)) + ", about " +
+                     std::to_string(std::lround(strength.bits)) + " bits";
+  if (strength.grade != Strength::Strong) line += "; " + std::string(kStrengthAdvice);
+  messages.Note(line + ".");
 }
 
 Secret ReadFirstLine(int descriptor, const std::string& name) {
@@ -141,7 +144,7 @@ Secret ObtainNewPassword(const NewPasswordOptions& options, bool noInput, Termin
                      "terminal");
   }
   CheckNewPassword(password);
-  SayWhetherWeak(password, messages);
+  SayStrength(password, messages);
   return password;
 }
 

@@ -35,8 +35,8 @@ Secret ObtainNewPassword(const NewPasswordOptions& options, bool noInput, Termin
 /// Throws CliFailure(Usage) for an empty pass phrase and for characters that a new one can't hold.
 void CheckNewPassword(const Secret& password);
 
-/// A note where a new pass phrase is likely to be guessed.
-void SayWhetherWeak(const Secret& password, Messages& messages);
+/// A note that says how hard a new pass phrase is to guess, in one line.
+void SayStrength(const Secret& password, Messages& messages);
 
 /// Prompts once more. Throws CliFailure: Usage if the two differ, Cancelled.
 void ConfirmPassword(const Secret& password, Terminal& terminal);

@@ -119,7 +119,7 @@ void HideVerb::MakeHideout(const GivenPassword& password) {
     m_around.messages.Note("No hideout opens with this password; a new one will be made.");
     ConfirmPassword(password.secret, m_around.terminal);
   }
-  SayWhetherWeak(password.secret, m_around.messages);
+  SayStrength(password.secret, m_around.messages);
   const Algorithm algorithm = m_options.algorithm.value_or(Algorithm::Rijndael256);
   CreateHideout(m_bench.Carrier(), Key(password.secret), m_options.title.value_or(kPresetTitle), algorithm,
                 m_bench.GetReading());

@@ -217,11 +217,28 @@ VerbRow Salvage() {
           }};
 }
 
+VerbRow Passphrase() {
+  return {.name = "passphrase",
+          .operands = {},
+          .brief = "propose a pass phrase of random words",
+          .text =
+              "Prints a pass phrase of random words, each chosen from 7776 with the random numbers of the "
+              "system. Six words are worth 77 bits: nobody can try them all. Nothing is stored.",
+          .more =
+              "The words are the long list for dice of the Electronic Frontier Foundation. What is printed "
+              "stays in the memory of the terminal, and in a file to which it is sent.",
+          .examples =
+              "passphrase\n"
+              "passphrase --words 8",
+          .first = Completion::Nothing,
+          .finish = [](ParsedOptions& parsed) { return parsed.passphrase; }};
+}
+
 }  // namespace
 
 const std::vector<VerbRow>& VerbTable() {
-  static const std::vector<VerbRow> table = {Hide(),   List(),   Extract(), Verify(),  Delete(),
-                                             Update(), Passwd(), Search(),  Recover(), Salvage()};
+  static const std::vector<VerbRow> table = {Hide(),   List(),   Extract(), Verify(),  Delete(),    Update(),
+                                             Passwd(), Search(), Recover(), Salvage(), Passphrase()};
   return table;
 }
 

@@ -18,5 +18,6 @@ ExitCode RunVerb(const PasswdOptions& options, Surroundings& around);
 ExitCode RunVerb(const SearchOptions& options, Surroundings& around);
 ExitCode RunVerb(const RecoverOptions& options, Surroundings& around);
 ExitCode RunVerb(const SalvageOptions& options, Surroundings& around);
+ExitCode RunVerb(const PassphraseOptions& options, Surroundings& around);
 
 }  // namespace tarnel

@@ -70,6 +70,12 @@ void PasswordField::Clear() {
   clear();
 }
 
+void PasswordField::SetPassword(const Secret& ascii) {
+  Clear();
+  m_characters.assign(ascii.View().begin(), ascii.View().end());
+  setText(QString(static_cast<qsizetype>(m_characters.size()), kPlaceholder));
+}
+
 void PasswordField::SetShown(bool isShown) {
   m_isShown = isShown;
   setEchoMode(isShown ? QLineEdit::Normal : QLineEdit::Password);

@@ -19,6 +19,8 @@ class PasswordField : public QLineEdit {
 
   /// What was typed, as UTF-8.
   Secret Password() const;
+  /// Puts a text of ASCII characters, such as a proposed one, in place of all.
+  void SetPassword(const Secret& ascii);
   bool IsEmpty() const { return m_characters.empty(); }
   void Clear();
 

@@ -2,6 +2,7 @@
 
 #include <QMimeDatabase>
 
+#include "base/files.h"
 #include "formkit/icons.h"
 
 namespace tarnel {
@@ -39,6 +40,12 @@ QIcon IconOfName(const std::string& name) {
   const QMimeType type = TypeOfName(name);
   const QIcon own = OwnIcon(OwnIconOf(type));
   return QIcon::fromTheme(type.iconName(), QIcon::fromTheme(type.genericIconName(), own));
+}
+
+const QIcon& NameIcons::Of(const std::string& name) const {
+  const QByteArray extension = QByteArray::fromStdString(Path(name).extension().native()).toLower();
+  const auto known = m_icons.constFind(extension);
+  return known != m_icons.constEnd() ? *known : *m_icons.insert(extension, IconOfName(name));
 }
 
 std::vector<std::string> MimeTypesOf(const std::string& name) {

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "base/attempt.h"
-#include "base/pace.h"
+#include "base/patient_files.h"
 #include "carrier/stored_text.h"
 #include "crypto/keys.h"
 #include "search/carrier_types.h"
@@ -58,7 +58,11 @@ class ProbeTalk : public Dialogue {
 class Search {
  public:
   Search(const SearchRequest& request, SearchResults& results, Reading& reading, SearchScreen& screen)
-      : m_request(request), m_results(results), m_reading(reading), m_screen(screen) {}
+      : m_request(request),
+        m_results(results),
+        m_screen(screen),
+        m_files(reading.files, screen),
+        m_reading{m_files, reading.catalogue, reading.guards, reading.current} {}
 
   SearchSummary Run(const Path& folder) {
     m_reading.guards.SearchAbort = false;
@@ -122,7 +126,7 @@ class Search {
     if (!IsFirstVisit(folder)) return;
     m_screen.ShowFolder(folder);
     std::vector<Path> folders;
-    for (const FolderEntry& entry : ListOf(folder)) {
+    for (const FolderEntry& entry : m_files.List(folder)) {
       const Path path = folder / entry.name;
       if (entry.kind == FileKind::Folder) folders.push_back(path);
       if (entry.kind == FileKind::Regular) SearchFile(path, entry.name);
@@ -131,13 +135,9 @@ class Search {
     if (m_request.subfolders) m_pending.insert(m_pending.begin(), folders.begin(), folders.end());
   }
 
-  std::vector<FolderEntry> ListOf(const Path& folder) {
-    return RunYielding(m_screen, [this, &folder] { return m_reading.files.List(folder); });
-  }
-
   /// False for a folder that a link, or the way through one, has led to before.
   bool IsFirstVisit(const Path& folder) {
-    const auto stat = m_reading.files.Stat(folder);
+    const auto stat = m_files.Stat(folder);
     return !stat || m_visited.emplace(stat->device, stat->inode).second;
   }
 
@@ -149,7 +149,7 @@ class Search {
 
   std::optional<FileKind> KindBehind(const Path& link) {
     try {
-      const auto stat = m_reading.files.Stat(link);
+      const auto stat = m_files.Stat(link);
       return stat ? std::optional(stat->kind) : std::nullopt;
     } catch (const Error& error) {
       PassOver(link, error);
@@ -212,13 +212,15 @@ class Search {
 
   void PassOver(const Path& path, const Error& error) {
     m_summary.notSearched.push_back({path, error.Description()});
+    m_screen.ShowNotSearched(m_summary.notSearched.back());
   }
 
   const SearchRequest& m_request;
   SearchResults& m_results;
   Key m_key;
-  Reading& m_reading;
   SearchScreen& m_screen;
+  PatientFiles m_files;
+  Reading m_reading;
   std::deque<Path> m_pending;  ///< in the order of their turn
   std::deque<Path> m_links;    ///< to folders; their turn comes when nothing else is left
   std::set<std::pair<std::uint64_t, std::uint64_t>> m_visited;

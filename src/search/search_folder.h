@@ -35,6 +35,12 @@ struct SearchRequest {
   enum class OddFiles { Probe, PassOver } oddFiles = OddFiles::Probe;
 };
 
+/// A folder or file that could not be searched.
+struct NotSearched {
+  Path path;
+  std::string reason;  ///< a sentence that names the path
+};
+
 /// What a search shows.
 class SearchScreen : public virtual Dialogue {
  public:
@@ -42,16 +48,12 @@ class SearchScreen : public virtual Dialogue {
   virtual void ShowFolder(const Path& folder) = 0;
   /// The row stands in the results now.
   virtual void ShowFound(const SearchRow& row) = 0;
+  /// The summary will name this one. For who tells it while the search runs.
+  virtual void ShowNotSearched(const NotSearched&) {}
 };
 
 /// "Searching... " and the folder.
 std::string SearchingText(const Path& folder);
-
-/// A folder or file that could not be searched.
-struct NotSearched {
-  Path path;
-  std::string reason;
-};
 
 enum class SearchEnding { Done, Cancelled, NoPassword };
 
@@ -63,10 +65,11 @@ struct SearchSummary {
 
 /// Looks through the files of `folder`, and of those below it if wanted, for carriers that the password
 /// opens, and adds them to `results`. An empty password is refused with a message before any file is looked
-/// at. Files are chosen by their extension; one without is never tried. Yields before each file and inside
-/// each probe; a cancel leaves the results found so far. A symbolic link to a folder is searched after all
-/// that need none, and no folder is searched twice. A folder below that can't be listed is named in the
-/// summary; for `folder` itself the Error passes through. An empty path is no folder, and nothing happens.
+/// at. Files are chosen by their extension; one without is never tried. Yields before each file, inside each
+/// probe, and every 20 ms while a folder or file keeps it waiting; a cancel leaves the results found so far.
+/// A symbolic link to a folder is searched after all that need none, and no folder is searched twice. A
+/// folder below that can't be listed is named in the summary; for `folder` itself the Error passes through.
+/// An empty path is no folder, and nothing happens.
 SearchSummary SearchFolder(const Path& folder, const SearchRequest& request, SearchResults& results,
                            Reading& reading, SearchScreen& screen);
 

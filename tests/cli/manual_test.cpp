@@ -59,6 +59,8 @@ constexpr Try kTries[] = {
     {"search @ -r --recursive --newest-only --type png --algorithm DES", 0},
     {"recover @carrier -y --yes", 0},
     {"salvage @carrier --to @saved", 0},
+    {"passphrase --words 7", 0},
+    {"passphrase -w 0", 2},
     {"hide --new @carrier @in @folder", 3},
     {"verify @carrier", 0},
     {"help verify", 0},
@@ -135,7 +137,7 @@ TEST_F(Manual, EveryVerbOptionAndExitCodeOfThePageWorks) {
   const std::string page = Page();
   const std::string synopsis = page.substr(0, page.find(".SH DESCRIPTION"));
   std::set<std::string> named = AllOf(synopsis, "\n[.]B ([a-z]+)\n");
-  EXPECT_EQ(named.size(), 10U);
+  EXPECT_EQ(named.size(), 11U);
   named.merge(AllOf(page, R"(\\fB(--?[a-zA-Z0-9-]+)\\fR)"));
   EXPECT_GT(named.size(), 40U);
   for (const std::string& name : named)

@@ -34,6 +34,14 @@ TEST(Options, HideTakesWhatItIsGiven) {
   }
 }
 
+TEST(Options, PassphraseTakesNothingButANumberOfWords) {
+  EXPECT_EQ(VerbOf<PassphraseOptions>("passphrase").words, 6);
+  EXPECT_EQ(VerbOf<PassphraseOptions>("passphrase -w 64").words, 64);
+  for (const char* line :
+       {"passphrase x", "passphrase --words 0", "passphrase --words 65", "passphrase --words 6x"})
+    EXPECT_THROW(ParseOptions(Words(line)), CliFailure) << line;
+}
+
 TEST(Options, StandBeforeOrBehindTheVerb) {
   for (const char* line : {"--json --quiet --on-error=ignore --password-fd 5 --to out extract c e",
                            "extract c e --to out --json --quiet --on-error ignore --password-fd=5",

@@ -23,6 +23,7 @@
 #include "hiding/forms/frm_hide.h"
 #include "retrieval/forms/frm_carrier_file.h"
 #include "retrieval/forms/frm_properties.h"
+#include "search/forms/frm_find.h"
 #include "tests/forms/fixed_places.h"
 #include "tests/forms/forms_bench.h"
 
@@ -142,6 +143,11 @@ TEST_P(AllWindows, CanBeHeardReachedByTabAndRead) {
   Examine(file);
   OpenWith with("/a", {{.id = "x", .name = "Editor", .exec = "x %f", .types = {}}}, nullptr);
   Examine(with);
+  auto* const find =
+      new FrmFind(session, bench.dialogue, {.passGate = {}, .open = {}},
+                  std::make_unique<FixedPlaces>(bench.temp), std::make_unique<NoWatch>(), nullptr);
+  Examine(*find);
+  delete find;
   FrmHide hide(
       session, bench.dialogue, [](const Path&) {}, std::make_unique<FixedPlaces>(bench.temp),
       std::make_unique<NoWatch>(), nullptr);

@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QTabBar>
 #include <QTabWidget>
+#include <algorithm>
 #include <set>
 
 #include "base/formats.h"
@@ -169,6 +170,29 @@ TEST_F(CarrierFormsTest, CreatingChecksInOrderAndWritesNothing) {
   EXPECT_EQ(ReadAll(carrier.carrier), before);
 }
 
+TEST_F(CarrierFormsTest, WeighsANewPasswordAndProposesOneThatIsShownUntilAnotherKeyIsTyped) {
+  session->HideOpenRequested = true;
+  CarrierPass form(carrier.carrier, *session, dialogue, nullptr);
+  auto& field = Find<PasswordField>(form, "txt_pass2");
+  const auto says = [&](const char* word) {
+    return QTest::qWaitFor([&] { return Find<QLabel>(form, "StrengthWord").text() == QLatin1String(word); });
+  };
+  Type(form, "txt_pass2", "secret");
+  EXPECT_TRUE(says("Weak"));
+  Press(form, "Cmd_Propose");
+  EXPECT_TRUE(says("Strong"));
+  EXPECT_EQ(field.accessibleDescription(), QStringLiteral("Strength: Strong"));
+  EXPECT_EQ(field.echoMode(), QLineEdit::Normal);
+  const auto proposed = field.Password();
+  EXPECT_EQ(std::ranges::count(proposed.View(), ' '), 5);
+  Type(form, "txt_pass2", "x");
+  EXPECT_EQ(field.echoMode(), QLineEdit::Password);
+  QTest::keyClick(&field, Qt::Key_Backspace);
+  EXPECT_EQ(field.Password(), proposed);
+  field.Clear();
+  EXPECT_TRUE(says(""));
+}
+
 TEST_F(CarrierFormsTest, ShowsTheAlgorithmThatIsChosenAndStartsWithRijndael) {
   CarrierPass form(carrier.carrier, *session, dialogue, nullptr);
   const auto& text = Find<QLabel>(form, "txt_Algorithm");
@@ -209,6 +233,17 @@ TEST_F(CarrierFileTest, StartsWhereTheSettingSaysIfThatFolderExists) {
     Press(form, "BrowseCmd");
     EXPECT_EQ(files.startFolder, start) << mode;
   }
+}
+
+TEST_F(CarrierFileTest, TellsWhetherTheFileThatIsNamedIsAGoodCarrier) {
+  const auto says = [&](const char* front) {
+    return QTest::qWaitFor(
+        [&] { return Find<QLabel>(form, "lb_kind").text().startsWith(QLatin1String(front)); });
+  };
+  Find<QLineEdit>(form, "CarrierTxt").setText(QString::fromStdString(temp.Put("a.mp3", "GIF89a")));
+  EXPECT_TRUE(says("GIF picture: a good carrier"));
+  Find<QLineEdit>(form, "CarrierTxt").setText(QStringLiteral("/nowhere"));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Find<QLabel>(form, "lb_kind").text().isEmpty(); }));
 }
 
 TEST_F(CarrierFileTest, RefusesNoNameAFolderAndAMissingFile) {

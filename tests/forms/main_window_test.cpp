@@ -253,13 +253,15 @@ TEST_F(MainWindowTest, GatesEveryGatedCommandWhileLocked) {
   }
   EXPECT_EQ(ended, 0);
   EXPECT_EQ(session->catalogue.Roots().size(), 1U);
-  dialogue.script.Expect("main.later", Answer::Ok);
+  ExpectUnlock("");
+  Trigger("Menu_Find_Carrier");
+  EXPECT_EQ(window->findChild<QWidget*>(QStringLiteral("FrmFind")), nullptr);
   ExpectUnlock("key");
   Trigger("Search");
-  dialogue.script.Expect("main.later", Answer::Ok);
   ExpectUnlock("key");
   ExpectUnlock("key");
   Trigger("Menu_Find_Carrier");
+  EXPECT_TRUE(Find(*window, "FrmFind").isVisible());
   ExpectUnlock("");
   QCloseEvent close;
   QApplication::sendEvent(window.get(), &close);

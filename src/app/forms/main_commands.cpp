@@ -1,6 +1,7 @@
 #include "app/forms/main_commands.h"
 
 #include <QUrl>
+#include <QWindow>
 
 #include "app/forms/lock_forms.h"
 #include "app/forms/manual.h"
@@ -14,6 +15,7 @@
 #include "hiding/forms/frm_hide.h"
 #include "retrieval/forms/frm_carrier_file.h"
 #include "retrieval/forms/frm_properties.h"
+#include "search/forms/frm_find.h"
 
 namespace tarnel {
 
@@ -29,6 +31,11 @@ Path OneName(const Path& carrier, Files& files) {
   } catch (const Error&) {
     return carrier;
   }
+}
+
+void BringToFront(QWidget& window) {
+  window.raise();
+  window.activateWindow();
 }
 
 /// True from here to the end of the scope.
@@ -88,6 +95,8 @@ void MainCommands::RunFlow(const Command& command) {
       return SaveAs();
     case CommandId::Quit:
       return m_ports.endProcess();
+    case CommandId::Search:
+      return Search();
     case CommandId::Hide:
       return Hide();
     case CommandId::SelectAll:
@@ -130,10 +139,11 @@ void MainCommands::ChooseCarrier() {
       .exec();
 }
 
-void MainCommands::OpenCarrier(const Path& carrier) {
+bool MainCommands::OpenCarrier(const Path& carrier) {
   // At a start with a carrier the main window comes later; a form stands in the middle of a visible one.
   QWidget* const parent = m_parent.isVisible() ? &m_parent : nullptr;
-  CarrierPass(OneName(carrier, m_session.files), m_session, m_ports.dialogue, parent).exec();
+  CarrierPass form(OneName(carrier, m_session.files), m_session, m_ports.dialogue, parent);
+  return form.exec() == QDialog::Accepted;
 }
 
 void MainCommands::Hide() {
@@ -141,6 +151,26 @@ void MainCommands::Hide() {
   if (m_session.catalogue.Roots().empty()) Run(CommandId::Open, CommandSource::Toolbar);
   if (m_session.catalogue.Roots().empty()) return;
   FrmHide(m_session, m_ports.dialogue, m_ports.openFile, &m_parent).exec();
+}
+
+/// The window stands beside the main window, not over it, so that this can come to the front.
+void MainCommands::Search() {
+  if (m_find == nullptr) {
+    const auto open = [this](const Path& carrier) {
+      m_session.HideOpenRequested = false;
+      if (OpenCarrier(carrier)) BringToFront(m_parent);
+    };
+    m_find = new FrmFind(m_session, m_ports.dialogue,
+                         {.passGate = [this] { return PassGate(); }, .open = open}, &m_parent);
+    m_find->winId();
+    m_find->windowHandle()->setTransientParent(nullptr);
+  }
+  m_find->show();
+  BringToFront(*m_find);
+}
+
+void MainCommands::EndSearch() {
+  if (m_find != nullptr) m_find->Leave();
 }
 
 void MainCommands::ShowProperties() {

@@ -11,6 +11,7 @@
 
 namespace tarnel {
 
+class FrmFind;
 class StepbyStep;
 
 /// What the main window needs from outside, so that tests answer, choose and watch.
@@ -51,14 +52,19 @@ class MainCommands {
   /// Shows the step by step guide, of which there is one at most.
   void ShowGuide();
 
-  /// Goes on to the password of a carrier, however its path is spelled. No gate applies.
-  void OpenCarrier(const Path& carrier);
+  /// Goes on to the password of a carrier, however its path is spelled. No gate applies. True if a hideout
+  /// of it was opened or made.
+  bool OpenCarrier(const Path& carrier);
+
+  /// Stops a search and closes its window, if there is one.
+  void EndSearch();
 
  private:
   bool PassGates(Gate gate, CommandSource source);
   void RunFlow(const Command& command);
   void NewCarrier();
   void ChooseCarrier();
+  void Search();
   void Hide();
   void ShowProperties();
   void SaveAs();
@@ -70,6 +76,7 @@ class MainCommands {
   WindowPorts m_ports;
   QWidget& m_parent;
   QPointer<StepbyStep> m_guide;
+  QPointer<FrmFind> m_find;
 };
 
 }  // namespace tarnel

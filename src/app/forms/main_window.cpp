@@ -195,6 +195,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     mayClose = m_commands.PassGate();
     if (mayClose && m_session.settings.saveSettingsExit) SaveGeometry();
   });
+  if (mayClose) m_commands.EndSearch();
   event->setAccepted(mayClose);
 }
 

@@ -22,6 +22,7 @@
 #include "formkit/guarded.h"
 #include "formkit/layouts.h"
 #include "formkit/password_field.h"
+#include "formkit/strength_bar.h"
 #include "formkit/text.h"
 
 namespace tarnel {
@@ -114,6 +115,7 @@ QWidget* CarrierPass::MakeCreateSide() {
   auto* const form = new QFormLayout;
   AddRow(*form, tr("Hideout Titel:"), m_title);
   AddRow(*form, tr("Password:"), m_newPassword);
+  form->addRow(QString(), Named(new StrengthBar(*m_newPassword, m_dialogue), "Strength"));
   AddRow(*form, tr("Retype Password for Confirmation:"), m_confirmation);
   form->setRowWrapPolicy(QFormLayout::WrapLongRows);
   auto* const layout = new QVBoxLayout(side);

@@ -5,15 +5,25 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QPushButton>
+#include <QTimer>
 #include <QVBoxLayout>
 
+#include "carrier/carrier_kind.h"
 #include "formkit/guarded.h"
 #include "formkit/icons.h"
 #include "formkit/layouts.h"
 #include "formkit/path_field.h"
+#include "formkit/text.h"
 #include "retrieval/forms/questions.h"
 
 namespace tarnel {
+
+namespace {
+
+/// So long after the last key a path is looked at, in milliseconds.
+constexpr int kTypingPause = 200;
+
+}  // namespace
 
 FrmCarrierFile::FrmCarrierFile(Session& session, Dialogue& dialogue, FileDialogs& fileDialogs,
                                std::function<void(const Path&)> open, QWidget* parent)
@@ -34,6 +44,11 @@ FrmCarrierFile::FrmCarrierFile(Session& session, Dialogue& dialogue, FileDialogs
   QPushButton* const cancel = Named(buttons->button(QDialogButtonBox::Cancel), "Command1");
   cancel->setText(tr("Cancel"));
   m_browse->setFocus();
+  auto* const pause = new QTimer(this);
+  pause->setSingleShot(true);
+  pause->setInterval(kTypingPause);
+  connect(m_carrier, &QLineEdit::textChanged, pause, qOverload<>(&QTimer::start));
+  connect(pause, &QTimer::timeout, this, &FrmCarrierFile::ShowKind);
   connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
   connect(m_ok, &QPushButton::clicked, this, [this] { Guarded(m_dialogue, [this] { PressOk(); }); });
   connect(m_browse, &QPushButton::clicked, this, [this] { Guarded(m_dialogue, [this] { Browse(); }); });
@@ -62,8 +77,18 @@ QWidget* FrmCarrierFile::MakeFrame() {
   grid->addWidget(Named(new QLabel(QStringLiteral(">>")), "Label2"), 3, 0, Qt::AlignRight);
   grid->addWidget(m_carrier, 3, 1, 1, 2);
   grid->addWidget(m_browse, 3, 3);
+  m_kind = Named(Hint({}), "lb_kind");
+  m_kind->setMinimumHeight(fontMetrics().lineSpacing() * 2);  // nothing jumps when it comes
+  m_kind->setAlignment(Qt::AlignTop);
+  grid->addWidget(m_kind, 4, 1, 1, 3);
   grid->setColumnStretch(1, 1);
   return frame;
+}
+
+void FrmCarrierFile::ShowKind() {
+  const Path carrier = m_carrier->EnteredPath();
+  m_kind->setText(carrier.empty() ? QString()
+                                  : Translated(CarrierAdviceFor(carrier, m_session.files).c_str()));
 }
 
 Path FrmCarrierFile::StartFolder() const {

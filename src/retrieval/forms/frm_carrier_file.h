@@ -7,6 +7,7 @@
 #include "base/dialogue.h"
 #include "formkit/file_dialogs.h"
 
+class QLabel;
 class QPushButton;
 
 namespace tarnel {
@@ -24,6 +25,7 @@ class FrmCarrierFile : public QDialog {
 
  private:
   QWidget* MakeFrame();
+  void ShowKind();
   void Browse();
   Path StartFolder() const;
   void PressOk();
@@ -35,6 +37,7 @@ class FrmCarrierFile : public QDialog {
   std::function<void(const Path&)> m_open;
 
   PathField* m_carrier;
+  QLabel* m_kind;
   QPushButton* m_browse;
   QPushButton* m_ok;
 };

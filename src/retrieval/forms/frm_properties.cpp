@@ -8,6 +8,7 @@
 #include <QVBoxLayout>
 
 #include "base/formats.h"
+#include "carrier/carrier_kind.h"
 #include "formkit/fit_path_text.h"
 #include "formkit/layouts.h"
 #include "formkit/text.h"
@@ -36,6 +37,9 @@ FrmProperties::FrmProperties(Session& session, QWidget* parent) : QDialog(parent
   AddPath(*form, tr("Path:"), "lb_path", ShownPath(current.CurrentCarrierPath.parent_path()));
   const std::string size = GroupedKilobytes(static_cast<double>(stat.size)) + " KB";
   AddText(*form, tr("Size:"), "lb_size", QString::fromStdString(size));
+  AddText(*form, tr("Kind:"), "lb_kind",
+          Translated(CarrierAdviceFor(current.CurrentCarrierPath, session.files).c_str()))
+      ->setWordWrap(true);
 
   form = AddFrame("Frame2", tr("Date/Time"));
   const auto date = [](std::time_t moment) { return QString::fromStdString(DateAndTime(moment)); };
@@ -64,11 +68,13 @@ QFormLayout* FrmProperties::AddFrame(const char* name, const QString& caption) {
   return form;
 }
 
-void FrmProperties::AddText(QFormLayout& form, const QString& label, const char* name, const QString& text) {
+QLabel* FrmProperties::AddText(QFormLayout& form, const QString& label, const char* name,
+                               const QString& text) {
   auto* const value = Named(new QLabel(text), name);
   value->setTextFormat(Qt::PlainText);
   value->setTextInteractionFlags(Qt::TextSelectableByMouse);
   form.addRow(label, value);
+  return value;
 }
 
 void FrmProperties::AddPath(QFormLayout& form, const QString& label, const char* name, const QString& path) {

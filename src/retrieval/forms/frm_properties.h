@@ -5,6 +5,7 @@
 #include "app/session.h"
 
 class QFormLayout;
+class QLabel;
 
 namespace tarnel {
 
@@ -17,7 +18,7 @@ class FrmProperties : public QDialog {
 
  private:
   QFormLayout* AddFrame(const char* name, const QString& caption);
-  void AddText(QFormLayout& form, const QString& label, const char* name, const QString& text);
+  QLabel* AddText(QFormLayout& form, const QString& label, const char* name, const QString& text);
   void AddPath(QFormLayout& form, const QString& label, const char* name, const QString& path);
 };
 
