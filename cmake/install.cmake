@@ -13,6 +13,9 @@ set(documents ${CMAKE_INSTALL_DATADIR}/doc/tarnel-cli)
 install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${documents} COMPONENT cli)
 # As they lie here, so that the pages' links hold.
 install(DIRECTORY doc DESTINATION ${documents} COMPONENT cli)
+if(TARGET manual)
+  install(FILES ${TARNEL_MANUAL}/index.html DESTINATION ${documents}/doc/manual COMPONENT cli)
+endif()
 install(FILES share/sample/harbour.png DESTINATION ${documents}/share/sample COMPONENT cli)
 
 install(FILES share/words/LICENSE DESTINATION ${documents}/share/words COMPONENT cli)

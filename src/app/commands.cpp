@@ -160,8 +160,7 @@ std::vector<Command> HelpCommands() {
        .shortcut = Shortcut::Help},
       {.id = CommandId::QuickStart,
        .item = "Menu_Quickstart",
-       .caption = " Quick Start - Step by Step Instructions",
-       .later = "The step by step instructions come with a later version of Tarnel."},
+       .caption = " Quick Start - Step by Step Instructions"},
       {.id = CommandId::Info, .item = "Menu_Info", .caption = " &Info", .icon = "info"},
   };
 }

@@ -174,11 +174,13 @@ std::string DesktopApplications::Text(const Path& file) {
   }
 }
 
-std::vector<std::string> CommandLineFor(const DesktopApplication& application, const Path& file) {
+std::vector<std::string> CommandLineFor(const DesktopApplication& application, const Path& file,
+                                        const std::string& url) {
   std::vector<std::string> line;
   for (const std::string& argument : Arguments(application.exec)) {
-    if (argument == "%f" || argument == "%F" || argument == "%u" || argument == "%U") {
-      line.push_back(file.native());
+    const bool takesUrl = argument == "%u" || argument == "%U";
+    if (takesUrl || argument == "%f" || argument == "%F") {
+      line.push_back(takesUrl && !url.empty() ? url : file.native());
     } else if (argument == "%c") {
       line.push_back(application.name);
     } else if (!argument.starts_with('%')) {

@@ -50,7 +50,9 @@ class DesktopApplications {
   std::set<std::string> m_seen;  ///< ids met so far, of hidden ones too
 };
 
-/// Program and arguments that open `file`. Empty where the command line is none.
-std::vector<std::string> CommandLineFor(const DesktopApplication& application, const Path& file);
+/// Program and arguments that open `file`. Empty where the command line is none. An application that takes
+/// URLs gets `url` instead, if there is one.
+std::vector<std::string> CommandLineFor(const DesktopApplication& application, const Path& file,
+                                        const std::string& url = {});
 
 }  // namespace tarnel

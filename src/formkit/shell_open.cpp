@@ -1,11 +1,13 @@
 #include "formkit/shell_open.h"
 
 #include <QApplication>
+#include <QUrl>
 #include <utility>
 
 #include "base/printable.h"
 #include "base/start_program.h"
 #include "formkit/open_with.h"
+#include "formkit/text.h"
 #include "formkit/type_icons.h"
 
 namespace tarnel {
@@ -34,6 +36,14 @@ void DesktopOpener::Open(const Path& path) {
     application = form.Chosen();
   }
   if (application) Start(CommandLineFor(*application, path), path);
+}
+
+bool DesktopOpener::OpenPage(const QUrl& page) {
+  if (!page.isLocalFile() || !page.path().endsWith(QLatin1String(".html"))) return false;
+  const auto browser = DesktopApplications(m_files, UserDesktopFolders())
+                           .DefaultFor({"x-scheme-handler/https", "x-scheme-handler/http", "text/html"});
+  if (!browser) return false;
+  return m_starter(CommandLineFor(*browser, PathOf(page.toLocalFile()), page.toEncoded().toStdString()));
 }
 
 void DesktopOpener::Start(const std::vector<std::string>& commandLine, const Path& path) {

@@ -7,7 +7,7 @@
 #include "base/dialogue.h"
 #include "base/files.h"
 
-class QWidget;
+class QUrl;
 
 namespace tarnel {
 
@@ -24,6 +24,11 @@ class DesktopOpener {
   /// person chooses in "OpenWith", who may also cancel. Throws Error if nothing stands there, no application
   /// is installed, or it could not be started.
   void Open(const Path& path);
+
+  /// A page of the documentation, with the browser and at the place that its fragment names, which the
+  /// desktop's own opener would drop. False if it is no web page of this machine, or no browser could be
+  /// started.
+  bool OpenPage(const QUrl& page);
 
  private:
   void Start(const std::vector<std::string>& commandLine, const Path& path);

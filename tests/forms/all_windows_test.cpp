@@ -15,6 +15,7 @@
 #include "app/forms/config_form.h"
 #include "app/forms/info_box.h"
 #include "app/forms/lock_forms.h"
+#include "app/forms/step_by_step.h"
 #include "carrier/forms/carrier_pass.h"
 #include "formkit/fit_path_text.h"
 #include "formkit/open_with.h"
@@ -136,6 +137,8 @@ TEST_P(AllWindows, CanBeHeardReachedByTabAndRead) {
   Examine(unlock);
   Info info([](const QUrl&) {}, nullptr);
   Examine(info);
+  StepbyStep guide(session, nullptr);
+  Examine(guide);
   FileProperties file(session.current.CurrentCarrierPath, bench.posix, nullptr);
   Examine(file);
   OpenWith with("/a", {{.id = "x", .name = "Editor", .exec = "x %f", .types = {}}}, nullptr);

@@ -1,6 +1,5 @@
 #include "app/forms/info_box.h"
 
-#include <QCoreApplication>
 #include <QDialogButtonBox>
 #include <QFileInfo>
 #include <QGroupBox>
@@ -10,6 +9,7 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
+#include "app/forms/manual.h"
 #include "formkit/icons.h"
 #include "formkit/layouts.h"
 
@@ -17,29 +17,22 @@ namespace tarnel {
 
 namespace {
 
-QLabel* Link(const char* name, const QString& text, const QString& file, const OutsideOpener& open) {
+QLabel* Link(const char* name, const QString& text, const QUrl& url, const OutsideOpener& open) {
   auto* const label = Named(new QLabel, name);
-  label->setText(QStringLiteral("<a href=\"%1\">%2</a>")
-                     .arg(DocumentationUrl(file).toString(QUrl::FullyEncoded), text.toHtmlEscaped()));
+  label->setText(
+      QStringLiteral("<a href=\"%1\">%2</a>").arg(url.toString(QUrl::FullyEncoded), text.toHtmlEscaped()));
   label->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
   QObject::connect(label, &QLabel::linkActivated, label, [open](const QString& link) { open(QUrl(link)); });
   return label;
 }
 
 /// Debian keeps the licences of its packages under a name of their own.
-QString LicenseFile() {
-  const QString file = QStringLiteral("LICENSE");
-  return QFileInfo::exists(DocumentationUrl(file).toLocalFile()) ? file : QStringLiteral("copyright");
+QUrl LicenseUrl() {
+  const QUrl license = DocumentationUrl(QStringLiteral("LICENSE"));
+  return QFileInfo::exists(license.toLocalFile()) ? license : DocumentationUrl(QStringLiteral("copyright"));
 }
 
 }  // namespace
-
-QUrl DocumentationUrl(const QString& file) {
-  const QString program = QCoreApplication::applicationDirPath();
-  const QString beside = program + QLatin1Char('/') + file;
-  const QString installed = program + QStringLiteral("/../share/doc/tarnel/") + file;
-  return QUrl::fromLocalFile(QFileInfo::exists(beside) ? beside : QFileInfo(installed).absoluteFilePath());
-}
 
 Info::Info(const OutsideOpener& open, QWidget* parent) : QDialog(parent) {
   setObjectName(QStringLiteral("Info"));
@@ -56,9 +49,8 @@ Info::Info(const OutsideOpener& open, QWidget* parent) : QDialog(parent) {
   head->addWidget(name, 1);
   auto* const contact = new QGroupBox(tr("Contact"));
   auto* const links = new QVBoxLayout(contact);
-  links->addWidget(
-      Link("Link_Guide", tr("What Tarnel is and how it is used"), QStringLiteral("README.md"), open));
-  links->addWidget(Link("Link_License", tr("Licence and makers"), LicenseFile(), open));
+  links->addWidget(Link("Link_Guide", tr("What Tarnel is and how it is used"), ManualUrl(), open));
+  links->addWidget(Link("Link_License", tr("Licence and makers"), LicenseUrl(), open));
   auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Close);
   Named(buttons->button(QDialogButtonBox::Close), "Command1")->setText(tr("Close"));
   auto* const layout = new QVBoxLayout(this);

@@ -1,14 +1,10 @@
 #pragma once
 
 #include <QDialog>
-#include <functional>
 
-class QUrl;
+#include "app/forms/manual.h"
 
 namespace tarnel {
-
-/// Opens something with the program that the desktop has for it. In silence if that fails.
-using OutsideOpener = std::function<void(const QUrl&)>;
 
 /// The about box.
 class Info : public QDialog {
@@ -17,8 +13,5 @@ class Info : public QDialog {
  public:
   Info(const OutsideOpener& open, QWidget* parent);
 };
-
-/// A file of the program's documentation, beside the program or where it was installed to.
-QUrl DocumentationUrl(const QString& file);
 
 }  // namespace tarnel

@@ -27,6 +27,10 @@ int RunEvents() {
   return QApplication::exec();
 }
 
+void OpenOutside(const QUrl& url, tarnel::DesktopOpener& opener) {
+  if (!opener.OpenPage(url)) QDesktopServices::openUrl(url);
+}
+
 int RunOnThisMachine(const std::vector<std::string>& arguments, tarnel::Dialogue& dialogue) {
   using namespace tarnel;
   PosixFiles files;
@@ -39,7 +43,7 @@ int RunOnThisMachine(const std::vector<std::string>& arguments, tarnel::Dialogue
                   .instancePlaces = InstanceLockPlaces(UserSettingsPath()),
                   .window = {.dialogue = dialogue,
                              .fileDialogs = fileDialogs,
-                             .openOutside = [](const QUrl& url) { QDesktopServices::openUrl(url); },
+                             .openOutside = [&opener](const QUrl& url) { OpenOutside(url, opener); },
                              .openFile = [&opener](const Path& path) { opener.Open(path); },
                              .endProcess = EndProcess},
                   .runEvents = RunEvents});

@@ -4,6 +4,8 @@
 #include <QWindow>
 
 #include "app/forms/lock_forms.h"
+#include "app/forms/manual.h"
+#include "app/forms/step_by_step.h"
 #include "app/questions.h"
 #include "base/copy_file.h"
 #include "base/partial_file.h"
@@ -110,7 +112,9 @@ void MainCommands::RunFlow(const Command& command) {
     case CommandId::Folders:
       return m_window.ShowFolders(!m_window.IsFoldersShown());
     case CommandId::Contents:
-      return m_ports.openOutside(DocumentationUrl(QStringLiteral("README.md")));
+      return m_ports.openOutside(ManualUrl());
+    case CommandId::QuickStart:
+      return ShowGuide();
     case CommandId::Info:
       Info(m_ports.openOutside, &m_parent).exec();
       return;
@@ -189,6 +193,11 @@ void MainCommands::Configure() {
   Config(m_session, m_window, m_ports.dialogue, m_ports.fileDialogs, &m_parent).exec();
   m_session.ReloadSettings();
   if (m_session.SelectedNode() != nullptr) m_session.DirView_NodeClick(*m_session.SelectedNode());
+}
+
+void MainCommands::ShowGuide() {
+  if (m_guide.isNull()) m_guide = new StepbyStep(m_session, &m_parent);
+  m_guide->ShowAgain();
 }
 
 void MainCommands::LockOrUnlock() {

@@ -12,6 +12,7 @@
 namespace tarnel {
 
 class FrmFind;
+class StepbyStep;
 
 /// What the main window needs from outside, so that tests answer, choose and watch.
 struct WindowPorts {
@@ -48,6 +49,9 @@ class MainCommands {
   /// Asks a locked program's user for the password; true lets one command pass.
   bool PassGate();
 
+  /// Shows the step by step guide, of which there is one at most.
+  void ShowGuide();
+
   /// Goes on to the password of a carrier, however its path is spelled. No gate applies. True if a hideout
   /// of it was opened or made.
   bool OpenCarrier(const Path& carrier);
@@ -71,6 +75,7 @@ class MainCommands {
   CommandedWindow& m_window;
   WindowPorts m_ports;
   QWidget& m_parent;
+  QPointer<StepbyStep> m_guide;
   QPointer<FrmFind> m_find;
 };
 

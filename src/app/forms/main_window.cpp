@@ -1,5 +1,6 @@
 #include "app/forms/main_window.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QHeaderView>
@@ -14,7 +15,9 @@
 #include "app/forms/dir_tree.h"
 #include "app/forms/dir_view_model.h"
 #include "app/forms/file_list_model.h"
+#include "app/forms/manual.h"
 #include "app/forms/status_panels.h"
+#include "app/step_by_step.h"
 #include "formkit/dropped_path.h"
 #include "formkit/file_table.h"
 #include "formkit/guarded.h"
@@ -26,6 +29,7 @@ namespace tarnel {
 namespace {
 
 constexpr int kRefreshInterval = 100;
+constexpr int kGuideDelay = 500;
 constexpr int kLeastFolders = 1100 / kTwipsPerPixel;
 constexpr int kLeastList = 600 / kTwipsPerPixel;
 /// What lies between the folder pane's width and the left edge of the list, in twips.
@@ -54,6 +58,7 @@ MainWindow::MainWindow(Session& session, const WindowPorts& ports)
   setStatusBar(m_status);
   ConnectAll();
   ShowContextMenus();
+  qApp->installEventFilter(new HelpKey(ports.openOutside, this));
   m_session.SetView(this);
   RestoreGeometry();
   FileListChanged();
@@ -117,6 +122,8 @@ void MainWindow::ConnectAll() {
   connect(m_status->lock, &StatusPanel::DoubleClicked, this,
           [this] { m_commands.Run(CommandId::Lock, CommandSource::Menu); });
   connect(&m_refresh, &QTimer::timeout, this, &MainWindow::RefreshCommands);
+  m_stepbyStepTimer.setInterval(kGuideDelay);
+  connect(&m_stepbyStepTimer, &QTimer::timeout, this, &MainWindow::ShowGuideAtStart);
   for (QWidget* const watched : {static_cast<QWidget*>(m_dirView), m_dirView->viewport(),
                                  static_cast<QWidget*>(m_fileList), m_fileList->viewport()}) {
     watched->installEventFilter(this);
@@ -169,6 +176,17 @@ void MainWindow::StartWith(const Path& carrier) {
     if (IsFile(carrier, m_session.files)) m_commands.OpenCarrier(carrier);
   });
   RefreshCommands();
+}
+
+void MainWindow::ShowGuideSoon() {
+  if (ShowsGuideAtStart(m_session.settingsFile)) m_stepbyStepTimer.start();
+}
+
+/// Not behind a form that would keep it from being read.
+void MainWindow::ShowGuideAtStart() {
+  if (QApplication::activeModalWidget() != nullptr) return;
+  m_stepbyStepTimer.stop();
+  m_commands.ShowGuide();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

@@ -28,6 +28,9 @@ class MainWindow : public QMainWindow, private SessionView, private CommandedWin
   /// Opens a carrier named at the start, if it is a file. The window need not be visible yet.
   void StartWith(const Path& carrier);
 
+  /// Shows the guide in a moment, if the settings want it at the start.
+  void ShowGuideSoon();
+
  protected:
   /// Gate, then geometry and columns go to the settings if the user wants that.
   void closeEvent(QCloseEvent* event) override;
@@ -56,6 +59,7 @@ class MainWindow : public QMainWindow, private SessionView, private CommandedWin
   void RestoreGeometry();
   void SaveGeometry();
   void ShowColumns();
+  void ShowGuideAtStart();
   void RefreshCommands();
   void ReadRowSelection();
   void ShowSorting();
@@ -76,6 +80,7 @@ class MainWindow : public QMainWindow, private SessionView, private CommandedWin
   FileListModel* m_fileModel;
   StatusPanels* m_status;
   QTimer m_refresh;
+  QTimer m_stepbyStepTimer;
   int m_dirWidth = 0;  ///< of the folder pane when it was last visible
 };
 

@@ -26,6 +26,7 @@ int RunProgram(const Path& carrier, const ProgramPorts& ports) {
   MainWindow window(session, ports.window);
   window.StartWith(carrier);
   window.show();
+  window.ShowGuideSoon();
   return ports.runEvents();
 }
 
