@@ -75,6 +75,7 @@ class Loader {
     if (m_walk.WasIgnored() && m_lastError != ErrorNumber::BadRecordNumber)
       m_faults.Note({Position{} + walk.CarrierSize() - walk.Passed(), {}, "it cannot be read"});
     if (!place) return Step::Done;
+    m_request.password.Prepare([this] { m_screen.Yield(); });  // not before there is something to open
     JudgedEntry judged;
     EntryTail tail;
     if (Try([&] { ReadTo(judged, tail, *place); }) == Outcome::Ignored) {

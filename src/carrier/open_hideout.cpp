@@ -84,11 +84,6 @@ LoadOutcome TryAll(LoadRequest request, Reading& reading, OpeningScreen& screen)
 
 LoadResult TryPassword(const Path& carrier, const Key& password, Reading& reading, OpeningScreen& screen) {
   if (reading.guards.ReadingBusy) return LoadResult::NotFound;
-  {
-    const BusyReading busy(reading.guards);
-    reading.guards.TreeClickBlocked = true;
-    password.Prepare([&screen] { screen.Yield(); });
-  }
   const LoadOutcome outcome = TryAll({.carrier = carrier, .password = password}, reading, screen);
   const bool isStopped = reading.guards.AbortReadingFlag || outcome.result == LoadResult::KeptOpen;
   reading.guards.AbortReadingFlag = false;

@@ -45,7 +45,7 @@ class HideVerb {
   void OpenOrMake();
   void RefuseNewBesideDamage();
   void RefuseNewUnasked(const GivenPassword& password);
-  void MakeHideout(const GivenPassword& password);
+  void MakeHideout(const GivenPassword& password, const Key& key);
   void SayWhatIsNotUsed();
   void RefuseWhatCannotFit();
   void AskBeforeDestroying();
@@ -78,14 +78,15 @@ ExitCode HideVerb::DryRun() {
 void HideVerb::OpenOrMake() {
   const GivenPassword password =
       ObtainPassword(m_around.options, m_around.variables, m_around.terminal, m_around.messages);
-  if (m_bench.TryOpen(password.secret)) {
+  const Key key(password.secret);
+  if (m_bench.TryOpen(key)) {
     m_bench.WarnOfFaults();
     SayWhatIsNotUsed();
     return;
   }
   if (!m_options.makeNew) RefuseNewBesideDamage();
   if (!m_options.makeNew) RefuseNewUnasked(password);
-  MakeHideout(password);
+  MakeHideout(password, key);
 }
 
 /// A hideout of this password may be there all the same; a second one on top would hide that.
@@ -115,7 +116,7 @@ void HideVerb::RefuseNewUnasked(const GivenPassword& password) {
   throw CliFailure(ExitCode::NoHideout, message);
 }
 
-void HideVerb::MakeHideout(const GivenPassword& password) {
+void HideVerb::MakeHideout(const GivenPassword& password, const Key& key) {
   CheckNewPassword(password.secret);
   if (password.origin == GivenPassword::Origin::Typed) {
     m_around.messages.Note("No hideout opens with this password; a new one will be made.");
@@ -123,7 +124,7 @@ void HideVerb::MakeHideout(const GivenPassword& password) {
   }
   SayStrength(password.secret, m_around.messages);
   const Algorithm algorithm = m_options.algorithm.value_or(Algorithm::Rijndael256);
-  CreateHideout(m_bench.Carrier(), Key(password.secret), m_options.title.value_or(kPresetTitle), algorithm,
+  CreateHideout(m_bench.Carrier(), key, m_options.title.value_or(kPresetTitle), algorithm,
                 m_bench.GetReading());
   m_hideout = Hideout::Made;
 }

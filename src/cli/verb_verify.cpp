@@ -54,8 +54,8 @@ class VerifyVerb {
   ExitCode Run();
 
  private:
-  ExitCode VerifyOne(const std::string& carrier, const Secret& password);
-  ExitCode VerifyOrSayWhyNot(const std::string& carrier, const Secret& password);
+  ExitCode VerifyOne(const std::string& carrier, const Key& password);
+  ExitCode VerifyOrSayWhyNot(const std::string& carrier, const Key& password);
   void TakeWanted(std::vector<VerifiedEntry>& entries, const Workbench& bench) const;
   void Report(const std::string& carrier, const VerifyResult& result);
   std::string LineOf(const std::string& carrier, const VerifiedEntry& entry) const;
@@ -95,9 +95,8 @@ ExitCode Worse(ExitCode a, ExitCode b) {
 }
 
 ExitCode VerifyVerb::Run() {
-  const Secret password =
-      ObtainPassword(m_around.options, m_around.variables, m_around.terminal, m_around.messages).secret;
-  const Key held(password);  // so that it is derived once for all carriers
+  const Key password(
+      ObtainPassword(m_around.options, m_around.variables, m_around.terminal, m_around.messages).secret);
   m_around.report["carriers"] = Json::array();
   ExitCode code = ExitCode::Done;
   for (const std::string& carrier : m_options.carriers)
@@ -114,7 +113,7 @@ ExitCode VerifyVerb::Run() {
   return code;
 }
 
-ExitCode VerifyVerb::VerifyOrSayWhyNot(const std::string& carrier, const Secret& password) {
+ExitCode VerifyVerb::VerifyOrSayWhyNot(const std::string& carrier, const Key& password) {
   const auto say = [&](const CliFailure& failure) {
     ++m_tally.failed;
     Json object;
@@ -134,7 +133,7 @@ ExitCode VerifyVerb::VerifyOrSayWhyNot(const std::string& carrier, const Secret&
   }
 }
 
-ExitCode VerifyVerb::VerifyOne(const std::string& carrier, const Secret& password) {
+ExitCode VerifyVerb::VerifyOne(const std::string& carrier, const Key& password) {
   Workbench bench(carrier, m_around);
   bench.OpenWith(password);
   VerifyOnTerminal screen(m_around.talk);

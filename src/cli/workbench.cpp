@@ -42,10 +42,11 @@ void RefuseBusy(const Path& carrier, Files& files) {
 }
 
 void Workbench::Open() {
-  OpenWith(ObtainPassword(m_around.options, m_around.variables, m_around.terminal, m_around.messages).secret);
+  OpenWith(
+      Key(ObtainPassword(m_around.options, m_around.variables, m_around.terminal, m_around.messages).secret));
 }
 
-void Workbench::OpenWith(const Secret& password) {
+void Workbench::OpenWith(const Key& password) {
   if (TryOpen(password)) return;
   RefuseBusy(m_carrier, m_around.files);
   const std::string name = Printable(m_given);
@@ -62,10 +63,10 @@ void Workbench::OpenWith(const Secret& password) {
   throw CliFailure(ExitCode::NoHideout, message);
 }
 
-bool Workbench::TryOpen(const Secret& password) {
+bool Workbench::TryOpen(const Key& password) {
   if (m_around.files.OpenToRead(m_carrier)->Size() < Length{kTrailerSize}) return false;
   OpeningOnTerminal screen(m_around.talk, m_guards);
-  const LoadResult result = TryPassword(m_carrier, Key(password), m_reading, screen);
+  const LoadResult result = TryPassword(m_carrier, password, m_reading, screen);
   m_around.talk.Progress().Clear();
   m_faults = screen.Faults();
   if (m_around.talk.CancelRequested()) throw CliFailure(ExitCode::Cancelled, "cancelled");

@@ -36,9 +36,9 @@ class Workbench {
   void Open();
   /// Throws CliFailure: what TryOpen throws, NoHideout, and where nothing can be read of a hideout that is or
   /// may be there, Damaged or Failed; but Busy for all of these while another process works on the carrier.
-  void OpenWith(const Secret& password);
+  void OpenWith(const Key& password);
   /// False if no hideout opens. Throws CliFailure: Cancelled, Unreadable for what the disk doesn't give.
-  bool TryOpen(const Secret& password);
+  bool TryOpen(const Key& password);
 
   /// What the last opening has found wrong with the carrier.
   const ChainFaults& Faults() const { return m_faults; }

@@ -34,6 +34,10 @@ WipedText Open(StringCipher& cipher, Bytes sealed, Cut cut) {
 
 }  // namespace
 
+bool HasCipher(Algorithm algorithm) {
+  return FindCipherSuite(algorithm) != nullptr;
+}
+
 std::string CipherEncryptString(Algorithm algorithm, std::string_view plain, TextForm form, const Key& key,
                                 std::string& secondKey) {
   secondKey.clear();

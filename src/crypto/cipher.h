@@ -19,6 +19,9 @@ namespace tarnel {
 /// phrase derives its key, which takes a fifth of a second; Key::Prepare does that beforehand without
 /// freezing a window.
 
+/// Whether anything can be encrypted with it; of some only the name is known.
+bool HasCipher(Algorithm algorithm);
+
 enum class TextForm { Raw, Base64 };
 
 /// The encrypted form of `plain`, raw or as Base64 with its line ends. Empty for empty.

@@ -3,6 +3,7 @@
 #include <botan/hash.h>
 #include <botan/pwdhash.h>
 
+#include <atomic>
 #include <chrono>
 #include <functional>
 #include <future>
@@ -51,13 +52,31 @@ struct Key::Keys {
   const WipedBytes& Master() {
     const std::scoped_lock lock(mutex);
     if (masterKey.empty()) masterKey = DeriveMasterKey(phrase);
+    isDerived = true;
     return masterKey;
+  }
+
+  /// One derivation for all who ask meanwhile. Its thread is joined before anything of this goes.
+  std::shared_future<void> Derivation() {
+    const std::scoped_lock lock(starting);
+    // The default policy derives in get() if there is no thread to be had.
+    if (!derivation.valid()) derivation = std::async([this] { Master(); });
+    return derivation;
+  }
+
+  /// So that the next who asks tries again.
+  void ForgetDerivation() {
+    const std::scoped_lock lock(starting);
+    derivation = {};
   }
 
   Secret phrase;
   std::mutex mutex;
   WipedBytes masterKey;  ///< empty until it is derived
+  std::atomic<bool> isDerived = false;
   std::map<Algorithm, std::shared_ptr<StringCipher>> strings;
+  std::mutex starting;
+  std::shared_future<void> derivation;
 };
 
 /// Those that some handle holds.
@@ -104,17 +123,23 @@ const Key& Key::OfLengthFields() {
   return key;
 }
 
+void Key::Start() const {
+  if (!m_keys->isDerived) m_keys->Derivation();
+}
+
 void Key::Prepare(const std::function<void()>& yield) const {
-  {
-    const std::scoped_lock lock(m_keys->mutex);
-    if (!m_keys->masterKey.empty()) return;
-  }
   using namespace std::chrono_literals;
-  // The default policy derives in get() if there is no thread to be had.
-  auto derived = std::async([keys = m_keys] { keys->Master(); });
+  if (m_keys->isDerived) return;
+  const std::shared_ptr<Keys> keys = m_keys;  // a yield may take this handle away
+  const std::shared_future<void> derived = keys->Derivation();
   while (derived.wait_for(20ms) == std::future_status::timeout)
     yield();
-  derived.get();
+  try {
+    derived.get();
+  } catch (...) {
+    keys->ForgetDerivation();
+    throw;
+  }
 }
 
 bool Key::IsOf(const Secret& passPhrase) const {

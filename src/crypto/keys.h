@@ -27,8 +27,12 @@ class Key {
   /// text.
   static const Key& OfLengthFields();
 
-  /// Derives the master key on a helper thread and calls `yield` at least every 50 ms meanwhile. A no-op for
-  /// a key that has one.
+  /// Begins to derive the master key on a helper thread, if none is at it, and doesn't wait. What goes wrong
+  /// there is thrown by whoever needs the key.
+  void Start() const;
+
+  /// Waits for that, or begins it, and calls `yield` at least every 50 ms meanwhile. A no-op for a key that
+  /// has one.
   void Prepare(const std::function<void()>& yield) const;
 
   /// Whether this is the phrase's key.

@@ -147,7 +147,7 @@ HideRun::HideRun(const HideRequest& request, Reading& reading, HideScreen& scree
 
 HideResult HideRun::Run() {
   RefuseWhatCannotBeHidden();
-  PrepareTheKey();
+  m_hideout.CurrentPassword.Start();
   try {
     HideAll();
   } catch (const Stop& stop) {
@@ -178,19 +178,23 @@ void HideRun::RefuseWhatCannotBeHidden() {
                   row.source);
     pace.Step();
   }
+  if (!HasCipher(m_hideout.CurrentAlgorithmId))
+    throw Error(ErrorNumber::InvalidPropertyValue, "cannot hide: the hideout's algorithm has no cipher");
 }
 
+/// Nothing has changed yet, so nothing stays if there is no key.
 void HideRun::PrepareTheKey() {
-  m_hideout.CurrentPassword.Prepare([this] { m_screen.Yield(); });
-  std::string secondKey;
-  const std::string probe = CipherEncryptString(m_hideout.CurrentAlgorithmId, "probe", TextForm::Raw,
-                                                m_hideout.CurrentPassword, secondKey);
-  if (probe.empty())
-    throw Error(ErrorNumber::InvalidPropertyValue, "cannot hide: the hideout's algorithm has no cipher");
+  try {
+    m_hideout.CurrentPassword.Prepare([this] { m_screen.Yield(); });
+  } catch (...) {
+    Try([this] { m_carrier.DropBackup(); });
+    throw;
+  }
 }
 
 void HideRun::HideAll() {
   if (MakeBackup()) {
+    PrepareTheKey();
     for (std::size_t row = 0; row < m_request.rows.size(); ++row)
       TakeRow(row);
     CompleteCarrier();

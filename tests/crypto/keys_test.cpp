@@ -98,6 +98,17 @@ TEST(Keys, AreDerivedOnceAndSharedByThoseOfOnePhraseThatLiveAtOneTime) {
   EXPECT_GT(YieldsToPrepare(Key(Secret("a third phrase"))), 0) << "nothing is kept that nobody holds";
 }
 
+TEST(Keys, AreDerivedBeforehandByAStart) {
+  std::optional<Key> dying(Secret("a phrase whose handle dies at once"));
+  dying->Start();
+  dying.reset();
+  const Key started(Secret("a phrase that is started"));
+  started.Start();
+  started.Start();
+  EXPECT_EQ(started.Master(), Key(Secret("a phrase that is started")).Master());
+  EXPECT_EQ(YieldsToPrepare(started), 0);
+}
+
 TEST(Keys, MayBeUsedOnAnyThreadWhileTheyArePrepared) {
   const Key key(Secret("a phrase of threads"));
   const auto work = [&key] {
