@@ -440,10 +440,10 @@ class DirViewTest : public testing::Test {
   DirViewModel model{catalogue};
 };
 
-TEST_F(DirViewTest, HoldsFoldersOfAnyDepth) {
-  constexpr int kDepth = 200'000;
+TEST_F(DirViewTest, HoldsFoldersAsDeepAsACatalogueHas) {
+  constexpr std::size_t kDepth = kMostFolderNodes;
   std::string folder;
-  for (int i = 0; i < kDepth; ++i)
+  for (std::size_t i = 0; i < kDepth; ++i)
     folder += "a\\";
   TreeNode& deepest = catalogue.EnsureFolderNode(Open("/a.png"), folder);
   model.Rebuild();
