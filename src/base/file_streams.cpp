@@ -53,4 +53,11 @@ void FileSink::CopyFrom(File& source, const Path& path, Position from, Length le
   m_next = m_next + length;
 }
 
+void ComparingSink::Write(Bytes bytes) {
+  m_buffer.resize(bytes.size());
+  const std::size_t got = m_file.ReadAt(Position{} + m_compared, m_buffer);
+  m_isSame = m_isSame && got == bytes.size() && std::equal(bytes.begin(), bytes.end(), m_buffer.begin());
+  m_compared += static_cast<Length>(bytes.size());
+}
+
 }  // namespace tarnel

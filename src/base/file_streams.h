@@ -5,6 +5,7 @@
 
 #include "base/bytes.h"
 #include "base/files.h"
+#include "base/secret.h"
 
 namespace tarnel {
 
@@ -48,6 +49,23 @@ class FileSink : public ByteSink {
   File& m_file;
   Position m_start;
   Position m_next;
+};
+
+/// Compares what it is given with a file, from its beginning on.
+class ComparingSink : public ByteSink {
+ public:
+  /// The file must outlive the sink.
+  explicit ComparingSink(File& file) : m_file(file) {}
+
+  void Write(Bytes bytes) override;
+  /// Whether just these bytes were given, of a file of this size.
+  bool WasWholeFile(Length size) const { return m_isSame && size == m_compared; }
+
+ private:
+  File& m_file;
+  WipedBytes m_buffer;
+  Length m_compared = 0;
+  bool m_isSame = true;
 };
 
 /// Counts what it is given and drops it, for checks that need no output.

@@ -17,27 +17,6 @@ namespace tarnel {
 
 namespace {
 
-/// Compares what it is given with a file.
-class ComparingSink : public ByteSink {
- public:
-  explicit ComparingSink(File& original) : m_original(original) {}
-
-  void Write(Bytes bytes) override {
-    m_buffer.resize(bytes.size());
-    const std::size_t got = m_original.ReadAt(Position{} + m_compared, m_buffer);
-    m_isSame = m_isSame && got == bytes.size() && std::equal(bytes.begin(), bytes.end(), m_buffer.begin());
-    m_compared += static_cast<Length>(bytes.size());
-  }
-
-  bool WasWholeFile(Length size) const { return m_isSame && size == m_compared; }
-
- private:
-  File& m_original;
-  WipedBytes m_buffer;
-  Length m_compared = 0;
-  bool m_isSame = true;
-};
-
 class PacedSource : public ByteSource {
  public:
   PacedSource(ByteSource& inner, Pace& pace) : m_inner(inner), m_pace(pace) {}

@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "base/file_streams.h"
 #include "base/formats.h"
 #include "base/printable.h"
 #include "carrier/payload.h"
@@ -30,26 +31,6 @@ RewriteManner Manner() {
 KnownEntry EntryOf(const PreviewParcel& parcel) {
   return {.start = parcel.ViewStart, .size = parcel.ViewSize, .tail = parcel.ViewTail};
 }
-
-/// Compares what it is given with a file.
-class ComparingSink : public ByteSink {
- public:
-  explicit ComparingSink(File& file) : m_file(file) {}
-
-  void Write(Bytes bytes) override {
-    m_buffer.resize(bytes.size());
-    const std::size_t got = m_file.ReadAt(Position{} + m_compared, m_buffer);
-    m_isSame = m_isSame && got == bytes.size() && std::equal(bytes.begin(), bytes.end(), m_buffer.begin());
-    m_compared += static_cast<Length>(bytes.size());
-  }
-  bool WasWholeFile() const { return m_isSame && m_file.Size() == m_compared; }
-
- private:
-  File& m_file;
-  WipedBytes m_buffer;
-  Length m_compared = 0;
-  bool m_isSame = true;
-};
 
 class Update {
  public:
@@ -155,7 +136,7 @@ void Update::MustHoldTheFile(File& preview, Length stored) {
       .plainSize = m_new.ViewPlainSize, .compressed = m_new.ViewCompressed, .seal = m_new.ViewSeal};
   const std::string fault =
       TakeOutPayload(blocks, claims, current.CurrentAlgorithmId, current.CurrentPassword, comparison);
-  if (fault.empty() && comparison.WasWholeFile()) return;
+  if (fault.empty() && comparison.WasWholeFile(preview.Size())) return;
   throw Error(ErrorNumber::DeviceIo,
               "cannot update from " + Printable(m_request.previewFile.native()) +
                   ": the file changed while it was being read",
