@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/attributes.h"
+#include "base/pace.h"
 #include "base/permissions.h"
 #include "base/printable.h"
 #include "carrier/companions.h"
@@ -207,10 +208,13 @@ bool CarrierRewrite::Replace() {
   });
   Must([&] { LockTemporary(); });
   if (!RenameOver()) return false;
+  m_screen.CarrierReplaced();
   try {
-    Attempt(m_screen, m_manner.handler, [&] { m_files.SyncFolder(m_carrierPath.parent_path()); });
+    const auto sync = [this] { m_files.SyncFolder(m_carrierPath.parent_path()); };
+    Attempt(m_screen, m_manner.handler, [&] { RunYielding(m_screen, sync); });
   } catch (const Stop&) {  // nothing can be taken back any more
   }
+  RunYielding(m_screen, [old = std::move(m_carrier)]() mutable { old = nullptr; });
   m_temporary = nullptr;  // unlocked, for whoever reads the new carrier now
   return true;
 }
@@ -218,7 +222,7 @@ bool CarrierRewrite::Replace() {
 void CarrierRewrite::SyncTemporary() {
   if (m_mustWriteAgain) WriteAgain();
   m_mustWriteAgain = true;
-  m_temporary->Sync();
+  RunYielding(m_screen, [this] { m_temporary->Sync(); });
   m_mustWriteAgain = false;
 }
 

@@ -124,9 +124,12 @@ Question ConfirmPreview(std::string_view storedName) {
                  Answer::Yes);
 }
 
-Question ReturnFromView() {
-  return YesOrNo("view.return", kTitle,
-                 "Do you want to delete the temporally extracted file and return to Tarnel?", Answer::Yes);
+Question ReturnFromView(PreviewChange change) {
+  std::string text = "Do you want to delete the temporally extracted file and return to Tarnel?";
+  if (change == PreviewChange::Changed)
+    text += "\r\n\r\nThe file has changed since the last update. What has changed will be lost.";
+  return YesOrNo("view.return", kTitle, std::move(text),
+                 change == PreviewChange::Changed ? Answer::No : Answer::Yes);
 }
 
 Question ReturnWithoutDeletion() {
@@ -147,6 +150,17 @@ Question PreviewStays() {
   return Message("view.attention",
                  "Pay attention! The temporally extracted file could not be destroyed. Please delete it "
                  "manually!");
+}
+
+Question PreviewsLeftBehind(const std::vector<Path>& plainFiles) {
+  Question question = YesOrNo("view.left-behind", kTitle,
+                              "Files that were viewed are still in the temporary folder, where they can be "
+                              "read. What was changed in them since the last update is nowhere else.\r\n\r\n"
+                              "Do you want to destroy them now?",
+                              Answer::No);
+  for (const Path& file : plainFiles)
+    question.list.push_back(Printable(file.native()));
+  return question;
 }
 
 Question ReallyCancel(const char* id, const char* title) {
