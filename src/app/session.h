@@ -87,6 +87,10 @@ class Session {
   /// root is selected if it still stands.
   void HideoutEmptied();
 
+  /// To be called after an operation of our own that may have left the current carrier with its old bytes and
+  /// without a reading, as a cancelled one does: what it did to the carrier's mode is no change by others.
+  void CarrierKeptItsBytes();
+
   /// Puts both views in line with the catalogue: a selected node that is no more is let go and nothing
   /// listed; the list of one that stays is made anew unless its rows are still those of the catalogue.
   /// Whoever let the catalogue be read or rows leave it calls this at the end, whatever that end was.

@@ -117,7 +117,14 @@ TreeNode& Catalogue::EnsureChild(TreeNode& parent, std::string_view text, const 
   return *parent.children.emplace_back(std::move(child));
 }
 
+std::optional<FileStat> Catalogue::ReadAs(const Path& carrier) const {
+  const auto found = m_read.find(carrier);
+  if (found == m_read.end()) return std::nullopt;
+  return found->second;
+}
+
 void Catalogue::RemoveRoot(const Path& carrier) {
+  m_read.erase(carrier);
   std::erase_if(m_roots, [&](const auto& root) { return IsOf(root->hideout, carrier); });
 }
 

@@ -8,6 +8,7 @@
 #include "base/partial_file.h"
 #include "base/temp_names.h"
 #include "carrier/forms/carrier_pass.h"
+#include "formkit/check_carrier.h"
 #include "formkit/guarded.h"
 #include "hiding/forms/frm_hide.h"
 #include "retrieval/forms/frm_carrier_file.h"
@@ -136,6 +137,7 @@ void MainCommands::Hide() {
   const Requested hiding(m_session.HideOpenRequested);
   if (m_session.catalogue.Roots().empty()) Run(CommandId::Open, CommandSource::Toolbar);
   if (m_session.catalogue.Roots().empty()) return;
+  if (CheckCarrier(m_session, m_ports.dialogue, &m_parent) == CarrierCheck::GaveUp) return;
   FrmHide(m_session, m_ports.dialogue, m_ports.openFile, &m_parent).exec();
 }
 
