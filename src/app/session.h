@@ -14,6 +14,7 @@
 #include "base/files.h"
 #include "carrier/catalogue.h"
 #include "carrier/reading.h"
+#include "retrieval/preview.h"
 
 namespace tarnel {
 
@@ -57,6 +58,9 @@ class Session {
   Attention ActiveListHwnd = Attention::DirView;
   bool HideOpenRequested = false;  ///< opening is on behalf of hiding, and starts with a new hideout
   Path CarrierDialogPath;          ///< what the open dialogs chose last
+
+  PreviewParcel previewParcel;   ///< of the entry that is being viewed, as it stands in the carrier now
+  std::size_t ViewRowIndex = 0;  ///< the row of the catalogue that it was taken from
 
   std::string filesPanel;      ///< status text of panel "Files"
   std::string algorithmPanel;  ///< status text of panel "Algorithm"

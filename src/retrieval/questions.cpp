@@ -112,6 +112,12 @@ Question PreviewMissing() {
   return Message("update.missing", "The file doesn't exist!");
 }
 
+Question ViewedEntryGone() {
+  return Message("update.entry-gone",
+                 "The hidden file is no longer in the carrier file: another program has removed or replaced "
+                 "it. The extracted file is still there; save it elsewhere if you want to keep it.");
+}
+
 Question ConfirmUpdate(std::string_view oldSize, std::string_view newSize) {
   return YesOrNo(question_id::kUpdate, kTitle,
                  "The original file size is: " + std::string(oldSize) + " Bites\r\nThe new file size is: " +

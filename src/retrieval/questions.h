@@ -59,6 +59,8 @@ Question PasswordRefused(PasswordFault fault);
 
 /// "update.missing": the previewed file has gone.
 Question PreviewMissing();
+/// "update.entry-gone": another program has taken the entry out of the carrier while it was viewed.
+Question ViewedEntryGone();
 /// "update.confirm"; sizes in bytes, as plain digits.
 Question ConfirmUpdate(std::string_view oldSize, std::string_view newSize);
 

@@ -2,6 +2,7 @@
 
 #include <QUrl>
 
+#include "app/choice.h"
 #include "app/forms/lock_forms.h"
 #include "app/questions.h"
 #include "base/copy_file.h"
@@ -12,7 +13,10 @@
 #include "formkit/guarded.h"
 #include "hiding/forms/frm_hide.h"
 #include "retrieval/forms/frm_carrier_file.h"
+#include "retrieval/forms/frm_password.h"
 #include "retrieval/forms/frm_properties.h"
+#include "retrieval/forms/frm_view.h"
+#include "retrieval/questions.h"
 
 namespace tarnel {
 
@@ -89,6 +93,10 @@ void MainCommands::RunFlow(const Command& command) {
       return m_ports.endProcess();
     case CommandId::Hide:
       return Hide();
+    case CommandId::View:
+      return View();
+    case CommandId::Password:
+      return ChangePassword();
     case CommandId::SelectAll:
       return m_window.SelectAllRows();
     case CommandId::InvertSelection:
@@ -139,6 +147,27 @@ void MainCommands::Hide() {
   if (m_session.catalogue.Roots().empty()) return;
   if (CheckCarrier(m_session, m_ports.dialogue, &m_parent) == CarrierCheck::GaveUp) return;
   FrmHide(m_session, m_ports.dialogue, m_ports.openFile, &m_parent).exec();
+}
+
+/// What was chosen is looked up again behind each box, under which the catalogue may have changed.
+void MainCommands::View() {
+  const Choice choice = ChoiceOf(m_session);
+  const auto& rows = m_session.catalogue.Rows();
+  if (!choice.file || *choice.file >= rows.size()) return;
+  const WipedText name(rows[*choice.file].Name());
+  if (m_ports.dialogue.Ask(questions::ConfirmPreview(name)) != Answer::Yes) return;
+  if (CheckCarrier(m_session, m_ports.dialogue, &m_parent) != CarrierCheck::AsRead) return;
+  const MirrorRow* const row = RowToView(m_session.catalogue, *choice.file, choice.carrier, name);
+  if (row == nullptr) return;
+  m_session.ViewRowIndex = *choice.file;
+  m_session.previewParcel = ParcelOf(*row);
+  FrmView(m_session, m_ports.dialogue, m_ports.openFile, &m_parent).exec();
+}
+
+void MainCommands::ChangePassword() {
+  if (CheckCarrier(m_session, m_ports.dialogue, &m_parent) == CarrierCheck::GaveUp) return;
+  if (m_session.FilesOf(m_session.current.CurrentCarrierPath) == 0) return;
+  FrmPassword(m_session, m_ports.dialogue, &m_parent).exec();
 }
 
 void MainCommands::ShowProperties() {

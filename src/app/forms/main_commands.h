@@ -54,6 +54,8 @@ class MainCommands {
   void NewCarrier();
   void ChooseCarrier();
   void Hide();
+  void View();
+  void ChangePassword();
   void ShowProperties();
   void SaveAs();
   void Configure();
