@@ -202,7 +202,7 @@ void CarrierRewrite::GiveAttributesBack() {
 }
 
 bool CarrierRewrite::Replace() {
-  Must([&] { SyncTemporary(); });
+  Must([&] { RunYielding(m_screen, [this] { SyncTemporary(); }); });
   Must([&] {
     if (const std::unique_ptr<File> closing = std::move(m_temporary)) closing->Close();
   });
@@ -216,6 +216,7 @@ bool CarrierRewrite::Replace() {
   }
   RunYielding(m_screen, [old = std::move(m_carrier)]() mutable { old = nullptr; });
   m_temporary = nullptr;  // unlocked, for whoever reads the new carrier now
+  m_screen.CarrierReplaced();
   return true;
 }
 
