@@ -216,14 +216,13 @@ bool CarrierRewrite::Replace() {
   }
   RunYielding(m_screen, [old = std::move(m_carrier)]() mutable { old = nullptr; });
   m_temporary = nullptr;  // unlocked, for whoever reads the new carrier now
-  m_screen.CarrierReplaced();
   return true;
 }
 
 void CarrierRewrite::SyncTemporary() {
   if (m_mustWriteAgain) WriteAgain();
   m_mustWriteAgain = true;
-  RunYielding(m_screen, [this] { m_temporary->Sync(); });
+  m_temporary->Sync();
   m_mustWriteAgain = false;
 }
 

@@ -27,9 +27,6 @@ class RewriteScreen : public ReadingScreen {
 
   /// The reload found no entry: the visible list is to be emptied, the status bar shows "0 File(s) ".
   virtual void HideoutEmptied() = 0;
-
-  /// The carrier is the new one; nothing can be cancelled any more.
-  virtual void CarrierReplaced() {}
 };
 
 /// What to do with a file that already has the temporary carrier's name: an interrupted run left it, or it is
