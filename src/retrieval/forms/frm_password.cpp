@@ -83,7 +83,7 @@ void FrmPassword::AddFields(QFormLayout& form) {
   AddRow(form, tr("&Old Password:"), txt_oldpass);
   AddRow(form, tr("&New Password:"), txt_newpass);
   AddRow(form, tr("&Retype Password for Confirmation:"), txt_confirm);
-  form.addRow(QString(), Hint(tr("Be aware of upper-/lowercase!")));
+  form.addRow(Hint(tr("Be aware of upper-/lowercase!")));
 }
 
 QWidget* FrmPassword::MakeProgress() {
