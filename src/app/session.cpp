@@ -75,6 +75,19 @@ void Session::HideoutEmptied() {
   SettleTree();
 }
 
+void Session::CarrierKeptItsBytes() {
+  const Path& carrier = current.CurrentCarrierPath;
+  const std::optional<FileStat> read = catalogue.ReadAs(carrier);
+  if (!read) return;
+  try {
+    const std::optional<FileStat> now = files.Stat(carrier);
+    if (now && now->IsSameFile(*read) && now->size == read->size &&
+        now->modifiedNanoseconds == read->modifiedNanoseconds)
+      catalogue.NoteRead(carrier, *now);
+  } catch (const Error&) {  // who looks next says so
+  }
+}
+
 void Session::SettleTree() {
   const TreeNode* const node = SelectedNode();
   if (node == nullptr) {

@@ -14,6 +14,7 @@
 #include "base/files.h"
 #include "carrier/catalogue.h"
 #include "carrier/reading.h"
+#include "retrieval/preview.h"
 
 namespace tarnel {
 
@@ -58,6 +59,9 @@ class Session {
   bool HideOpenRequested = false;  ///< opening is on behalf of hiding, and starts with a new hideout
   Path CarrierDialogPath;          ///< what the open dialogs chose last
 
+  PreviewParcel previewParcel;   ///< of the entry that is being viewed, as it stands in the carrier now
+  std::size_t ViewRowIndex = 0;  ///< the row of the catalogue that it was taken from
+
   std::string filesPanel;      ///< status text of panel "Files"
   std::string algorithmPanel;  ///< status text of panel "Algorithm"
 
@@ -86,6 +90,10 @@ class Session {
   /// The last file of the current hideout has left the catalogue: nothing is listed, "0 File(s) ", and its
   /// root is selected if it still stands.
   void HideoutEmptied();
+
+  /// To be called after an operation of our own that may have left the current carrier with its old bytes and
+  /// without a reading, as a cancelled one does: what it did to the carrier's mode is no change by others.
+  void CarrierKeptItsBytes();
 
   /// Puts both views in line with the catalogue: a selected node that is no more is let go and nothing
   /// listed; the list of one that stays is made anew unless its rows are still those of the catalogue.

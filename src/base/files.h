@@ -150,6 +150,10 @@ class Folder {
 
   /// Sets the permission bits of the open folder itself, which need allow nothing for that.
   virtual void SetMode(mode_t mode) = 0;
+
+  /// Takes the advisory lock for this open folder, as File::Lock does: it says that somebody works with what
+  /// is in it. Gone when the object dies.
+  virtual void Lock() = 0;
 };
 
 /// The port to the platform's files. Everything that touches a disk goes through it, so that tests can let

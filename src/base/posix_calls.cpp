@@ -1,6 +1,7 @@
 #include "base/posix_calls.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
@@ -52,6 +53,15 @@ int StatAt(int folder, const char* name, int flags, FileStat& into) {
   into.modifiedNanoseconds = Nanoseconds(data.stx_mtime);
   into.changedNanoseconds = Nanoseconds(data.stx_ctime);
   return result;
+}
+
+void TakeLock(int descriptor, const Path& path) {
+  if (Uninterrupted([&] { return ::flock(descriptor, LOCK_EX | LOCK_NB); }) == 0) return;
+  const bool cantLock = errno == EOPNOTSUPP || errno == ENOSYS || errno == ENOLCK || errno == EBADF;
+  if (cantLock) return;
+  if (errno != EWOULDBLOCK) throw ErrnoError(errno, "lock", path);
+  throw Error(ErrorNumber::PermissionDenied,
+              "cannot lock " + Printable(path.native()) + ": another Tarnel is working on it", path);
 }
 
 Error NotRegular(FileKind kind, const Path& path) {

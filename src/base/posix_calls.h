@@ -54,6 +54,9 @@ FileKind KindOf(mode_t mode);
 /// fstatat, with the time of birth. Negative with errno set if it fails.
 int StatAt(int folder, const char* name, int flags, FileStat& into);
 
+/// Takes the advisory lock of an open file or folder. Where there are no locks, that is done.
+void TakeLock(int descriptor, const Path& path);
+
 /// "it is a folder" and the like, as a PathFileAccess.
 Error NotRegular(FileKind kind, const Path& path);
 

@@ -1,5 +1,4 @@
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
@@ -167,12 +166,7 @@ void PosixFile::Sync() {
 }
 
 void PosixFile::Lock() {
-  if (Uninterrupted([&] { return ::flock(Number(), LOCK_EX | LOCK_NB); }) == 0) return;
-  const bool cantLock = errno == EOPNOTSUPP || errno == ENOSYS || errno == ENOLCK || errno == EBADF;
-  if (cantLock) return;
-  if (errno != EWOULDBLOCK) throw ErrnoError(errno, "lock", m_path);
-  throw Error(ErrorNumber::PermissionDenied,
-              "cannot lock " + Printable(m_path.native()) + ": another Tarnel is working on it", m_path);
+  TakeLock(Number(), m_path);
 }
 
 void PosixFile::Close() {

@@ -37,12 +37,14 @@ class PosixFolder : public Folder {
   void RemoveFolder(std::string_view name) override;
   std::vector<FolderEntry> List() override;
   void SetMode(mode_t mode) override;
+  void Lock() override;
 
  private:
   int Number() const { return m_descriptor.Get(); }
   Error CannotEnter(int code, const Path& path, const std::optional<FileStat>& found) const;
 
   Descriptor m_descriptor;
+  std::unique_ptr<Descriptor> m_lock;  ///< what only names a place takes no lock
   Path m_path;
 };
 
@@ -107,6 +109,13 @@ void PosixFolder::SetMode(mode_t mode) {
   const std::string self = "/proc/self/fd/" + std::to_string(Number());
   if (::chmod(self.c_str(), mode) == 0) return;
   Checked(::fchmodat(Number(), ".", mode, 0), "change the permissions of", m_path);
+}
+
+void PosixFolder::Lock() {
+  const auto open = [this] { return ::openat(Number(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC); };
+  auto lock = std::make_unique<Descriptor>(Checked(Uninterrupted(open), "lock", m_path));
+  TakeLock(lock->Get(), m_path);
+  m_lock = std::move(lock);
 }
 
 FileKind KindOfEntry(DIR* folder, const dirent& entry) {

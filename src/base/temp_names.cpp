@@ -38,12 +38,8 @@ Path SystemTempFolder() {
   return named != nullptr && *named == '/' ? named : "/tmp";
 }
 
-Path MakeTempFolderName() {
-  return SystemTempFolder() / RandomName("");
-}
-
-Path MakeTempFolder(Files& files) {
-  Path path = MakeTempFolderName();
+Path MakeTempFolder(Files& files, std::string_view prefix) {
+  Path path = SystemTempFolder() / RandomName(prefix);
   files.CreateFolder(path, 0700);
   return path;
 }

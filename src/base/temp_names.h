@@ -14,11 +14,8 @@ std::string RandomName(std::string_view prefix);
 /// $TMPDIR if it is an absolute path, else /tmp.
 Path SystemTempFolder();
 
-/// A free path in the system's temporary folder, without an extension. Nothing is made there.
-Path MakeTempFolderName();
-
 /// Makes a new folder in the system's temporary folder that only the user can enter (0700), and gives its
-/// path.
-Path MakeTempFolder(Files& files);
+/// path. Its name is RandomName of the prefix.
+Path MakeTempFolder(Files& files, std::string_view prefix);
 
 }  // namespace tarnel

@@ -130,7 +130,14 @@ TreeNode* Catalogue::EnsureChild(TreeNode& root, TreeNode& parent, std::string_v
   return parent.children.emplace_back(std::move(child)).get();
 }
 
+std::optional<FileStat> Catalogue::ReadAs(const Path& carrier) const {
+  const auto found = m_read.find(carrier);
+  if (found == m_read.end()) return std::nullopt;
+  return found->second;
+}
+
 void Catalogue::RemoveRoot(const Path& carrier) {
+  m_read.erase(carrier);
   std::erase_if(m_roots, [&](const auto& root) { return IsOf(root->hideout, carrier); });
 }
 

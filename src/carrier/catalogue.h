@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -93,6 +94,11 @@ class Catalogue {
   /// no folder gets another's place or name.
   TreeNode& EnsureFolderNode(TreeNode& root, std::string_view folder);
 
+  /// What the carrier's file was when its hideout was read in full the last time; nothing if it wasn't, or
+  /// the hideout is a new one.
+  void NoteRead(const Path& carrier, const FileStat& read) { m_read[carrier] = read; }
+  std::optional<FileStat> ReadAs(const Path& carrier) const;
+
   void RemoveRoot(const Path& carrier);
   void RemoveRows(const Path& carrier);
   /// All nodes of the carrier but its root.
@@ -107,6 +113,7 @@ class Catalogue {
 
   std::vector<std::unique_ptr<TreeNode>> m_roots;
   std::vector<MirrorRow> m_rows;
+  std::map<Path, FileStat> m_read;  ///< of those in m_roots
 };
 
 }  // namespace tarnel

@@ -22,7 +22,7 @@ class Loader {
 
   LoadOutcome Run() {
     const LoadResult result = Load();
-    return {.result = result, .faults = std::move(m_faults)};
+    return {.result = result, .faults = std::move(m_faults), .wasLeft = m_wasLeft};
   }
 
  private:
@@ -41,7 +41,7 @@ class Loader {
       case End::KeptOpen:
         return LoadResult::KeptOpen;
       case End::LeftAtError:
-        break;
+        m_wasLeft = true;
     }
     return LoadResult::NotFound;
   }
@@ -54,7 +54,7 @@ class Loader {
 
   End ReadEntries() {
     try {
-      if (!m_walk.Open(m_reading.files, m_request.carrier)) return End::Normal;
+      if (!m_walk.Open(m_reading.files, m_request.carrier)) return End::LeftAtError;
       for (;;) {
         m_screen.Yield();
         if (m_reading.guards.AbortReadingFlag) return End::Aborted;
@@ -155,6 +155,7 @@ class Loader {
 
   LoadResult EndNormally() {
     if (m_count == 0) return LoadResult::NotFound;
+    m_reading.catalogue.NoteRead(m_request.carrier, m_walk.Entries().Opened());
     m_screen.HideoutLoaded(*m_root, m_count);
     m_reading.current = CurrentOf(*m_root->hideout);
     return LoadResult::Loaded;
@@ -179,6 +180,7 @@ class Loader {
   GuardedWalk m_walk{[this](const std::function<void()>& step) { return Try(step); }, m_request.opened};
   TreeNode* m_root = nullptr;
   std::size_t m_count = 0;
+  bool m_wasLeft = false;
   ChainFaults m_faults;
 };
 

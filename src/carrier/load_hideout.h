@@ -25,6 +25,8 @@ enum class LoadResult {
 struct LoadOutcome {
   LoadResult result = LoadResult::NotFound;
   ChainFaults faults = {};
+  bool wasLeft =
+      false;  ///< NotFound because the person left at an error, or ignored that the carrier can't be opened
 };
 
 /// The caller need not try further.

@@ -23,11 +23,11 @@ constexpr std::size_t kMostSteps = 65'536;
 Walk::Walk(File& carrier, Path name)
     : m_carrier(carrier),
       m_name(std::move(name)),
-      m_size(carrier.Size()),
-      m_cursor(Position{} + m_size - Length{kTrailerSize}) {}
+      m_opened(carrier.Stat()),
+      m_cursor(Position{} + m_opened.size - Length{kTrailerSize}) {}
 
 bool Walk::Rewind() {
-  m_cursor = Position{} + m_size - Length{kTrailerSize};
+  m_cursor = Position{} + m_opened.size - Length{kTrailerSize};
   m_ended = m_hasEntry = false;
   m_brokenAt.reset();
   m_passedEntries = 0;
@@ -173,7 +173,7 @@ std::string Walk::ReadTail() {
 }
 
 Length Walk::Passed() const {
-  return m_size - m_cursor.value;
+  return m_opened.size - m_cursor.value;
 }
 
 std::string Walk::Slice(Position from, Length length) {

@@ -90,7 +90,9 @@ class Walk {
 
   /// Bytes between the trailer now being looked at and the end of the carrier.
   Length Passed() const;
-  Length CarrierSize() const { return m_size; }
+  Length CarrierSize() const { return m_opened.size; }
+  /// The carrier as it was before its first byte was read.
+  const FileStat& Opened() const { return m_opened; }
 
  private:
   /// Enough of a record to see whether a key fits.
@@ -122,7 +124,7 @@ class Walk {
 
   File& m_carrier;
   Path m_name;
-  Length m_size;
+  FileStat m_opened;
   Position m_cursor;  ///< of the next trailer to read
   bool m_ended = false;
   bool m_hasEntry = false;  ///< m_entry is one

@@ -36,13 +36,6 @@ void HideOnTerminal::ShowProgress(double value, double maximum) {
   if (!m_file.empty()) Talk().Progress().Show(std::llround(value), std::llround(maximum));
 }
 
-Answer ExtractOnTerminal::Ask(const Question& question) {
-  const Answer answer = OnTerminal::Ask(question);
-  if (question.buttons == Buttons::YesNoOverwriteAll && answer == Answer::No)
-    m_keptExisting.push_back(m_target);
-  return answer;
-}
-
 void HideOnTerminal::ShowOriginal(OriginalStep step, const Path& original, std::size_t number,
                                   std::size_t count) {
   const char* const what = step == OriginalStep::Comparing ? "Comparing " : "Removing ";
@@ -50,9 +43,7 @@ void HideOnTerminal::ShowOriginal(OriginalStep step, const Path& original, std::
                              original.filename().native());
 }
 
-void ExtractOnTerminal::ShowFile(std::size_t number, std::size_t count, std::string_view storedName, Length,
-                                 const Path& target) {
-  m_target = target;
+void ExtractOnTerminal::ShowFile(std::size_t number, std::size_t count, std::string_view storedName, Length) {
   Talk().Progress().SetLabel(Counter(number, count) + ToPlatform(storedName));
 }
 

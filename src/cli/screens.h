@@ -73,16 +73,9 @@ class ExtractOnTerminal : public OnTerminal<ExtractScreen> {
  public:
   using OnTerminal::OnTerminal;
 
-  Answer Ask(const Question& question) override;
-  void ShowFile(std::size_t number, std::size_t count, std::string_view storedName, Length size,
-                const Path& target) override;
+  void ShowFile(std::size_t number, std::size_t count, std::string_view storedName, Length size) override;
+  void ShowTarget(const Path&) override {}
   void ShowProgress(Length value, Length maximum) override;
-
-  const std::vector<Path>& KeptExisting() const { return m_keptExisting; }
-
- private:
-  Path m_target;
-  std::vector<Path> m_keptExisting;
 };
 
 class SalvageOnTerminal : public OnTerminal<SalvageScreen> {

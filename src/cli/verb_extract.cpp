@@ -81,17 +81,15 @@ ExtractRequest RequestFor(const Workbench& bench, const ExtractOptions& options,
   return request;
 }
 
-void Report(const ExtractOptions& options, const ExtractResult& result, const ExtractOnTerminal& screen,
-            Surroundings& around) {
+void Report(const ExtractOptions& options, const ExtractResult& result, Surroundings& around) {
   PutBytes(around.report, "target", options.target);
   around.report["extracted"] = result.extracted;
-  around.report["kept_existing"] = JsonOfNames(screen.KeptExisting());
+  around.report["kept_existing"] = JsonOfNames(result.keptExisting);
   around.report["damaged"] = JsonOfNames(NamesOf(result.damaged));
   around.report["left_out"] = JsonOfNames(NamesOf(result.leftOut));
-  if (result.keptExisting > 0) {
-    around.messages.Warn(std::to_string(result.keptExisting) + (result.keptExisting == 1
-                                                                    ? " existing file was kept"
-                                                                    : " existing files were kept"));
+  if (const std::size_t kept = result.keptExisting.size(); kept > 0) {
+    around.messages.Warn(std::to_string(kept) +
+                         (kept == 1 ? " existing file was kept" : " existing files were kept"));
   }
   around.messages.Note(std::to_string(result.extracted) + (result.extracted == 1 ? " file" : " files") +
                        " extracted to " + Printable(options.target));
@@ -100,7 +98,7 @@ void Report(const ExtractOptions& options, const ExtractResult& result, const Ex
 ExitCode CodeOf(const ExtractResult& result) {
   if (!result.damaged.empty()) return ExitCode::Damaged;
   if (!result.leftOut.empty()) return ExitCode::PartlyDone;
-  return result.keptExisting > 0 ? ExitCode::OutputExists : ExitCode::Done;
+  return !result.keptExisting.empty() ? ExitCode::OutputExists : ExitCode::Done;
 }
 
 void SayWhatIsOlder(std::size_t count, Surroundings& around) {
@@ -133,7 +131,7 @@ ExitCode ToFolder(Workbench& bench, const ExtractOptions& options, const Rows& c
     throw CliFailure(ExitCode::Cancelled,
                      "cancelled after " + std::to_string(result.extracted) + " extracted files");
   }
-  Report(options, result, screen, around);
+  Report(options, result, around);
   return bench.CodeOfReading(CodeOf(result));
 }
 

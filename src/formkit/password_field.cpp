@@ -92,9 +92,9 @@ void PasswordField::SetShown(bool isShown) {
 void PasswordField::keyPressEvent(QKeyEvent* event) {
   if (IsForbidden(event)) return;
   if (event->matches(QKeySequence::Paste)) {
-    Insert(QGuiApplication::clipboard()->text());
+    Insert(QGuiApplication::clipboard()->text(), Origin::Pasted);
   } else if (IsTyping(*event)) {
-    Insert(event->text());
+    Insert(event->text(), Origin::Typed);
   } else {
     LetLineEdit(event);
   }
@@ -108,21 +108,21 @@ void PasswordField::LetLineEdit(QKeyEvent* event) {
 }
 
 void PasswordField::inputMethodEvent(QInputMethodEvent* event) {
-  Insert(event->commitString());
+  Insert(event->commitString(), Origin::Typed);
   event->accept();
 }
 
 void PasswordField::mouseReleaseEvent(QMouseEvent* event) {
   if (event->button() == Qt::MiddleButton) {
     if (QGuiApplication::clipboard()->supportsSelection()) {
-      Insert(QGuiApplication::clipboard()->text(QClipboard::Selection));
+      Insert(QGuiApplication::clipboard()->text(QClipboard::Selection), Origin::Pasted);
     }
     return;
   }
   QLineEdit::mouseReleaseEvent(event);
 }
 
-void PasswordField::Insert(const QString& typed) {
+void PasswordField::Insert(const QString& typed, Origin origin) {
   Characters fresh;
   for (qsizetype i = 0; i < typed.size(); ++i) {
     char32_t code = typed[i].unicode();
@@ -130,7 +130,8 @@ void PasswordField::Insert(const QString& typed) {
       code = QChar::surrogateToUcs4(typed[i], typed[i + 1]);
       ++i;
     }
-    const bool isRefused = code < 0x80 && m_refuses && m_refuses(static_cast<char>(code));
+    const bool isRefused =
+        origin == Origin::Typed && code < 0x80 && m_refuses && m_refuses(static_cast<char>(code));
     if (!isRefused && code >= ' ' && !QChar::isSurrogate(code)) fresh.push_back(code);
   }
   if (fresh.empty() || m_characters.size() + fresh.size() > static_cast<std::size_t>(maxLength())) return;

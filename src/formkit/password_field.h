@@ -27,7 +27,8 @@ class PasswordField : public QLineEdit {
   /// Shown, the characters are painted one by one in a font of fixed width.
   void SetShown(bool isShown);
 
-  /// Characters for which `refuses` is true can't be entered.
+  /// Characters for which `refuses` is true can't be typed. What is pasted is taken as it is: a password that
+  /// silently lost some of its characters would lock its owner out.
   void SetRefused(std::function<bool(char)> refuses) { m_refuses = std::move(refuses); }
 
  protected:
@@ -39,7 +40,8 @@ class PasswordField : public QLineEdit {
  private:
   using Characters = std::vector<char32_t, WipingAllocator<char32_t>>;
 
-  void Insert(const QString& text);
+  enum class Origin { Typed, Pasted };
+  void Insert(const QString& text, Origin origin);
   void RemoveCharacters(qsizetype at, qsizetype count);
   void LetLineEdit(QKeyEvent* event);
   void PaintCharacters();

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/attributes.h"
+#include "base/pace.h"
 #include "base/permissions.h"
 #include "base/printable.h"
 #include "carrier/companions.h"
@@ -202,16 +203,19 @@ void CarrierRewrite::GiveAttributesBack() {
 }
 
 bool CarrierRewrite::Replace() {
-  Must([&] { SyncTemporary(); });
+  Must([&] { RunYielding(m_screen, [this] { SyncTemporary(); }); });
   Must([&] {
     if (const std::unique_ptr<File> closing = std::move(m_temporary)) closing->Close();
   });
   Must([&] { LockTemporary(); });
   if (!RenameOver()) return false;
+  m_screen.CarrierReplaced();
   try {
-    Attempt(m_screen, m_manner.handler, [&] { m_files.SyncFolder(m_carrierPath.parent_path()); });
+    const auto sync = [this] { m_files.SyncFolder(m_carrierPath.parent_path()); };
+    Attempt(m_screen, m_manner.handler, [&] { RunYielding(m_screen, sync); });
   } catch (const Stop&) {  // nothing can be taken back any more
   }
+  RunYielding(m_screen, [old = std::move(m_carrier)]() mutable { old = nullptr; });
   m_temporary = nullptr;  // unlocked, for whoever reads the new carrier now
   return true;
 }

@@ -22,6 +22,9 @@ class RewriteScreen : public ReadingScreen {
  public:
   virtual void ShowProgress(Length value, Length maximum) = 0;
 
+  /// The new carrier is in the old one's place: from here on nothing can be cancelled.
+  virtual void CarrierReplaced() {}
+
   /// The reload found no entry: the visible list is to be emptied, the status bar shows "0 File(s) ".
   virtual void HideoutEmptied() = 0;
 };
@@ -101,7 +104,7 @@ class CarrierRewrite {
   /// group as TakeAccessOf gives them; nothing is locked then. False if the rename failed, which the person
   /// has been told: Abort at giving the old carrier its mode back changes nothing of that. Once the rename is
   /// made Abort means no more than Ignore. Where a sync fails, Retry writes all bytes again first: those kept
-  /// from the carrier, the others if they still read as they were written.
+  /// from the carrier, the others if they still read as they were written. Yields while the platform writes.
   bool Replace();
 
   /// Runs a statement under the manner's handler; Ignore ends the run as Abort does.

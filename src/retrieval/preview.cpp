@@ -17,6 +17,7 @@
 #include "carrier/stored_text.h"
 #include "crypto/keys.h"
 #include "retrieval/block_source.h"
+#include "retrieval/left_previews.h"
 #include "retrieval/questions.h"
 
 namespace tarnel {
@@ -57,9 +58,7 @@ class Viewing {
   ViewScreen& m_screen;
   const ShellOpen& m_shellOpen;
   const std::string m_name;
-  std::unique_ptr<Folder> m_folder;
   std::unique_ptr<File> m_plain;  ///< until an application may open it
-  FileStat m_made;                ///< of the whole plain file
   ViewResult m_result;
 };
 
@@ -67,10 +66,11 @@ ViewResult Viewing::Run() {
   try {
     m_reading.current.CurrentPassword.Prepare([this] { m_screen.Yield(); });
     Must([this] { MakeFolder(); });
-    m_screen.ShowExtractingTo(m_folder->Where() / m_name);
+    m_screen.ShowExtractingTo(m_result.folder->Where() / m_name);
     m_screen.Yield();
     Must([this] { Extract(); });
     Must([this] { Close(); });
+    if (m_screen.CancelRequested()) throw Stop{StopReason::Cancelled};
     Try([this] { m_shellOpen(m_result.PreviewFolder); });
     Try([this] { m_shellOpen(m_result.PreviewFile); });
     m_screen.ShowProgress(m_parcel.ViewSize, m_parcel.ViewSize);
@@ -81,19 +81,21 @@ ViewResult Viewing::Run() {
 }
 
 void Viewing::MakeFolder() {
-  if (m_result.PreviewFolder.empty()) m_result.PreviewFolder = MakeTempFolder(m_reading.files);
-  m_folder = m_reading.files.OpenFolder(m_result.PreviewFolder);
-  m_folder->Stat(m_name);  // refuses a name that isn't one
+  if (m_result.PreviewFolder.empty())
+    m_result.PreviewFolder = MakeTempFolder(m_reading.files, kPreviewPrefix);
+  m_result.folder = m_reading.files.OpenFolder(m_result.PreviewFolder);
+  m_result.folder->Lock();
+  m_result.folder->Stat(m_name);  // refuses a name that isn't one
 }
 
 /// Tried again, it writes over what it has written.
 void Viewing::Extract() {
   if (!m_plain) {
-    m_plain = m_folder->CreateNew(m_name, 0600);
-    m_result.PreviewFile = m_folder->Where() / m_name;
+    m_plain = m_result.folder->CreateNew(m_name, 0600);
+    m_result.PreviewFile = m_result.folder->Where() / m_name;
   }
   m_plain->Truncate(TakeOut(*m_plain));
-  m_made = m_plain->Stat();
+  m_result.seen = m_plain->Stat();
 }
 
 Length Viewing::TakeOut(File& plain) {
@@ -134,7 +136,7 @@ void Viewing::CleanUp(ViewEnding ending) {
 bool Viewing::DestroyPlain() {
   try {
     Attempt(m_screen, {OverwriteError}, [this] { OverwritePlain(); });
-    return Attempt(m_screen, {OverwriteError}, [this] { m_folder->Remove(m_name); }) == Outcome::Done;
+    return Attempt(m_screen, {OverwriteError}, [this] { m_result.folder->Remove(m_name); }) == Outcome::Done;
   } catch (const Stop&) {
     return false;
   }
@@ -155,7 +157,7 @@ void Viewing::OverwritePlain() {
 
 std::unique_ptr<File> Viewing::OpenMade() {
   std::unique_ptr<File> file = m_reading.files.OpenToChange(m_result.PreviewFile);
-  if (file->Stat().IsSameFile(m_made)) return file;
+  if (file->Stat().IsSameFile(m_result.seen)) return file;
   throw Error(
       ErrorNumber::PathFileAccess,
       "cannot overwrite " + Printable(m_result.PreviewFile.native()) + ": another file has taken its place",
@@ -187,8 +189,8 @@ class ReturnDialogue : public Dialogue {
   Dialogue& m_person;
 };
 
-bool WantsToLeave(Dialogue& dialogue) {
-  return dialogue.Ask(questions::ReturnFromView()) == Answer::Yes ||
+bool WantsToLeave(PreviewChange change, Dialogue& dialogue) {
+  return dialogue.Ask(questions::ReturnFromView(change)) == Answer::Yes ||
          dialogue.Ask(questions::ReturnWithoutDeletion()) == Answer::Yes;
 }
 
@@ -201,9 +203,13 @@ bool IsThere(const Path& file, Dialogue& person, Files& files) {
 
 ViewReturn Return(const ViewResult& view, Dialogue& dialogue, Files& files) {
   ReturnDialogue person(dialogue);
+  const PreviewChange change = ChangeOf(view, files);
   for (;;) {
-    if (!WantsToLeave(dialogue)) return ViewReturn::Stay;
-    if (!IsThere(view.PreviewFile, person, files)) return ViewReturn::Leave;
+    if (!WantsToLeave(change, dialogue)) return ViewReturn::Stay;
+    if (!IsThere(view.PreviewFile, person, files)) {
+      OfferLeftPreview(view.PreviewFolder, dialogue, files);
+      return ViewReturn::Leave;
+    }
     if (OverwriteAndKill(view.PreviewFile, dialogue, files)) break;
     if (dialogue.Ask(questions::PreviewLocked()) != Answer::Retry) break;
   }
@@ -227,9 +233,22 @@ PreviewParcel ParcelOf(const MirrorRow& row) {
           .ViewTail = row.tail};
 }
 
+PreviewChange ChangeOf(const ViewResult& view, Files& files) {
+  try {
+    const std::optional<FileStat> now = files.Stat(view.PreviewFile);
+    if (!now) return PreviewChange::Gone;
+    const bool isSame =
+        now->size == view.seen.size && now->modifiedNanoseconds == view.seen.modifiedNanoseconds;
+    return isSame ? PreviewChange::None : PreviewChange::Changed;
+  } catch (const Error&) {
+    return PreviewChange::Changed;
+  }
+}
+
 ViewResult RunView(const PreviewParcel& parcel, const Reading& reading, ViewScreen& screen,
                    const ShellOpen& shellOpen) {
-  if (reading.guards.ViewBusy) return {.ending = ViewEnding::Busy, .PreviewFolder = {}, .PreviewFile = {}};
+  if (reading.guards.ViewBusy)
+    return {.ending = ViewEnding::Busy, .PreviewFolder = {}, .PreviewFile = {}, .seen = {}};
   const BusyView busy(reading.guards);
   return Viewing(parcel, reading, screen, shellOpen).Run();
 }

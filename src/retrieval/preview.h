@@ -1,7 +1,9 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
+#include <string_view>
 
 #include "base/dialogue.h"
 #include "base/files.h"
@@ -27,6 +29,9 @@ struct PreviewParcel {
 };
 
 PreviewParcel ParcelOf(const MirrorRow& row);
+
+/// What the name of every PreviewFolder begins with.
+inline constexpr std::string_view kPreviewPrefix = "tarnel-view-";
 
 /// What viewing shows.
 class ViewScreen : public virtual Dialogue {
@@ -64,20 +69,30 @@ struct ViewResult {
   /// The plain file in it, 0600; its attributes play no part. Empty where none was made or none is left:
   /// where a Cancelled or Aborted view has one, it could not be destroyed, and the person has been told.
   Path PreviewFile;
+  FileStat seen;  ///< of the file as its entry holds it; an update that was Done brings a newer one
+  /// Locked as long as this or a copy lives, which says that the view is not over.
+  std::shared_ptr<Folder> folder = nullptr;
 };
+
+enum class PreviewChange { None, Changed, Gone };
+
+/// Whether the plain file differs from what its entry holds, by size and time. What can't be looked at counts
+/// as Changed.
+PreviewChange ChangeOf(const ViewResult& view, Files& files);
 
 /// Extracts the entry of the current carrier into a folder of its own, then opens that folder and the file.
 /// A name that would lead out of that folder is an Error BadFileName that is asked about as any other; no
-/// file but the one made here is ever touched. Cancel is looked at behind each full block. What a cancelled
-/// or aborted view has written is overwritten in its own length, so that a full disk doesn't stand against
-/// it, and removed.
+/// file but the one made here is ever touched. Cancel is looked at behind each full block, and before
+/// anything is opened with the desktop. What a cancelled or aborted view has written is overwritten in its
+/// own length, so that a full disk doesn't stand against it, and removed.
 ViewResult RunView(const PreviewParcel& parcel, const Reading& reading, ViewScreen& screen,
                    const ShellOpen& shellOpen);
 
 enum class ViewReturn { Stay, Leave };
 
-/// Asks whether to go back, and if so overwrites and deletes the file of a view that was Shown, and removes
-/// its folder with all that the application has put there. If the file has gone, the folder stays. Leave is
+/// Asks whether to go back, saying so if the file has changed since the last update, and if so overwrites and
+/// deletes the file of a view that was Shown, and removes its folder with all that the application has put
+/// there. If the file has gone, the folder stays; whatever lies in it is offered for destruction. Leave is
 /// also the answer where something could not be looked at or destroyed; the person has then been told. Stay
 /// without a question while another view, an update or a return runs.
 ViewReturn ReturnFromView(const ViewResult& view, const Reading& reading, Dialogue& dialogue);

@@ -112,6 +112,12 @@ Question PreviewMissing() {
   return Message("update.missing", "The file doesn't exist!");
 }
 
+Question ViewedEntryGone() {
+  return Message("update.entry-gone",
+                 "The hidden file is no longer in the carrier file: another program has removed or replaced "
+                 "it. The extracted file is still there; save it elsewhere if you want to keep it.");
+}
+
 Question ConfirmUpdate(std::string_view oldSize, std::string_view newSize) {
   return YesOrNo(question_id::kUpdate, kTitle,
                  "The original file size is: " + std::string(oldSize) + " Bites\r\nThe new file size is: " +
@@ -124,9 +130,12 @@ Question ConfirmPreview(std::string_view storedName) {
                  Answer::Yes);
 }
 
-Question ReturnFromView() {
-  return YesOrNo("view.return", kTitle,
-                 "Do you want to delete the temporally extracted file and return to Tarnel?", Answer::Yes);
+Question ReturnFromView(PreviewChange change) {
+  std::string text = "Do you want to delete the temporally extracted file and return to Tarnel?";
+  if (change == PreviewChange::Changed)
+    text += "\r\n\r\nThe file has changed since the last update. What has changed will be lost.";
+  return YesOrNo("view.return", kTitle, std::move(text),
+                 change == PreviewChange::Changed ? Answer::No : Answer::Yes);
 }
 
 Question ReturnWithoutDeletion() {
@@ -147,6 +156,17 @@ Question PreviewStays() {
   return Message("view.attention",
                  "Pay attention! The temporally extracted file could not be destroyed. Please delete it "
                  "manually!");
+}
+
+Question PreviewsLeftBehind(const std::vector<Path>& plainFiles) {
+  Question question = YesOrNo("view.left-behind", kTitle,
+                              "Files that were viewed are still in the temporary folder, where they can be "
+                              "read. What was changed in them since the last update is nowhere else.\r\n\r\n"
+                              "Do you want to destroy them now?",
+                              Answer::No);
+  for (const Path& file : plainFiles)
+    question.list.push_back(Printable(file.native()));
+  return question;
 }
 
 Question ReallyCancel(const char* id, const char* title) {

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <string_view>
+#include <vector>
 
 #include "base/dialogue.h"
 #include "base/error.h"
 #include "base/files.h"
 #include "carrier/chain.h"
+#include "retrieval/preview.h"
 #include "retrieval/run_password.h"
 
 /// What those who answer by rule know questions by.
@@ -57,6 +59,8 @@ Question PasswordRefused(PasswordFault fault);
 
 /// "update.missing": the previewed file has gone.
 Question PreviewMissing();
+/// "update.entry-gone": another program has taken the entry out of the carrier while it was viewed.
+Question ViewedEntryGone();
 /// "update.confirm"; sizes in bytes, as plain digits.
 Question ConfirmUpdate(std::string_view oldSize, std::string_view newSize);
 
@@ -64,10 +68,13 @@ Question ConfirmUpdate(std::string_view oldSize, std::string_view newSize);
 Question ConfirmPreview(std::string_view storedName);
 /// "view.return", then "view.return-without"; "view.locked": it could not be destroyed; "view.attention": and
 /// it stays.
-Question ReturnFromView();
+/// The first says so in one more line if the file has changed since the last update, and then presets No.
+Question ReturnFromView(PreviewChange change);
 Question ReturnWithoutDeletion();
 Question PreviewLocked();
 Question PreviewStays();
+/// "view.left-behind": plain files that a view has left; Yes destroys them, No is preset.
+Question PreviewsLeftBehind(const std::vector<Path>& plainFiles);
 
 /// "extract.cancel" and its like: what a form asks before it asks its operation to stop.
 Question ReallyCancel(const char* id, const char* title);

@@ -47,7 +47,7 @@ class Extraction {
     std::shared_ptr<Folder> folder;
     std::string name;
     Path path;
-    bool exists = false;
+    std::optional<FileStat> found;
   };
 
   const MirrorRow& Row(std::size_t index) const { return m_catalogue.Rows()[index]; }
@@ -58,7 +58,7 @@ class Extraction {
   std::unique_ptr<Folder> OpenExtractTo();
   std::shared_ptr<Folder> FolderFor(const MirrorRow& row);
   std::unique_ptr<Folder> TargetFolder(const MirrorRow& row);
-  bool MayBeWritten(const Target& target);
+  bool MayBeWritten(const MirrorRow& row, const Target& target);
   void WriteTarget(const MirrorRow& row, Target& target);
   void TakeOut(const MirrorRow& row, File& plain);
   File& Carrier();
@@ -107,11 +107,12 @@ void Extraction::WriteThrough() {
 
 void Extraction::ExtractEntry(const MirrorRow& row, std::size_t number, std::size_t count) {
   if (m_screen.CancelRequested()) throw Stop{StopReason::Cancelled};
+  m_screen.ShowFile(number, count, row.Name(), row.size);
   Target target;
   if (Try(row, [&] { target = FindTarget(row); }) == Outcome::Ignored) return;
-  m_screen.ShowFile(number, count, row.Name(), row.size, target.path);
-  if (!MayBeWritten(target)) {
-    ++m_result.keptExisting;
+  m_screen.ShowTarget(target.path);
+  if (!MayBeWritten(row, target)) {
+    m_result.keptExisting.push_back(target.path);
     return;
   }
   if (Try(row, [&] { WriteTarget(row, target); }) == Outcome::Done) ++m_result.extracted;
@@ -121,10 +122,9 @@ Extraction::Target Extraction::FindTarget(const MirrorRow& row) {
   Target target;
   target.folder = FolderFor(row);
   target.name = ToPlatform(row.Name());
-  const std::optional<FileStat> found = target.folder->Stat(target.name);
+  target.found = target.folder->Stat(target.name);
   target.path = target.folder->Where() / target.name;
-  target.exists = found.has_value();
-  if (found) MustBeReplaceable(*found, target.path);
+  if (target.found) MustBeReplaceable(*target.found, target.path);
   return target;
 }
 
@@ -172,10 +172,10 @@ std::unique_ptr<Folder> Extraction::OpenExtractTo() {
       ->Enter(folder.filename().native(), Folder::IfMissing::Create);
 }
 
-bool Extraction::MayBeWritten(const Target& target) {
-  if (!target.exists || m_overwriteAll) return true;
+bool Extraction::MayBeWritten(const MirrorRow& row, const Target& target) {
+  if (!target.found || m_overwriteAll) return true;
   CloseAll();
-  const Answer answer = m_screen.Ask(questions::Overwrite(target.path));
+  const Answer answer = m_screen.AskToOverwrite(questions::Overwrite(target.path), *target.found, row);
   m_overwriteAll = answer == Answer::OverwriteAll;
   return m_overwriteAll || answer == Answer::Yes;
 }

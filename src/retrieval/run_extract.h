@@ -13,8 +13,15 @@ namespace tarnel {
 /// What an extraction shows while it runs.
 class ExtractScreen : public virtual Dialogue {
  public:
-  virtual void ShowFile(std::size_t number, std::size_t count, std::string_view storedName, Length size,
-                        const Path& target) = 0;
+  /// The target of `entry` is there already. Asks `question` (questions::Overwrite), which more can be shown
+  /// with.
+  virtual Answer AskToOverwrite(const Question& question, const FileStat&, const MirrorRow&) {
+    return Ask(question);
+  }
+  /// File `number` of `count` begins. Whatever is said until the next call belongs to it.
+  virtual void ShowFile(std::size_t number, std::size_t count, std::string_view storedName, Length size) = 0;
+  /// Where it goes, once that is known.
+  virtual void ShowTarget(const Path& target) = 0;
   virtual void ShowProgress(Length value, Length maximum) = 0;
 };
 
@@ -44,7 +51,7 @@ enum class ExtractEnding { Done, NothingChosen, Cancelled, Aborted };
 struct ExtractResult {
   ExtractEnding ending = ExtractEnding::Done;
   std::size_t extracted = 0;
-  std::size_t keptExisting = 0;      ///< targets that stood already and were kept
+  std::vector<Path> keptExisting;    ///< targets that stood already and were kept
   std::vector<std::string> damaged;  ///< stored names of entries that don't authenticate; no file was made
   std::vector<std::string> leftOut;  ///< stored names passed over by Ignore
 };

@@ -20,13 +20,6 @@ RewriteManner Manner(const bool& isDamaged) {
           .notReplaced = questions::PasswordNotReplaced};
 }
 
-std::optional<PasswordFault> FaultOf(const PasswordRequest& request, const Key& current) {
-  if (!(request.oldPassword == current)) return PasswordFault::OldDiffers;
-  if (request.newPassword.IsOf(Secret())) return PasswordFault::NewIsEmpty;
-  if (!request.newPassword.IsOf(request.confirmation)) return PasswordFault::ConfirmationDiffers;
-  return std::nullopt;
-}
-
 /// The walk lists the newest entry first, so the reverse is file order.
 std::vector<const MirrorRow*> RowsInFileOrder(const Reading& reading) {
   std::vector<const MirrorRow*> rows = reading.catalogue.RowsOf(reading.current.CurrentCarrierPath);
@@ -151,6 +144,13 @@ void PasswordChange::ReloadHideout() {
 }
 
 }  // namespace
+
+std::optional<PasswordFault> FaultOf(const PasswordRequest& request, const Key& current) {
+  if (!(request.oldPassword == current)) return PasswordFault::OldDiffers;
+  if (request.newPassword.IsOf(Secret())) return PasswordFault::NewIsEmpty;
+  if (!request.newPassword.IsOf(request.confirmation)) return PasswordFault::ConfirmationDiffers;
+  return std::nullopt;
+}
 
 PasswordResult RunPassword(const PasswordRequest& request, Reading& reading, RewriteScreen& screen) {
   if (const std::optional<PasswordFault> fault = FaultOf(request, reading.current.CurrentPassword)) {

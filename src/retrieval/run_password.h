@@ -29,6 +29,9 @@ struct PasswordResult {
   Path temporary;                    ///< set where the complete new carrier was left beside the old one
 };
 
+/// What is wrong with the input first; nothing if `current` is to be changed so.
+std::optional<PasswordFault> FaultOf(const PasswordRequest& request, const Key& current);
+
 /// Encrypts every entry of the current hideout anew, in the place it has, and reloads the hideout under the
 /// new password, which becomes the current one. The algorithm stays, and so do all other bytes. Plain
 /// contents never touch a disk.

@@ -47,6 +47,7 @@ class Update {
   }
 
   RewriteEnding Run();
+  const FileStat& Taken() const { return m_taken; }
   const Path& TemporaryPath() const { return m_rewrite.TemporaryPath(); }
   PreviewParcel Parcel() && { return std::move(m_new); }
 
@@ -62,6 +63,7 @@ class Update {
   PreviewParcel m_new;
   Reading& m_reading;
   RewriteScreen& m_screen;
+  FileStat m_taken;
   const int m_level;  ///< 0 stores
   CarrierRewrite m_rewrite;
 };
@@ -92,7 +94,8 @@ void Update::CopyWhatStays() {
 
 void Update::WriteEntry(ByteSink& sink) {
   const std::unique_ptr<File> preview = m_reading.files.OpenToRead(m_request.previewFile);
-  const Length size = preview->Size();
+  m_taken = preview->Stat();
+  const Length size = m_taken.size;
   PayloadSink payload(sink);
   WritePayload(*preview, size, payload);
   const Length stored = payload.Written();
@@ -187,6 +190,7 @@ UpdateResult RunUpdate(const UpdateRequest& request, PreviewParcel& parcel, Read
   Update update(request, parcel, reading, screen);
   result.ending = update.Run();
   if (result.ending == RewriteEnding::NotReplaced) result.temporary = update.TemporaryPath();
+  result.taken = update.Taken();
   if (result.ending == RewriteEnding::Done) parcel = std::move(update).Parcel();
   return result;
 }

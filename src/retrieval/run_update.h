@@ -18,6 +18,7 @@ struct UpdateResult {
   /// Else nothing was done. Busy: a view, another update, a return from a view, or a reading was running.
   enum class Refused { No, FileMissing, ByPerson, Busy } refused = Refused::No;
   RewriteEnding ending = RewriteEnding::Done;
+  FileStat taken;  ///< of the file when its reading began; the entry holds what it held then
   Path temporary;  ///< set where the complete new carrier was left beside the old one
 };
 

@@ -46,11 +46,13 @@ TEST(TempNames, TheFolderIsPrivateWhateverTheUmaskAndItsNameIsRandom) {
   PosixFiles files;
   const test::Variable temp("TMPDIR", root.Where());
   const test::Umask none(0);
-  const Path folder = MakeTempFolder(files);
+  const Path folder = MakeTempFolder(files, "some-");
   EXPECT_EQ(files.Stat(folder)->mode, 0700U);
   EXPECT_EQ(folder.parent_path(), root.Where());
-  EXPECT_NE(MakeTempFolderName(), folder);
-  const std::string name = folder.filename();
+  EXPECT_NE(MakeTempFolder(files, "some-"), folder);
+  const std::string named = folder.filename();
+  EXPECT_EQ(named.substr(0, 5), "some-");
+  const std::string name = named.substr(5);
   EXPECT_EQ(name.size(), 16U);
   EXPECT_EQ(name.find_first_not_of("abcdefghijklmnopqrstuvwxyz234567"), std::string::npos);
   const test::Variable relative("TMPDIR", "relative");

@@ -22,10 +22,14 @@
 #include "hiding/forms/file_properties.h"
 #include "hiding/forms/frm_hide.h"
 #include "retrieval/forms/frm_carrier_file.h"
+#include "retrieval/forms/frm_password.h"
 #include "retrieval/forms/frm_properties.h"
+#include "retrieval/forms/frm_view.h"
 #include "search/forms/frm_find.h"
+#include "tests/carrier/carrier_bench.h"
 #include "tests/forms/fixed_places.h"
 #include "tests/forms/forms_bench.h"
+#include "tests/support/surroundings.h"
 
 namespace tarnel::test {
 namespace {
@@ -141,6 +145,19 @@ TEST_P(AllWindows, CanBeHeardReachedByTabAndRead) {
   Examine(guide);
   FileProperties file(session.current.CurrentCarrierPath, bench.posix, nullptr);
   Examine(file);
+  FrmPassword password(session, bench.dialogue, nullptr);
+  Examine(password);
+  CarrierBench carrier;
+  const Variable ownTemp("TMPDIR", bench.temp.Where());
+  carrier.Hide({.name = std::string(200, 'n') + ".txt"}).Load();
+  session.current = carrier.current;
+  session.previewParcel = ParcelOf(carrier.catalogue.Rows().at(0));
+  FrmView view(
+      session, bench.dialogue, [](const Path&) {}, nullptr);
+  Examine(view);
+  view.show();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return Find<QAbstractButton>(view, "Cmd_Ok").isEnabled(); }));
+  Examine(view);
   OpenWith with("/a", {{.id = "x", .name = "Editor", .exec = "x %f", .types = {}}}, nullptr);
   Examine(with);
   auto* const find =

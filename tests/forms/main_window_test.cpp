@@ -144,26 +144,31 @@ TEST_F(MainWindowTest, EnablesViewForASelectedFileOnly) {
 }
 
 TEST_F(MainWindowTest, DoubleClickOnAFileDoesWhatTheSettingSays) {
-  const std::pair<const char*, std::string> cases[] = {
-      {"None", ""},
-      {"Extract", "Extracting hidden files comes with a later version of Tarnel."},
-      {"Delete", "Deleting hidden files comes with a later version of Tarnel."},
-      {"View", "Viewing hidden files comes with a later version of Tarnel."}};
+  const struct {
+    const char* event;
+    const char* id;
+    Answer answer;
+    std::string says;
+  } cases[] = {
+      {"None", nullptr, {}, ""},
+      {"Extract", "main.later", Answer::Ok, "Extracting hidden files comes with a later version of Tarnel."},
+      {"Delete", "main.later", Answer::Ok, "Deleting hidden files comes with a later version of Tarnel."},
+      {"View", "view.preview", Answer::No, "Do you want to preview big.png?"}};
   OpenCarrier();
-  for (const auto& [event, says] : cases) {
+  for (const auto& [event, id, answer, says] : cases) {
     settings->Set("options", "Mouse_Event", event);
     session->ReloadSettings();
     session->guards.ReadingBusy = true;
     DoubleClick(List(), Row(1));  // runs nothing meanwhile
     session->guards.ReadingBusy = false;
-    if (!says.empty()) dialogue.script.Expect("main.later", Answer::Ok);
+    if (id != nullptr) dialogue.script.Expect(id, answer);
     DoubleClick(List(), Row(1));
     EXPECT_EQ(LastText(), says) << event;
   }
-  dialogue.script.Expect("main.later", Answer::Ok).Expect("main.later", Answer::Ok);
+  dialogue.script.Expect("view.preview", Answer::No).Expect("main.later", Answer::Ok);
   QTest::keyClick(&List(), Qt::Key_Return);
   QTest::keyClick(&List(), Qt::Key_Delete);
-  EXPECT_EQ(LastText(), cases[2].second);
+  EXPECT_EQ(LastText(), cases[2].says);
 }
 
 TEST_F(MainWindowTest, LoadingTheSettingsAgainKeepsTheSelectedRows) {

@@ -7,6 +7,7 @@
 
 #include "app/instance_lock.h"
 #include "tests/forms/forms_bench.h"
+#include "tests/support/surroundings.h"
 
 namespace tarnel::test {
 namespace {
@@ -32,6 +33,7 @@ class ProgramTest : public testing::Test {
   }
 
   TempFolder temp;
+  Variable ownTemp{"TMPDIR", temp.Where()};
   std::vector<Path> places = {temp / "run/tarnel.lock"};
   PosixFiles posix;
   Scripted<> dialogue;

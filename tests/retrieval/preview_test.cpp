@@ -2,13 +2,19 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+
+#include "base/temp_names.h"
 #include "carrier/tags.h"
+#include "retrieval/left_previews.h"
 #include "retrieval/run_update.h"
 #include "tests/retrieval/retrieval_bench.h"
 #include "tests/support/surroundings.h"
 
 namespace tarnel::test {
 namespace {
+
+using namespace std::chrono_literals;
 
 class ViewScript : public Scripted<ViewScreen> {
  public:
@@ -215,13 +221,15 @@ TEST_F(Preview, IsLeftByDestroyingFileAndFolder) {
     ErrorNumber number;
     Answer first, second, locked;
     std::string asked;
-    std::size_t left;  ///< of the folder, the file and another one
+    std::size_t left;    ///< of the folder, the file and another one
+    std::size_t at = 1;  ///< which of the failing operations
   } cases[] = {{"", {}, yes, no, {}, "return", 0},
                {"", {}, no, yes, {}, "return return-without", 0},
                {"", {}, no, no, {}, "return return-without", 3},
                {"Files.Remove", {}, yes, no, Answer::Retry, "return locked return", 0},
-               {"Files.Stat", ErrorNumber::PermissionDenied, yes, no, {}, "return attention", 3},
-               {"Files.Stat", ErrorNumber::DeviceIo, yes, no, {}, "return error attention", 3},
+               {"Files.Stat", ErrorNumber::PermissionDenied, yes, no, {}, "return", 0},
+               {"Files.Stat", ErrorNumber::PermissionDenied, yes, no, {}, "return attention", 3, 2},
+               {"Files.Stat", ErrorNumber::DeviceIo, yes, no, {}, "return error attention", 3, 2},
                {"Folder.RemoveFolder", ErrorNumber::PermissionDenied, yes, no, {}, "return attention", 1},
                {"Folder.RemoveFolder", ErrorNumber::PathFileAccess, yes, no, Answer::Cancel,
                 "return locked attention", 1},
@@ -230,7 +238,8 @@ TEST_F(Preview, IsLeftByDestroyingFileAndFolder) {
   for (const auto& c : cases) {
     View("a");
     WriteAll(view.PreviewFolder / "a~", "the application's own copy");
-    bench.files.Fail({.number = c.number, .counts = [&](const Operation& o) { return o.name == c.failing; }});
+    bench.files.Fail(
+        {.at = c.at, .number = c.number, .counts = [&](const Operation& o) { return o.name == c.failing; }});
     ViewScript person;
     person.script.Always("view.return", c.first).Always("view.return-without", c.second);
     person.script.Always("view.locked", c.locked).Always("view.error", Answer::Abort);
@@ -243,11 +252,67 @@ TEST_F(Preview, IsLeftByDestroyingFileAndFolder) {
     EXPECT_EQ(temp.Names().size(), c.left) << c.asked;
     std::filesystem::remove_all(view.PreviewFolder);
   }
+  for (const Answer answer : {no, yes}) {
+    View("a");
+    std::filesystem::rename(view.PreviewFile, view.PreviewFolder / "renamed");
+    screen.script.Expect("view.return", yes).Expect("view.left-behind", answer);
+    EXPECT_EQ(Return(screen), ViewReturn::Leave);
+    EXPECT_EQ(std::filesystem::exists(view.PreviewFolder / "renamed"), answer == no);
+  }
+}
+
+TEST_F(Preview, SaysWhatAReturnWouldLose) {
+  bench.Hide({"a", "old"}).Load();
   View("a");
-  std::filesystem::remove(view.PreviewFile);
-  screen.script.Expect("view.return", yes);
-  EXPECT_EQ(Return(screen), ViewReturn::Leave);
-  EXPECT_TRUE(std::filesystem::exists(view.PreviewFolder)) << "it is left with whatever lies in it";
+  screen.script.Always("view.return", Answer::No).Always("view.return-without", Answer::No);
+  const auto presetOfReturn = [&] {
+    EXPECT_EQ(Return(screen), ViewReturn::Stay);
+    const std::vector<Question>& asked = screen.script.Asked();
+    const Question& question = asked.at(asked.size() - 2);
+    EXPECT_EQ(question.text.find("will be lost") != std::string::npos, question.preset == Answer::No);
+    return question.preset;
+  };
+  EXPECT_EQ(presetOfReturn(), Answer::Yes);
+  WriteAll(view.PreviewFile, "edited");
+  EXPECT_EQ(presetOfReturn(), Answer::No);
+  script().Expect("update.confirm", Answer::Yes);
+  view.seen = Update().taken;
+  EXPECT_EQ(presetOfReturn(), Answer::Yes);
+  WriteAll(view.PreviewFile, "editor");
+  std::filesystem::last_write_time(view.PreviewFile, std::filesystem::file_time_type::clock::now() + 1s);
+  EXPECT_EQ(presetOfReturn(), Answer::No) << "of the same size";
+}
+
+TEST_F(Preview, OffersWhatAKilledViewLeftAndNothingElse) {
+  bench.Hide({"a", "live"}).Load();
+  View("a");
+  const Path left = MakeTempFolder(bench.posix, kPreviewPrefix);
+  const Path edited = left / "b.txt";
+  WriteAll(edited, Pattern(9000));
+  std::filesystem::create_directory(left / "sub");
+  WriteAll(left / "sub/b~", "plain");
+  const Path empty = MakeTempFolder(bench.posix, kPreviewPrefix);
+  temp.Put("victim", "kept");
+  std::filesystem::create_symlink(temp / "victim", left / "link");
+  std::filesystem::create_directory_symlink(temp.Where(), temp / "tarnel-view-aaaaaaaaaaaaaaaa");
+  screen.script.Expect("view.left-behind", Answer::No);
+  OfferLeftPreviews(screen, bench.posix);
+  EXPECT_FALSE(std::filesystem::exists(empty));
+  EXPECT_EQ(ReadAll(edited), Pattern(9000));
+  EXPECT_EQ(Last(screen.script.Asked()).list,
+            (Strings{edited, (left / "link").string(), (left / "sub/b~").string()}));
+  const auto other = bench.posix.OpenToRead(edited);  // sees what is overwritten
+  screen.script.Expect("view.left-behind", Answer::Yes);
+  OfferLeftPreviews(screen, bench.posix);
+  EXPECT_FALSE(std::filesystem::exists(left));
+  EXPECT_EQ(ReadFileSlice(*other, Position{1}, 9000).find_first_not_of(' '), std::string::npos);
+  EXPECT_EQ(ReadAll(temp / "victim"), "kept");
+  EXPECT_EQ(ReadAll(view.PreviewFile), "live");
+  OfferLeftPreviews(screen, bench.posix);
+  view.folder = nullptr;
+  screen.script.Expect("view.left-behind", Answer::Yes);
+  OfferLeftPreviews(screen, bench.posix);
+  EXPECT_FALSE(std::filesystem::exists(view.PreviewFolder));
 }
 
 }  // namespace tarnel::test

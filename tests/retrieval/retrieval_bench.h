@@ -20,11 +20,11 @@ namespace tarnel::test {
 
 class ExtractScript : public Scripted<ExtractScreen> {
  public:
-  void ShowFile(std::size_t number, std::size_t count, std::string_view storedName, Length size,
-                const Path& target) override {
+  void ShowFile(std::size_t number, std::size_t count, std::string_view storedName, Length size) override {
     script.Note("[" + std::to_string(number) + "/" + std::to_string(count) + "] " + std::string(storedName) +
-                " " + std::to_string(size) + " to " + target.filename().string());
+                " " + std::to_string(size));
   }
+  void ShowTarget(const Path& target) override { script.Note("to " + target.filename().string()); }
   void ShowProgress(Length value, Length maximum) override {
     script.Note(std::to_string(value) + " of " + std::to_string(maximum));
   }

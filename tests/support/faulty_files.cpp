@@ -95,6 +95,7 @@ class FaultyFolder : public Folder {
   void RemoveFolder(std::string_view name) override { Do("Folder.RemoveFolder", name).RemoveFolder(name); }
   std::vector<FolderEntry> List() override { return Do("Folder.List").List(); }
   void SetMode(mode_t mode) override { Do("Folder.SetMode").SetMode(mode); }
+  void Lock() override { Do("Folder.Lock").Lock(); }
 
  private:
   Folder& Do(const char* operation, std::string_view name = {}) {

@@ -3,6 +3,7 @@
 #include <QUrl>
 #include <QWindow>
 
+#include "app/choice.h"
 #include "app/forms/lock_forms.h"
 #include "app/forms/manual.h"
 #include "app/forms/step_by_step.h"
@@ -11,10 +12,14 @@
 #include "base/partial_file.h"
 #include "base/temp_names.h"
 #include "carrier/forms/carrier_pass.h"
+#include "formkit/check_carrier.h"
 #include "formkit/guarded.h"
 #include "hiding/forms/frm_hide.h"
 #include "retrieval/forms/frm_carrier_file.h"
+#include "retrieval/forms/frm_password.h"
 #include "retrieval/forms/frm_properties.h"
+#include "retrieval/forms/frm_view.h"
+#include "retrieval/questions.h"
 #include "search/forms/frm_find.h"
 
 namespace tarnel {
@@ -99,6 +104,10 @@ void MainCommands::RunFlow(const Command& command) {
       return Search();
     case CommandId::Hide:
       return Hide();
+    case CommandId::View:
+      return View();
+    case CommandId::Password:
+      return ChangePassword();
     case CommandId::SelectAll:
       return m_window.SelectAllRows();
     case CommandId::InvertSelection:
@@ -150,6 +159,7 @@ void MainCommands::Hide() {
   const Requested hiding(m_session.HideOpenRequested);
   if (m_session.catalogue.Roots().empty()) Run(CommandId::Open, CommandSource::Toolbar);
   if (m_session.catalogue.Roots().empty()) return;
+  if (CheckCarrier(m_session, m_ports.dialogue, &m_parent) == CarrierCheck::GaveUp) return;
   FrmHide(m_session, m_ports.dialogue, m_ports.openFile, &m_parent).exec();
 }
 
@@ -171,6 +181,27 @@ void MainCommands::Search() {
 
 void MainCommands::EndSearch() {
   if (m_find != nullptr) m_find->Leave();
+}
+
+/// What was chosen is looked up again behind each box, under which the catalogue may have changed.
+void MainCommands::View() {
+  const Choice choice = ChoiceOf(m_session);
+  const auto& rows = m_session.catalogue.Rows();
+  if (!choice.file || *choice.file >= rows.size()) return;
+  const WipedText name(rows[*choice.file].Name());
+  if (m_ports.dialogue.Ask(questions::ConfirmPreview(name)) != Answer::Yes) return;
+  if (CheckCarrier(m_session, m_ports.dialogue, &m_parent) != CarrierCheck::AsRead) return;
+  const MirrorRow* const row = RowToView(m_session.catalogue, *choice.file, choice.carrier, name);
+  if (row == nullptr) return;
+  m_session.ViewRowIndex = *choice.file;
+  m_session.previewParcel = ParcelOf(*row);
+  FrmView(m_session, m_ports.dialogue, m_ports.openFile, &m_parent).exec();
+}
+
+void MainCommands::ChangePassword() {
+  if (CheckCarrier(m_session, m_ports.dialogue, &m_parent) == CarrierCheck::GaveUp) return;
+  if (m_session.FilesOf(m_session.current.CurrentCarrierPath) == 0) return;
+  FrmPassword(m_session, m_ports.dialogue, &m_parent).exec();
 }
 
 void MainCommands::ShowProperties() {

@@ -66,6 +66,8 @@ class MainCommands {
   void ChooseCarrier();
   void Search();
   void Hide();
+  void View();
+  void ChangePassword();
   void ShowProperties();
   void SaveAs();
   void Configure();

@@ -5,7 +5,9 @@
 #include "app/forms/main_window.h"
 #include "app/instance_lock.h"
 #include "app/questions.h"
+#include "formkit/guarded.h"
 #include "formkit/type_icons.h"
+#include "retrieval/left_previews.h"
 
 namespace tarnel {
 
@@ -23,6 +25,8 @@ int RunProgram(const Path& carrier, const ProgramPorts& ports) {
     QTimer::singleShot(kEndDelay, ports.window.endProcess);
   }
   Session session(ports.files, settings, TypeTextOf);
+  if (!instance.IsOtherRunning())
+    Guarded(ports.window.dialogue, [&] { OfferLeftPreviews(ports.window.dialogue, ports.files); });
   MainWindow window(session, ports.window);
   window.StartWith(carrier);
   window.show();

@@ -19,8 +19,8 @@ struct ProgramPorts {
 };
 
 /// The program from its start to its end. A second instance says so, and the process ends 50 ms later, though
-/// the start goes on meanwhile; a carrier of the command line is opened before the main window is seen, and
-/// the guide comes after it.
+/// the start goes on meanwhile. What a view of a killed program left is offered for destruction; a carrier of
+/// the command line is opened before the main window is seen, and the guide comes after it.
 int RunProgram(const Path& carrier, const ProgramPorts& ports);
 
 /// The whole command line is one path, blanks included; empty without one.

@@ -1,0 +1,159 @@
+// The windows that rewrite a carrier of 1 GiB: the longest time between two turns of the event loop while a
+// file in it is updated, and while its password is changed.
+
+#include <benchmark/benchmark.h>
+#include <unistd.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QLineEdit>
+#include <QTest>
+#include <QTimer>
+#include <filesystem>
+#include <fstream>
+
+#include "app/session_screen.h"
+#include "carrier/open_hideout.h"
+#include "formkit/dialogue_in_windows.h"
+#include "hiding/run_hide.h"
+#include "retrieval/forms/frm_password.h"
+#include "retrieval/forms/frm_view.h"
+
+namespace tarnel::bench {
+namespace {
+
+constexpr Length kMebibytes = 1024;
+
+/// Yields as the program does, and lets everything be done.
+class Willing : public DialogueInWindows {
+ public:
+  Answer Ask(const Question& question) override {
+    return question.buttons == Buttons::YesNo ? Answer::Yes : SafeAnswer(question.buttons);
+  }
+};
+
+class Hiding : public SessionScreen<HideScreen> {
+ public:
+  using SessionScreen::SessionScreen;
+  void ShowStage(HideStage) override {}
+  void ShowFile(std::size_t, std::size_t, const Path&, Length) override {}
+  void FileDone(std::size_t) override {}
+  void ShowProgress(double, double) override {}
+  void ShowBackup(Length, Length) override {}
+  void ShowOriginal(OriginalStep, const Path&, std::size_t, std::size_t) override {}
+  void ShowReading(Length, Length) override {}
+};
+
+/// A carrier with one hidden file of `inFile` mebibytes that fills it up to 1 GiB; gone at the end.
+class Ground {
+ public:
+  explicit Ground(Length inFile)
+      : m_where(std::filesystem::temp_directory_path() / ("rewrite-bench-" + std::to_string(getpid()))) {
+    std::filesystem::create_directories(m_where);
+    Put("carrier.bin", kMebibytes - inFile);
+    Put("a.txt", inFile);
+    Reading reading = session.MakeReading();
+    CreateHideout(m_where / "carrier.bin", Key(Secret("secret")), "Title", Algorithm::Rijndael256, reading);
+    Hiding screen(session, person, m_isCancelled);
+    HideRequest request;
+    const FileStat stat = *m_files.Stat(m_where / "a.txt");
+    request.rows = {{.source = m_where / "a.txt", .name = "a.txt", .folder = {}, .size = stat.size}};
+    request.totalBytes = static_cast<double>(stat.size);
+    RunHide(request, reading, screen);
+  }
+  ~Ground() { std::filesystem::remove_all(m_where); }
+
+ private:
+  void Put(const std::string& name, Length mebibytes) {
+    std::ofstream file(m_where / name, std::ios::binary);
+    const std::string block(1 << 20, 'x');
+    for (Length i = 0; i < mebibytes; ++i)
+      file << block;
+    file << "end";
+  }
+
+  Path m_where;
+  PosixFiles m_files;
+  SettingsFile m_settings{m_files, "/dev/null/settings.ini"};
+  bool m_isCancelled = false;
+
+ public:
+  Willing person;
+  Session session{m_files, m_settings, [](const std::string&) { return std::string(); }};
+};
+
+/// The longest time between two turns, seen by a timer of the window.
+class Turns {
+ public:
+  Turns() {
+    m_last.start();
+    QObject::connect(&m_timer, &QTimer::timeout, [this] {
+      m_longest = std::max(m_longest, static_cast<double>(m_last.nsecsElapsed()) / 1e6);
+      m_last.restart();
+    });
+    m_timer.start(1);
+  }
+  double Longest() const { return m_longest; }
+
+ private:
+  QTimer m_timer;
+  QElapsedTimer m_last;
+  double m_longest = 0;
+};
+
+QAbstractButton* Button(QWidget& form, const char* name) {
+  return form.findChild<QAbstractButton*>(QLatin1String(name));
+}
+
+void UpdateIn1GiB(benchmark::State& state) {
+  Ground ground(state.range(0));
+  for (auto _ : state) {
+    ground.session.previewParcel = ParcelOf(ground.session.catalogue.Rows().at(0));
+    FrmView form(
+        ground.session, ground.person, [](const Path&) {}, nullptr);
+    {
+      const Turns turns;
+      form.show();
+      while (!Button(form, "Cmd_Ok")->isEnabled())
+        QCoreApplication::processEvents();
+      state.counters["view_turn_ms"] = turns.Longest();
+    }
+    {
+      const Turns turns;
+      Button(form, "Cmd_Update")->click();
+      state.counters["update_turn_ms"] = turns.Longest();
+    }
+    const Turns turns;
+    Button(form, "Cmd_Ok")->click();
+    state.counters["leave_turn_ms"] = turns.Longest();
+  }
+}
+BENCHMARK(UpdateIn1GiB)->Arg(1)->Arg(512)->Unit(benchmark::kMillisecond)->Iterations(1);
+
+void ChangePasswordOf1GiB(benchmark::State& state) {
+  Ground ground(state.range(0));
+  for (auto _ : state) {
+    FrmPassword form(ground.session, ground.person, nullptr);
+    form.show();
+    QTest::keyClicks(form.findChild<QLineEdit*>(QStringLiteral("txt_oldpass")), QStringLiteral("secret"));
+    for (const char* const field : {"txt_newpass", "txt_confirm"})
+      QTest::keyClicks(form.findChild<QLineEdit*>(QLatin1String(field)), QStringLiteral("other"));
+    const Turns turns;
+    Button(form, "Cmd_Ok")->click();
+    state.counters["longest_turn_ms"] = turns.Longest();
+    state.counters["changed"] = ground.session.current.CurrentPassword == Key(Secret("other")) ? 1 : 0;
+  }
+}
+BENCHMARK(ChangePasswordOf1GiB)->Arg(1)->Arg(1000)->Unit(benchmark::kMillisecond)->Iterations(1);
+
+}  // namespace
+}  // namespace tarnel::bench
+
+int main(int argc, char** argv) {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  QApplication application(argc, argv);
+  benchmark::Initialize(&argc, argv);
+  benchmark::RunSpecifiedBenchmarks();
+  return 0;
+}
