@@ -2,6 +2,7 @@
 
 #include <QMimeDatabase>
 
+#include "base/files.h"
 #include "formkit/icons.h"
 
 namespace tarnel {
@@ -48,6 +49,12 @@ std::vector<std::string> MimeTypesOf(const std::string& name) {
   for (const QString& ancestor : type.allAncestors())
     names.push_back(ancestor.toStdString());
   return names;
+}
+
+const QIcon& NameIcons::Of(const std::string& name) const {
+  const QByteArray extension = QByteArray::fromStdString(Path(name).extension().native()).toLower();
+  const auto known = m_icons.constFind(extension);
+  return known != m_icons.constEnd() ? *known : *m_icons.insert(extension, IconOfName(name));
 }
 
 }  // namespace tarnel

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QByteArray>
+#include <QHash>
 #include <QIcon>
 #include <string>
 #include <vector>
@@ -13,6 +15,15 @@ std::string TypeTextOf(const std::string& name);
 
 /// The desktop's icon, or one of the program's own.
 QIcon IconOfName(const std::string& name);
+
+/// Icons by name, asked of the desktop once for each extension.
+class NameIcons {
+ public:
+  const QIcon& Of(const std::string& name) const;
+
+ private:
+  mutable QHash<QByteArray, QIcon> m_icons;
+};
 
 /// Such as "text/x-c++src", and behind it what that is a kind of, such as "text/plain".
 std::vector<std::string> MimeTypesOf(const std::string& name);

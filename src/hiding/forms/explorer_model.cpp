@@ -8,12 +8,6 @@
 
 namespace tarnel {
 
-const QIcon& NameIcons::Of(const std::string& name) const {
-  const QByteArray extension = QByteArray::fromStdString(Path(name).extension().native()).toLower();
-  const auto known = m_icons.constFind(extension);
-  return known != m_icons.constEnd() ? *known : *m_icons.insert(extension, IconOfName(name));
-}
-
 ExplorerModel::ExplorerModel(const ExplorerList& list, const NameIcons& icons, FolderIcon folderIcon,
                              QObject* parent)
     : QAbstractTableModel(parent), m_list(list), m_icons(icons), m_folderIcon(std::move(folderIcon)) {}

@@ -6,18 +6,10 @@
 #include <functional>
 #include <vector>
 
+#include "formkit/type_icons.h"
 #include "hiding/explorer_list.h"
 
 namespace tarnel {
-
-/// Icons by name, asked of the desktop once for each extension.
-class NameIcons {
- public:
-  const QIcon& Of(const std::string& name) const;
-
- private:
-  mutable QHash<QByteArray, QIcon> m_icons;
-};
 
 /// `ExplorerFile`: the rows as they were at the last Rebuild. Labels can be edited.
 class ExplorerModel : public QAbstractTableModel {
