@@ -29,6 +29,7 @@ class DeleteList {
   void BeginRunning() { m_isRunning = true; }
   /// The deletion was refused before it began.
   void EndRunning() { m_isRunning = false; }
+  bool Running() const { return m_isRunning; }
 
   enum class Unchecked { StaysChecked, Removed, RemovedLast };
   /// Unchecking a row takes it off the list. RemovedLast: the form closes.

@@ -21,6 +21,7 @@
 #include "hiding/forms/file_properties.h"
 #include "hiding/forms/frm_hide.h"
 #include "retrieval/forms/frm_carrier_file.h"
+#include "retrieval/forms/frm_delete.h"
 #include "retrieval/forms/frm_properties.h"
 #include "tests/forms/fixed_places.h"
 #include "tests/forms/forms_bench.h"
@@ -139,6 +140,8 @@ TEST_P(AllWindows, CanBeHeardReachedByTabAndRead) {
   Examine(file);
   OpenWith with("/a", {{.id = "x", .name = "Editor", .exec = "x %f", .types = {}}}, nullptr);
   Examine(with);
+  FrmDelete deletion(session, bench.dialogue, DeleteList({}, session.catalogue, {}), nullptr);
+  Examine(deletion);
   FrmHide hide(
       session, bench.dialogue, [](const Path&) {}, std::make_unique<FixedPlaces>(bench.temp),
       std::make_unique<NoWatch>(), nullptr);

@@ -2,6 +2,7 @@
 
 #include <QUrl>
 
+#include "app/choice.h"
 #include "app/forms/lock_forms.h"
 #include "app/questions.h"
 #include "base/copy_file.h"
@@ -12,6 +13,7 @@
 #include "formkit/guarded.h"
 #include "hiding/forms/frm_hide.h"
 #include "retrieval/forms/frm_carrier_file.h"
+#include "retrieval/forms/frm_delete.h"
 #include "retrieval/forms/frm_properties.h"
 
 namespace tarnel {
@@ -89,6 +91,8 @@ void MainCommands::RunFlow(const Command& command) {
       return m_ports.endProcess();
     case CommandId::Hide:
       return Hide();
+    case CommandId::Delete:
+      return Delete();
     case CommandId::SelectAll:
       return m_window.SelectAllRows();
     case CommandId::InvertSelection:
@@ -139,6 +143,15 @@ void MainCommands::Hide() {
   if (m_session.catalogue.Roots().empty()) return;
   if (CheckCarrier(m_session, m_ports.dialogue, &m_parent) == CarrierCheck::GaveUp) return;
   FrmHide(m_session, m_ports.dialogue, m_ports.openFile, &m_parent).exec();
+}
+
+/// With nothing chosen no form comes up.
+void MainCommands::Delete() {
+  if (CheckCarrier(m_session, m_ports.dialogue, &m_parent) != CarrierCheck::AsRead) return;
+  const Choice choice = ChoiceOf(m_session);
+  DeleteList list(choice.rows, m_session.catalogue, choice.carrier);
+  if (list.Rows().empty()) return;
+  FrmDelete(m_session, m_ports.dialogue, std::move(list), &m_parent).exec();
 }
 
 void MainCommands::ShowProperties() {
