@@ -56,9 +56,9 @@ TEST(FrmDelete, TakesRowsOffByKeysAndDeletesTheRest) {
   bench.Key(Qt::Key_Tab);
   bench.Key(Qt::Key_Return);
   EXPECT_FALSE(bench.form->isVisible());
-  EXPECT_EQ(bench.SessionNames().size(), 2U);
-  EXPECT_EQ(bench.SessionNames(), bench.CarrierNames());
-  EXPECT_EQ(std::count(bench.SessionNames().begin(), bench.SessionNames().end(), last), 0);
+  const Strings names = bench.SessionNames();
+  EXPECT_TRUE(names.size() == 2U && names == bench.CarrierNames());
+  EXPECT_EQ(std::count(names.begin(), names.end(), last), 0);
 }
 
 TEST(FrmDelete, ReturnOnTheListAndAnEmptyListDeleteNothing) {
@@ -89,12 +89,13 @@ TEST(FrmDelete, WaitsForALockAndGivesUpAChoiceThatIsVoid) {
   };
   Press(*bench.form, "Cmd_Delete");
   EXPECT_FALSE(bench.form->isVisible());
-  bench.form->show();
-  bench.carrier.Hide({.name = "d"});
-  bench.person.script.Expect("carrier.changed", Answer::Yes);
-  Press(*bench.form, "Cmd_Delete");
-  EXPECT_FALSE(bench.form->isVisible());
-  EXPECT_EQ(bench.CarrierNames().size(), 4U);
+  EXPECT_EQ(bench.CarrierNames().size(), 3U);
+  DeleteFormBench changed;
+  changed.carrier.Hide({.name = "d"});
+  changed.person.script.Expect("carrier.changed", Answer::Yes);
+  Press(*changed.form, "Cmd_Delete");
+  EXPECT_FALSE(changed.form->isVisible());
+  EXPECT_EQ(changed.CarrierNames().size(), 4U);
 }
 
 class DeleteFormSweep : public testing::TestWithParam<Answer> {};

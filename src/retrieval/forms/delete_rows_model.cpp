@@ -1,5 +1,7 @@
 #include "retrieval/forms/delete_rows_model.h"
 
+#include <utility>
+
 #include "carrier/stored_text.h"
 #include "formkit/text.h"
 
@@ -11,8 +13,15 @@ enum ListColumn { kFile, kSize, kSubfolder, kColumns };
 
 }  // namespace
 
-DeleteRowsModel::DeleteRowsModel(DeleteList& list, QObject* parent)
-    : QAbstractTableModel(parent), m_list(list) {}
+DeleteRowsModel::DeleteRowsModel(DeleteList list, QObject* parent)
+    : QAbstractTableModel(parent), m_list(std::move(list)) {}
+
+void DeleteRowsModel::SetRunning(bool isRunning) {
+  if (isRunning)
+    m_list.BeginRunning();
+  else
+    m_list.EndRunning();
+}
 
 void DeleteRowsModel::RemoveSelected(const std::vector<std::size_t>& rows) {
   beginResetModel();

@@ -13,9 +13,10 @@ class DeleteRowsModel : public QAbstractTableModel {
   Q_OBJECT
 
  public:
-  /// `list` changes through the model alone as long as this lives.
-  DeleteRowsModel(DeleteList& list, QObject* parent);
+  DeleteRowsModel(DeleteList list, QObject* parent);
 
+  const DeleteList& List() const { return m_list; }
+  void SetRunning(bool isRunning);
   void RemoveSelected(const std::vector<std::size_t>& rows);
 
   int rowCount(const QModelIndex& parent = {}) const override;
@@ -29,7 +30,7 @@ class DeleteRowsModel : public QAbstractTableModel {
   void RowUnchecked(int row);  ///< it stood there, and is gone
 
  private:
-  DeleteList& m_list;
+  DeleteList m_list;
   NameIcons m_icons;
 };
 

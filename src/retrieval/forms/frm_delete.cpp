@@ -46,7 +46,7 @@ class DeleteOnForm : public RewritingSessionScreen<RewriteScreen> {
 };
 
 FrmDelete::FrmDelete(Session& session, Dialogue& dialogue, DeleteList list, QWidget* parent)
-    : WorkingForm(session, dialogue, parent), m_list(std::move(list)) {
+    : WorkingForm(session, dialogue, parent), m_rows(new DeleteRowsModel(std::move(list), this)) {
   setObjectName(QStringLiteral("FrmDelete"));
   setWindowTitle(tr(" Delete Hidden Files"));
   Build();
@@ -64,7 +64,6 @@ void FrmDelete::Build() {
   auto* const buttons = new QDialogButtonBox;
   Cmd_Delete = Named(buttons->addButton(tr("&Delete!"), QDialogButtonBox::AcceptRole), "Cmd_Delete");
   Cmd_Cancel = Named(buttons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole), "Cmd_Cancel");
-  Cmd_Cancel->setDefault(true);
   auto* const bar = Named(new QStatusBar, "StatusBar");
   bar->setSizeGripEnabled(false);
   m_panel = Named(new QLabel, "Panel1");
@@ -75,6 +74,7 @@ void FrmDelete::Build() {
   layout->addWidget(m_progress);
   layout->addWidget(buttons);
   layout->addWidget(bar);
+  Cmd_Cancel->setDefault(true);  // known to the window only once it stands in it
   resize(fontMetrics().averageCharWidth() * 84, fontMetrics().lineSpacing() * 26);
 }
 
@@ -84,7 +84,6 @@ void FrmDelete::MakeList() {
   m_fileList->SetFullRowSelect(true);
   m_fileList->SetGridLines(GetSession().settings.gridLines);
   m_fileList->SetEmptyText(tr("No files selected"));
-  m_rows = new DeleteRowsModel(m_list, this);
   m_fileList->setModel(m_rows);
   QHeaderView* const header = m_fileList->header();
   const int digit = fontMetrics().averageCharWidth();
@@ -104,20 +103,21 @@ void FrmDelete::Connect() {
 }
 
 void FrmDelete::ShowState() {
-  Cmd_Delete->setEnabled(!m_list.Running());
+  Cmd_Delete->setEnabled(!m_rows->List().Running());
   Cmd_Cancel->setEnabled(true);
-  m_panel->setText(m_list.Running() ? tr("Deleting...") : tr("Files: %1").arg(m_list.Rows().size()));
+  m_panel->setText(m_rows->List().Running() ? tr("Deleting...")
+                                            : tr("Files: %1").arg(m_rows->List().Rows().size()));
 }
 
 void FrmDelete::RowUnchecked(int row) {
-  if (m_list.Rows().empty()) return done(QDialog::Rejected);
+  if (m_rows->List().Rows().empty()) return done(QDialog::Rejected);
   SelectRow(row);
   ShowState();
 }
 
 void FrmDelete::RemoveSelected() {
   const std::vector<std::size_t> selected = m_fileList->SelectedRows();
-  if (m_list.Running() || selected.empty()) return;
+  if (m_rows->List().Running() || selected.empty()) return;
   m_rows->RemoveSelected(selected);
   SelectRow(static_cast<int>(selected.front()));
   ShowState();
@@ -129,7 +129,7 @@ void FrmDelete::SelectRow(int row) {
 }
 
 void FrmDelete::PressDelete() {
-  if (m_list.Rows().empty()) return done(QDialog::Rejected);
+  if (m_rows->List().Rows().empty()) return done(QDialog::Rejected);
   const CarrierCheck check = CheckCarrier(GetSession(), GetDialogue(), this);
   if (check == CarrierCheck::ReadAgain) return done(QDialog::Rejected);
   if (check == CarrierCheck::AsRead) Delete();
@@ -146,7 +146,7 @@ void FrmDelete::Delete() {
   const Path carrier = GetSession().current.CurrentCarrierPath;
   if (!MayReplace(LeftoversOfRewriting(carrier, GetSession().files), GetDialogue())) return;
   std::optional<DeleteResult> result;
-  m_list.BeginRunning();
+  m_rows->SetRunning(true);
   ShowState();
   m_progress->Restart();
   Cmd_Cancel->setFocus();
@@ -154,7 +154,7 @@ void FrmDelete::Delete() {
     const BusyCursor busy;
     result = RunDeleteAsking();
   });
-  m_list.EndRunning();
+  m_rows->SetRunning(false);
   if (!result) return ShowState();
   if (result->ending != RewriteEnding::Done) GetSession().CarrierKeptItsBytes();
   done(result->ending == RewriteEnding::Done ? QDialog::Accepted : QDialog::Rejected);
@@ -167,7 +167,8 @@ std::optional<DeleteResult> FrmDelete::RunDeleteAsking() {
   try {
     Attempt(GetDialogue(), {questions::DeleteError}, [&] {
       Reading reading = GetSession().MakeReading();
-      result = RunDelete({.rows = m_list.MirrorRows(), .leftover = Leftover::Replace}, reading, screen);
+      result =
+          RunDelete({.rows = m_rows->List().MirrorRows(), .leftover = Leftover::Replace}, reading, screen);
     });
   } catch (const Stop&) {  // then nothing has changed
   }

@@ -41,8 +41,7 @@ class FrmDelete : public WorkingForm {
   void Delete();
   std::optional<DeleteResult> RunDeleteAsking();
 
-  DeleteList m_list;
-  DeleteRowsModel* m_rows = nullptr;
+  DeleteRowsModel* m_rows;
   FileTable* m_fileList = nullptr;
   WorkProgress* m_progress = nullptr;
   QLabel* m_panel = nullptr;
