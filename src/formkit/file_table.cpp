@@ -3,6 +3,7 @@
 #include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QMetaMethod>
 #include <QPainter>
 #include <QStyledItemDelegate>
 #include <algorithm>
@@ -57,12 +58,15 @@ void FileTable::SetGridLines(bool isOn) {
 
 void FileTable::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+    event->setAccepted(isSignalConnected(QMetaMethod::fromSignal(&FileTable::RowOpened)));
     emit RowOpened();
   } else if (event->matches(QKeySequence::Delete)) {
     emit DeletePressed();
   } else if (event->key() == Qt::Key_Backspace) {
     emit BackspacePressed();
   } else if (!event->matches(QKeySequence::Copy)) {
+    if (currentIndex().column() > 0)
+      selectionModel()->setCurrentIndex(currentIndex().siblingAtColumn(0), QItemSelectionModel::NoUpdate);
     QTreeView::keyPressEvent(event);
   }
 }

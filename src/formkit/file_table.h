@@ -7,7 +7,9 @@
 namespace tarnel {
 
 /// A list of files with columns, with lines between the cells if wanted. What its model lets be checked or
-/// edited is: Space checks, F2 edits the label. Names don't go to the clipboard.
+/// edited is: Space checks, F2 edits the label, in whatever column the cell of the last click lies. Return
+/// opens a row where somebody hears of it, and is the window's own elsewhere. Names don't go to the
+/// clipboard.
 class FileTable : public QTreeView {
   Q_OBJECT
 

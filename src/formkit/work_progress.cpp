@@ -35,8 +35,20 @@ void WorkProgress::Restart() {
   m_line->clear();
 }
 
+void WorkProgress::RestartBar() {
+  m_bar->setValue(0);
+}
+
 void WorkProgress::Show(double value, double maximum) {
+  ShowPart(value, maximum, value, maximum);
+}
+
+void WorkProgress::ShowPart(double value, double maximum, double done, double total) {
   ShowBar(maximum > 0 ? value / maximum : 0);
+  ShowLine(done, total);
+}
+
+void WorkProgress::ShowLine(double value, double maximum) {
   const auto line = m_rate.Line(value, maximum, std::chrono::steady_clock::now());
   if (line) m_line->setText(QString::fromStdString(*line));
 }

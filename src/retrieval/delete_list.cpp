@@ -1,7 +1,6 @@
 #include "retrieval/delete_list.h"
 
-#include <algorithm>
-#include <functional>
+#include <set>
 
 #include "base/formats.h"
 #include "carrier/format.h"
@@ -40,11 +39,11 @@ DeleteList::Unchecked DeleteList::Uncheck(std::size_t row) {
   return m_rows.empty() ? Unchecked::RemovedLast : Unchecked::Removed;
 }
 
-void DeleteList::RemoveSelected(std::vector<std::size_t> rows) {
+void DeleteList::RemoveSelected(const std::vector<std::size_t>& rows) {
   if (m_isRunning) return;
-  std::sort(rows.begin(), rows.end(), std::greater<>());
-  for (const std::size_t row : rows)
-    m_rows.erase(m_rows.begin() + static_cast<std::ptrdiff_t>(row));
+  const std::set<std::size_t> selected(rows.begin(), rows.end());
+  std::size_t row = 0;
+  std::erase_if(m_rows, [&](const Row&) { return selected.contains(row++); });
 }
 
 }  // namespace tarnel

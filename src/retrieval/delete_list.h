@@ -27,13 +27,16 @@ class DeleteList {
 
   /// While the deletion runs, rows stay and stay checked.
   void BeginRunning() { m_isRunning = true; }
+  /// The deletion was refused before it began.
+  void EndRunning() { m_isRunning = false; }
+  bool Running() const { return m_isRunning; }
 
   enum class Unchecked { StaysChecked, Removed, RemovedLast };
   /// Unchecking a row takes it off the list. RemovedLast: the form closes.
   Unchecked Uncheck(std::size_t row);
 
   /// The Delete key: takes the selected rows off. The form stays, even with an empty list.
-  void RemoveSelected(std::vector<std::size_t> rows);
+  void RemoveSelected(const std::vector<std::size_t>& rows);
 
  private:
   void Add(std::size_t mirrorRow, const Catalogue& catalogue);

@@ -22,6 +22,7 @@
 #include "hiding/forms/file_properties.h"
 #include "hiding/forms/frm_hide.h"
 #include "retrieval/forms/frm_carrier_file.h"
+#include "retrieval/forms/frm_delete.h"
 #include "retrieval/forms/frm_password.h"
 #include "retrieval/forms/frm_properties.h"
 #include "retrieval/forms/frm_view.h"
@@ -165,6 +166,8 @@ TEST_P(AllWindows, CanBeHeardReachedByTabAndRead) {
                   std::make_unique<FixedPlaces>(bench.temp), std::make_unique<NoWatch>(), nullptr);
   Examine(*find);
   delete find;
+  FrmDelete deletion(session, bench.dialogue, DeleteList({}, session.catalogue, {}), nullptr);
+  Examine(deletion);
   FrmHide hide(
       session, bench.dialogue, [](const Path&) {}, std::make_unique<FixedPlaces>(bench.temp),
       std::make_unique<NoWatch>(), nullptr);

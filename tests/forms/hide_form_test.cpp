@@ -4,15 +4,12 @@
 #include <QRadioButton>
 
 #include "carrier/companions.h"
-#include "carrier/stored_text.h"
 #include "formkit/file_table.h"
 #include "hiding/forms/frm_hide.h"
 #include "shellint/forms/uc_directory_tree.h"
-#include "tests/carrier/carrier_bench.h"
 #include "tests/forms/fixed_places.h"
 #include "tests/forms/forms_bench.h"
-#include "tests/support/faulty_files.h"
-#include "tests/support/held_key.h"
+#include "tests/forms/session_bench.h"
 
 namespace tarnel::test {
 namespace {
@@ -20,21 +17,13 @@ namespace {
 const std::string kStrange = "b\xff.txt";
 
 /// A session with an open hideout that holds "old", and the wizard over a folder with two files.
-class HideFormBench {
+class HideFormBench : public SessionBench {
  public:
   HideFormBench() {
     carrier.Hide({.name = "old", .content = "1"});
     temp.Put("Desktop/a.txt", "content of a");
     temp.Put("Desktop/" + kStrange, "content of b");
-    person.script.onYield = [this](std::size_t yield) {
-      QCoreApplication::processEvents();
-      if (onYield) onYield(yield);
-    };
-    session.current.CurrentPassword = HeldKey("secret");
-    Scripted<OpeningHere> screen;
-    Reading reading = session.MakeReading();
-    TryPassword(carrier.carrier, session.current.CurrentPassword, reading, screen);
-    session.DirView_NodeClick(*session.catalogue.Roots().at(0));
+    Open();
     form.emplace(
         session, person, [](const Path&) {}, std::make_unique<FixedPlaces>(temp), std::make_unique<NoWatch>(),
         nullptr);
@@ -57,39 +46,7 @@ class HideFormBench {
     EXPECT_TRUE(QTest::qWaitFor([this] { return Button("Cmd_Next").isEnabled(); }));
   }
 
-  Strings SessionNames() { return NamesOf(session.catalogue); }
-  /// What a fresh reader finds.
-  Strings CarrierNames() {
-    carrier.catalogue.RemoveCarrier(carrier.carrier);
-    carrier.Load();
-    return NamesOf(carrier.catalogue);
-  }
-
-  struct OpeningHere : OpeningScreen {
-    void ShowTry(int) override {}
-    void ShowReading(Length, Length) override {}
-    void HideoutLoaded(TreeNode&, std::size_t) override {}
-    void HideoutGone() override {}
-  };
-
-  CarrierBench carrier;
-  TempFolder temp;
-  PosixFiles posix;
-  FaultyFiles files{posix};
-  SettingsFile settings{posix, temp / "settings.ini"};
-  Session session{files, settings, [](const std::string&) { return std::string(); }};
-  Scripted<> person;
-  std::function<void(std::size_t)> onYield;
   std::optional<FrmHide> form;
-
- private:
-  static Strings NamesOf(const Catalogue& catalogue) {
-    Strings names;
-    for (const MirrorRow& row : catalogue.Rows())
-      names.push_back(ToPlatform(row.Name()));
-    std::sort(names.begin(), names.end());
-    return names;
-  }
 };
 
 }  // namespace
@@ -180,10 +137,7 @@ TEST_P(HideFormSweep, WhateverFailsSessionAndCarrierAgree) {
       EXPECT_GT(k, 20U);
       return;
     }
-    const auto& asked = bench.person.script.Asked();
-    const bool readInPart = GetParam() != Answer::Retry &&
-                            std::any_of(asked.begin(), asked.end(),
-                                        [](const Question& question) { return question.id == "load.error"; });
+    const bool readInPart = GetParam() != Answer::Retry && bench.WasAsked("load.error");
     const Strings inCarrier = bench.CarrierNames();
     EXPECT_TRUE(readInPart || bench.SessionNames() == inCarrier);
     for (const std::string& name : bench.SessionNames())
@@ -194,9 +148,7 @@ TEST_P(HideFormSweep, WhateverFailsSessionAndCarrierAgree) {
                   std::filesystem::exists(BackupPath(bench.carrier.carrier)))
           << name;
     }
-    const TreeNode* const node = bench.session.SelectedNode();
-    EXPECT_TRUE(node == nullptr ? bench.session.fileList.Rows().empty()
-                                : bench.session.fileList.Shows(*node, bench.session.catalogue));
+    bench.ExpectListAgreesWithCatalogue();
   }
 }
 

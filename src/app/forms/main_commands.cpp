@@ -16,6 +16,7 @@
 #include "formkit/guarded.h"
 #include "hiding/forms/frm_hide.h"
 #include "retrieval/forms/frm_carrier_file.h"
+#include "retrieval/forms/frm_delete.h"
 #include "retrieval/forms/frm_password.h"
 #include "retrieval/forms/frm_properties.h"
 #include "retrieval/forms/frm_view.h"
@@ -108,6 +109,8 @@ void MainCommands::RunFlow(const Command& command) {
       return View();
     case CommandId::Password:
       return ChangePassword();
+    case CommandId::Delete:
+      return Delete();
     case CommandId::SelectAll:
       return m_window.SelectAllRows();
     case CommandId::InvertSelection:
@@ -202,6 +205,15 @@ void MainCommands::ChangePassword() {
   if (CheckCarrier(m_session, m_ports.dialogue, &m_parent) == CarrierCheck::GaveUp) return;
   if (m_session.FilesOf(m_session.current.CurrentCarrierPath) == 0) return;
   FrmPassword(m_session, m_ports.dialogue, &m_parent).exec();
+}
+
+/// With nothing chosen no form comes up.
+void MainCommands::Delete() {
+  if (CheckCarrier(m_session, m_ports.dialogue, &m_parent) != CarrierCheck::AsRead) return;
+  const Choice choice = ChoiceOf(m_session);
+  DeleteList list(choice.rows, m_session.catalogue, choice.carrier);
+  if (list.Rows().empty()) return;
+  FrmDelete(m_session, m_ports.dialogue, std::move(list), &m_parent).exec();
 }
 
 void MainCommands::ShowProperties() {

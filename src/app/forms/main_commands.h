@@ -68,6 +68,7 @@ class MainCommands {
   void Hide();
   void View();
   void ChangePassword();
+  void Delete();
   void ShowProperties();
   void SaveAs();
   void Configure();
