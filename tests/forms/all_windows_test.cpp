@@ -21,9 +21,14 @@
 #include "hiding/forms/file_properties.h"
 #include "hiding/forms/frm_hide.h"
 #include "retrieval/forms/frm_carrier_file.h"
+#include "retrieval/forms/frm_extract.h"
+#include "retrieval/forms/frm_extracting.h"
+#include "retrieval/forms/frm_overwrite.h"
 #include "retrieval/forms/frm_properties.h"
+#include "retrieval/questions.h"
 #include "tests/forms/fixed_places.h"
 #include "tests/forms/forms_bench.h"
+#include "tests/support/held_key.h"
 
 namespace tarnel::test {
 namespace {
@@ -139,6 +144,12 @@ TEST_P(AllWindows, CanBeHeardReachedByTabAndRead) {
   Examine(file);
   OpenWith with("/a", {{.id = "x", .name = "Editor", .exec = "x %f", .types = {}}}, nullptr);
   Examine(with);
+  FrmExtract extract(session, bench.dialogue, {}, std::make_unique<FixedPlaces>(bench.temp),
+                     std::make_unique<NoWatch>(), nullptr);
+  Examine(extract);
+  const Path existing = bench.temp / "Desktop/a.txt";
+  FrmOverwrite overwrite(questions::Overwrite(existing), *bench.posix.Stat(existing), {}, nullptr);
+  Examine(overwrite);
   FrmHide hide(
       session, bench.dialogue, [](const Path&) {}, std::make_unique<FixedPlaces>(bench.temp),
       std::make_unique<NoWatch>(), nullptr);
@@ -148,6 +159,20 @@ TEST_P(AllWindows, CanBeHeardReachedByTabAndRead) {
   ASSERT_TRUE(QTest::qWaitFor([&] { return next.isEnabled(); }));
   next.click();
   Examine(hide);
+  const auto key = std::make_shared<HideoutKey>();
+  key->password = HeldKey("secret");
+  ExtractRequest request;
+  key->carrier = request.carrier = session.current.CurrentCarrierPath;
+  request.target = bench.temp.Where();
+  request.all = true;
+  session.catalogue.AddRow({.hideout = key, .record = {}, .start = {}, .tail = {}});
+  FrmExtracting extracting(session, bench.dialogue, request, nullptr);
+  bench.dialogue.script.Always("extract.name", Answer::Abort).onAsk = [&](const Question&) {
+    Examine(extracting);
+  };
+  extracting.show();
+  EXPECT_TRUE(
+      QTest::qWaitFor([&] { return !bench.dialogue.script.Asked().empty() && !extracting.Running(); }));
 }
 
 INSTANTIATE_TEST_SUITE_P(Percent, AllWindows, testing::Values(100, 150, 200));

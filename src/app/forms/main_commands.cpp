@@ -12,6 +12,8 @@
 #include "formkit/guarded.h"
 #include "hiding/forms/frm_hide.h"
 #include "retrieval/forms/frm_carrier_file.h"
+#include "retrieval/forms/frm_extract.h"
+#include "retrieval/forms/frm_extracting.h"
 #include "retrieval/forms/frm_properties.h"
 
 namespace tarnel {
@@ -89,6 +91,8 @@ void MainCommands::RunFlow(const Command& command) {
       return m_ports.endProcess();
     case CommandId::Hide:
       return Hide();
+    case CommandId::Extract:
+      return Extract();
     case CommandId::SelectAll:
       return m_window.SelectAllRows();
     case CommandId::InvertSelection:
@@ -139,6 +143,12 @@ void MainCommands::Hide() {
   if (m_session.catalogue.Roots().empty()) return;
   if (CheckCarrier(m_session, m_ports.dialogue, &m_parent) == CarrierCheck::GaveUp) return;
   FrmHide(m_session, m_ports.dialogue, m_ports.openFile, &m_parent).exec();
+}
+
+void MainCommands::Extract() {
+  if (CheckCarrier(m_session, m_ports.dialogue, &m_parent) != CarrierCheck::AsRead) return;
+  const auto request = FrmExtract(m_session, m_ports.dialogue, ChoiceOf(m_session), &m_parent).Ask();
+  if (request) FrmExtracting(m_session, m_ports.dialogue, *request, &m_parent).exec();
 }
 
 void MainCommands::ShowProperties() {

@@ -54,6 +54,7 @@ class MainCommands {
   void NewCarrier();
   void ChooseCarrier();
   void Hide();
+  void Extract();
   void ShowProperties();
   void SaveAs();
   void Configure();
