@@ -60,7 +60,6 @@ struct Command {
   Shortcut shortcut = Shortcut::None;
   Visibility visibility = Visibility::Shown;
   Checkable checkable = Checkable::No;
-  const char* later = nullptr;  ///< what a command says whose window comes with a later version
 };
 
 /// Every command, in the order of CommandId.

@@ -19,10 +19,6 @@ Question AlreadyRunningMessage() {
                  Icon::Information);
 }
 
-Question LaterMessage(const Command& command) {
-  return Message("main.later", command.later, Icon::Information);
-}
-
 Question OverwriteCopyQuestion() {
   return {.id = "main.save-as",
           .title = kTitle,

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "app/commands.h"
 #include "app/program_lock.h"
 #include "base/dialogue.h"
 
@@ -8,9 +7,8 @@ namespace tarnel {
 
 /// All that the main window, its settings and its lock say in boxes.
 
-Question AlreadyRunningMessage();               ///< "main.already-running"
-Question LaterMessage(const Command& command);  ///< "main.later": the command's window is still to come
-Question OverwriteCopyQuestion();               ///< "main.save-as"
+Question AlreadyRunningMessage();  ///< "main.already-running"
+Question OverwriteCopyQuestion();  ///< "main.save-as"
 Question FaultMessage(
     const Error& error);                ///< "main.fault": a command ended by an error; the program goes on
 Question LockMessage(LockInput input);  ///< "lock.empty" or "lock.wrong"

@@ -57,10 +57,4 @@ std::vector<std::string> MimeTypesOf(const std::string& name) {
   return names;
 }
 
-const QIcon& NameIcons::Of(const std::string& name) const {
-  const QByteArray extension = QByteArray::fromStdString(Path(name).extension().native()).toLower();
-  const auto known = m_icons.constFind(extension);
-  return known != m_icons.constEnd() ? *known : *m_icons.insert(extension, IconOfName(name));
-}
-
 }  // namespace tarnel

@@ -23,13 +23,18 @@
 #include "hiding/forms/frm_hide.h"
 #include "retrieval/forms/frm_carrier_file.h"
 #include "retrieval/forms/frm_delete.h"
+#include "retrieval/forms/frm_extract.h"
+#include "retrieval/forms/frm_extracting.h"
+#include "retrieval/forms/frm_overwrite.h"
 #include "retrieval/forms/frm_password.h"
 #include "retrieval/forms/frm_properties.h"
 #include "retrieval/forms/frm_view.h"
+#include "retrieval/questions.h"
 #include "search/forms/frm_find.h"
 #include "tests/carrier/carrier_bench.h"
 #include "tests/forms/fixed_places.h"
 #include "tests/forms/forms_bench.h"
+#include "tests/support/held_key.h"
 #include "tests/support/surroundings.h"
 
 namespace tarnel::test {
@@ -168,6 +173,12 @@ TEST_P(AllWindows, CanBeHeardReachedByTabAndRead) {
   delete find;
   FrmDelete deletion(session, bench.dialogue, DeleteList({}, session.catalogue, {}), nullptr);
   Examine(deletion);
+  FrmExtract extract(session, bench.dialogue, {}, std::make_unique<FixedPlaces>(bench.temp),
+                     std::make_unique<NoWatch>(), nullptr);
+  Examine(extract);
+  const Path existing = bench.temp / "Desktop/a.txt";
+  FrmOverwrite overwrite(questions::Overwrite(existing), *bench.posix.Stat(existing), {}, nullptr);
+  Examine(overwrite);
   FrmHide hide(
       session, bench.dialogue, [](const Path&) {}, std::make_unique<FixedPlaces>(bench.temp),
       std::make_unique<NoWatch>(), nullptr);
@@ -177,6 +188,20 @@ TEST_P(AllWindows, CanBeHeardReachedByTabAndRead) {
   ASSERT_TRUE(QTest::qWaitFor([&] { return next.isEnabled(); }));
   next.click();
   Examine(hide);
+  const auto key = std::make_shared<HideoutKey>();
+  key->password = HeldKey("secret");
+  ExtractRequest request;
+  key->carrier = request.carrier = session.current.CurrentCarrierPath;
+  request.target = bench.temp.Where();
+  request.all = true;
+  session.catalogue.AddRow({.hideout = key, .record = {}, .start = {}, .tail = {}});
+  FrmExtracting extracting(session, bench.dialogue, request, nullptr);
+  bench.dialogue.script.Always("extract.name", Answer::Abort).onAsk = [&](const Question&) {
+    Examine(extracting);
+  };
+  extracting.show();
+  EXPECT_TRUE(
+      QTest::qWaitFor([&] { return !bench.dialogue.script.Asked().empty() && !extracting.Running(); }));
 }
 
 INSTANTIATE_TEST_SUITE_P(Percent, AllWindows, testing::Values(100, 150, 200));

@@ -17,6 +17,8 @@
 #include "hiding/forms/frm_hide.h"
 #include "retrieval/forms/frm_carrier_file.h"
 #include "retrieval/forms/frm_delete.h"
+#include "retrieval/forms/frm_extract.h"
+#include "retrieval/forms/frm_extracting.h"
 #include "retrieval/forms/frm_password.h"
 #include "retrieval/forms/frm_properties.h"
 #include "retrieval/forms/frm_view.h"
@@ -111,6 +113,8 @@ void MainCommands::RunFlow(const Command& command) {
       return ChangePassword();
     case CommandId::Delete:
       return Delete();
+    case CommandId::Extract:
+      return Extract();
     case CommandId::SelectAll:
       return m_window.SelectAllRows();
     case CommandId::InvertSelection:
@@ -131,7 +135,7 @@ void MainCommands::RunFlow(const Command& command) {
       Info(m_ports.openOutside, &m_parent).exec();
       return;
     default:
-      if (command.later != nullptr) m_ports.dialogue.Ask(LaterMessage(command));
+      return;
   }
 }
 
@@ -214,6 +218,12 @@ void MainCommands::Delete() {
   DeleteList list(choice.rows, m_session.catalogue, choice.carrier);
   if (list.Rows().empty()) return;
   FrmDelete(m_session, m_ports.dialogue, std::move(list), &m_parent).exec();
+}
+
+void MainCommands::Extract() {
+  if (CheckCarrier(m_session, m_ports.dialogue, &m_parent) != CarrierCheck::AsRead) return;
+  const auto request = FrmExtract(m_session, m_ports.dialogue, ChoiceOf(m_session), &m_parent).Ask();
+  if (request) FrmExtracting(m_session, m_ports.dialogue, *request, &m_parent).exec();
 }
 
 void MainCommands::ShowProperties() {

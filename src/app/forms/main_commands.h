@@ -69,6 +69,7 @@ class MainCommands {
   void View();
   void ChangePassword();
   void Delete();
+  void Extract();
   void ShowProperties();
   void SaveAs();
   void Configure();

@@ -15,6 +15,7 @@
 #include "formkit/guarded.h"
 #include "formkit/layouts.h"
 #include "formkit/password_field.h"
+#include "formkit/strength_bar.h"
 #include "formkit/text.h"
 #include "formkit/work_progress.h"
 #include "retrieval/questions.h"
@@ -82,6 +83,8 @@ void FrmPassword::AddFields(QFormLayout& form) {
   txt_confirm = Named(new PasswordField, "txt_confirm");
   AddRow(form, tr("&Old Password:"), txt_oldpass);
   AddRow(form, tr("&New Password:"), txt_newpass);
+  m_strength = Named(new StrengthBar(*txt_newpass, GetDialogue()), "Strength");
+  form.addRow(QString(), m_strength);
   AddRow(form, tr("&Retype Password for Confirmation:"), txt_confirm);
   form.addRow(Hint(tr("Be aware of upper-/lowercase!")));
 }
@@ -101,6 +104,7 @@ void FrmPassword::ShowStep(PasswordStep step) {
   const PasswordControls controls = ControlsOf(step);
   for (PasswordField* const field : {txt_oldpass, txt_newpass, txt_confirm})
     field->setEnabled(controls.fields);
+  m_strength->setEnabled(controls.fields);
   StatusContainer->setVisible(controls.isProgressShown);
   Cmd_Ok->setEnabled(controls.Cmd_Ok);
   Cmd_Cancel->setEnabled(controls.Cmd_Cancel);

@@ -42,6 +42,7 @@ class FrmPassword : public WorkingForm {
   PasswordField* txt_newpass = nullptr;
   PasswordField* txt_confirm = nullptr;
   QGroupBox* StatusContainer = nullptr;
+  QWidget* m_strength = nullptr;
   WorkProgress* m_progress = nullptr;
   QPushButton* Cmd_Ok = nullptr;
   QPushButton* Cmd_Cancel = nullptr;
