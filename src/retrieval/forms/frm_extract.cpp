@@ -141,7 +141,7 @@ void FrmExtract::ShowCount() {
 void FrmExtract::TreeActivate() {
   Guarded(GetDialogue(), [this] { m_tree->Initialize(); });
   const Path start = GetSession().settings.extract.Start();
-  Guarded(GetDialogue(), [&] { m_tree->SetPath(start.empty() ? m_desktop : start); });
+  ShowInTree(start.empty() ? m_desktop : start);
   if (!start.empty()) m_extractTo->SetPath(start);
   m_isTyped = !start.empty() && !FolderToShow(start, GetSession().files);
   TextChanged();
@@ -168,9 +168,17 @@ void FrmExtract::ShowTyped() {
   const auto folder = FolderToShow(m_extractTo->EnteredPath(), GetSession().files);
   if (!folder) return;
   m_isTreeMoved = true;
-  Guarded(GetDialogue(), [&] { m_tree->SetPath(*folder); });
+  ShowInTree(*folder);
   m_isTreeMoved = false;
   TextChanged();
+}
+
+/// Not every folder stands in the tree; the text tells the target without it.
+void FrmExtract::ShowInTree(const Path& folder) {
+  try {
+    m_tree->SetPath(folder);
+  } catch (const Error&) {
+  }
 }
 
 void FrmExtract::TextChanged() {

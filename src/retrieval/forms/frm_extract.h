@@ -47,6 +47,7 @@ class FrmExtract : public WorkingForm {
   void TakeTreePath();
   void FollowTree();
   void ShowTyped();
+  void ShowInTree(const Path& folder);
   void TextChanged();
   void MakeFolder();
   void PressExtract();

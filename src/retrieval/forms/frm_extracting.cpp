@@ -40,6 +40,7 @@ class FrmExtracting::Screen : public ForwardingScreen<ExtractScreen> {
     m_done += m_value;
     m_size = static_cast<double>(size);
     m_value = 0;
+    m_isLast = number == count;
     m_form.m_fileNumber->setText(QStringLiteral("[%1/%2]").arg(number).arg(count));
     m_form.m_file->SetPath(ShownText(storedName),
                            QString::fromStdString(" (" + GroupedKilobytes(m_size) + " KB)"));
@@ -50,6 +51,7 @@ class FrmExtracting::Screen : public ForwardingScreen<ExtractScreen> {
   void ShowProgress(Length value, Length maximum) override {
     m_value = static_cast<double>(value);
     m_form.m_progress->ShowPart(m_value, static_cast<double>(maximum), m_done + m_value, m_total);
+    m_form.m_cancel->setEnabled(!m_isLast || value < maximum);  // then there is nothing left to cancel
   }
 
  private:
@@ -58,6 +60,7 @@ class FrmExtracting::Screen : public ForwardingScreen<ExtractScreen> {
   double m_done = 0;   ///< of the files before
   double m_size = 0;
   double m_value = 0;
+  bool m_isLast = false;
 };
 
 FrmExtracting::FrmExtracting(Session& session, Dialogue& dialogue, ExtractRequest request, QWidget* parent)

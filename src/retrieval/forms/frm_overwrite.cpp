@@ -1,7 +1,7 @@
 #include "retrieval/forms/frm_overwrite.h"
 
-#include <QDialogButtonBox>
 #include <QGridLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -20,14 +20,14 @@ namespace tarnel {
 
 namespace {
 
-QString Kilobytes(double bytes) {
-  return QString::fromStdString(GroupedKilobytes(bytes) + " KB");
+QString SizeText(double bytes) {
+  return QObject::tr("%1 KB (%2 bytes)")
+      .arg(QString::fromStdString(GroupedKilobytes(bytes)), QString::fromStdString(PlainNumber(bytes)));
 }
 
 void AddCell(QGridLayout& grid, int row, int column, const QString& text, const char* name) {
   auto* const label = Named(new QLabel(text), name);
   label->setTextFormat(Qt::PlainText);
-  label->setTextInteractionFlags(Qt::TextSelectableByMouse);
   grid.addWidget(label, row, column);
 }
 
@@ -50,7 +50,8 @@ FrmOverwrite::FrmOverwrite(const Question& question, const FileStat& existing, c
   upper->setRowStretch(0, 1);
   auto* const layout = new QVBoxLayout(this);
   layout->addLayout(upper, 1);
-  layout->addWidget(MakeButtons());
+  layout->addSpacing(fontMetrics().lineSpacing());
+  layout->addLayout(MakeButtons());
   m_no->setDefault(true);  // now that it belongs to the dialog
   m_no->setFocus();
 }
@@ -60,11 +61,13 @@ QWidget* FrmOverwrite::MakeMessage(const Question& question) {
   auto* const message = Named(new QPlainTextEdit(BoxText(question.text)), "Txt_Msg");
   message->setReadOnly(true);
   message->setTabChangesFocus(true);
+  message->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   message->setAccessibleName(tr("Message"));
   message->setFrameShape(QFrame::NoFrame);
   message->viewport()->setAutoFillBackground(false);
   message->document()->setDocumentMargin(0);
   message->setMinimumSize(fontMetrics().averageCharWidth() * 56, fontMetrics().lineSpacing() * 5);
+  message->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
   return message;
 }
 
@@ -74,8 +77,8 @@ QGridLayout* FrmOverwrite::MakeComparison(const FileStat& existing, const Mirror
   AddCell(*grid, 0, 1, tr("Existing file"), "Lb_Existing");
   AddCell(*grid, 0, 2, tr("Hidden file"), "Lb_Hidden");
   AddCell(*grid, 1, 0, tr("Size:"), "Lb_Size");
-  AddCell(*grid, 1, 1, Kilobytes(static_cast<double>(existing.size)), "Lb_ExistingSize");
-  AddCell(*grid, 1, 2, Kilobytes(ReadNumber(hidden.Field(tag::kPlainSize))), "Lb_HiddenSize");
+  AddCell(*grid, 1, 1, SizeText(static_cast<double>(existing.size)), "Lb_ExistingSize");
+  AddCell(*grid, 1, 2, SizeText(ReadNumber(hidden.Field(tag::kPlainSize))), "Lb_HiddenSize");
   AddCell(*grid, 2, 0, tr("Date:"), "Lb_Date");
   AddCell(*grid, 2, 1, tr("changed %1").arg(QString::fromStdString(DateAndTime(existing.modified))),
           "Lb_ExistingDate");
@@ -90,13 +93,13 @@ QGridLayout* FrmOverwrite::MakeComparison(const FileStat& existing, const Mirror
   return grid;
 }
 
-QWidget* FrmOverwrite::MakeButtons() {
-  auto* const buttons = new QDialogButtonBox;
-  buttons->addButton(AnswerButton(tr("&Yes"), "Cmd_Yes", Answer::Yes), QDialogButtonBox::YesRole);
+QHBoxLayout* FrmOverwrite::MakeButtons() {
+  auto* const buttons = new QHBoxLayout;
   m_no = AnswerButton(tr("&No"), "Cmd_no", Answer::No);
-  buttons->addButton(m_no, QDialogButtonBox::NoRole);
-  buttons->addButton(AnswerButton(tr("&Overwrite All"), "Cmd_all", Answer::OverwriteAll),
-                     QDialogButtonBox::YesRole);
+  buttons->addStretch();
+  buttons->addWidget(AnswerButton(tr("&Yes"), "Cmd_Yes", Answer::Yes));
+  buttons->addWidget(m_no);
+  buttons->addWidget(AnswerButton(tr("&Overwrite All"), "Cmd_all", Answer::OverwriteAll));
   return buttons;
 }
 

@@ -7,6 +7,7 @@
 #include "carrier/catalogue.h"
 
 class QGridLayout;
+class QHBoxLayout;
 class QPushButton;
 
 namespace tarnel {
@@ -26,7 +27,7 @@ class FrmOverwrite : public QDialog {
  private:
   QWidget* MakeMessage(const Question& question);
   QGridLayout* MakeComparison(const FileStat& existing, const MirrorRow& hidden);
-  QWidget* MakeButtons();
+  QHBoxLayout* MakeButtons();
   QPushButton* AnswerButton(const QString& caption, const char* name, Answer answer);
 
   QPushButton* m_no = nullptr;
