@@ -75,7 +75,7 @@ void FrmDelete::Build() {
   layout->addWidget(buttons);
   layout->addWidget(bar);
   Cmd_Cancel->setDefault(true);  // known to the window only once it stands in it
-  resize(fontMetrics().averageCharWidth() * 84, fontMetrics().lineSpacing() * 26);
+  resize(fontMetrics().averageCharWidth() * 104, fontMetrics().lineSpacing() * 26);
 }
 
 void FrmDelete::MakeList() {
