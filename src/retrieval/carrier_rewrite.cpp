@@ -203,18 +203,22 @@ void CarrierRewrite::GiveAttributesBack() {
 
 bool CarrierRewrite::Replace() {
   Must([&] { RunYielding(m_screen, [this] { SyncTemporary(); }); });
+  if (m_screen.CancelRequested()) {
+    if (m_savedMode) GiveAttributesBack();
+    throw Stop{StopReason::Cancelled};
+  }
   Must([&] {
     if (const std::unique_ptr<File> closing = std::move(m_temporary)) closing->Close();
   });
   Must([&] { LockTemporary(); });
   if (!RenameOver()) return false;
+  m_screen.CarrierReplaced();
   try {
     const auto sync = [this] { m_files.SyncFolder(m_carrierPath.parent_path()); };
     Attempt(m_screen, m_manner.handler, [&] { RunYielding(m_screen, sync); });
   } catch (const Stop&) {  // nothing can be taken back any more
   }
   m_temporary = nullptr;  // unlocked, for whoever reads the new carrier now
-  m_screen.CarrierReplaced();
   return true;
 }
 
