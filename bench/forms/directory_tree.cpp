@@ -4,7 +4,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QTest>
 #include <QTreeView>
@@ -101,11 +101,3 @@ BENCHMARK(LongestTurnWhile1000FoldersGo)->Unit(benchmark::kMillisecond)->Iterati
 
 }  // namespace
 }  // namespace tarnel::bench
-
-int main(int argc, char** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  QApplication application(argc, argv);
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-  return 0;
-}

@@ -6,15 +6,14 @@
 #include <unistd.h>
 
 #include <QAbstractButton>
-#include <QApplication>
 #include <QCheckBox>
-#include <QElapsedTimer>
+#include <QCoreApplication>
 #include <QTest>
-#include <QTimer>
 #include <QTreeView>
 #include <filesystem>
 #include <fstream>
 
+#include "bench/forms/turns.h"
 #include "formkit/dialogue_in_windows.h"
 #include "search/forms/frm_find.h"
 #include "shellint/inotify_watch.h"
@@ -88,25 +87,6 @@ class Ground {
   Path m_where;
 };
 
-/// The longest time between two turns, seen by a timer of the window.
-class Turns {
- public:
-  Turns() {
-    m_last.start();
-    QObject::connect(&m_timer, &QTimer::timeout, [this] {
-      m_longest = std::max(m_longest, static_cast<double>(m_last.nsecsElapsed()) / 1e6);
-      m_last.restart();
-    });
-    m_timer.start(1);
-  }
-  double Longest() const { return m_longest; }
-
- private:
-  QTimer m_timer;
-  QElapsedTimer m_last;
-  double m_longest = 0;
-};
-
 void Search(benchmark::State& state, int folders, int filesEach, bool isSlow) {
   const Ground ground(folders, filesEach);
   SlowFiles files;
@@ -148,11 +128,3 @@ BENCHMARK(SlowFolderOf10)->Unit(benchmark::kMillisecond)->Iterations(1);
 
 }  // namespace
 }  // namespace tarnel::bench
-
-int main(int argc, char** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  QApplication application(argc, argv);
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-  return 0;
-}

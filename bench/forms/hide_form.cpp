@@ -6,12 +6,11 @@
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
-#include <QApplication>
-#include <QElapsedTimer>
-#include <QTimer>
+#include <QCoreApplication>
 #include <filesystem>
 #include <fstream>
 
+#include "bench/forms/turns.h"
 #include "carrier/open_hideout.h"
 #include "formkit/dialogue_in_windows.h"
 #include "hiding/forms/frm_hide.h"
@@ -75,25 +74,6 @@ class Ground {
   Session session{m_files, m_settings, [](const std::string&) { return std::string(); }};
 };
 
-/// The longest time between two turns, seen by a timer of the window.
-class Turns {
- public:
-  Turns() {
-    m_last.start();
-    QObject::connect(&m_timer, &QTimer::timeout, [this] {
-      m_longest = std::max(m_longest, static_cast<double>(m_last.nsecsElapsed()) / 1e6);
-      m_last.restart();
-    });
-    m_timer.start(1);
-  }
-  double Longest() const { return m_longest; }
-
- private:
-  QTimer m_timer;
-  QElapsedTimer m_last;
-  double m_longest = 0;
-};
-
 void WaitForList(FrmHide& form) {
   while (!form.findChild<QAbstractButton*>(QStringLiteral("Cmd_Hide"))->isEnabled())
     QCoreApplication::processEvents();
@@ -133,11 +113,3 @@ BENCHMARK(Hide1GiB)->Unit(benchmark::kMillisecond)->Iterations(1);
 
 }  // namespace
 }  // namespace tarnel::bench
-
-int main(int argc, char** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  QApplication application(argc, argv);
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-  return 0;
-}

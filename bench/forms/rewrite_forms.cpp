@@ -5,15 +5,14 @@
 #include <unistd.h>
 
 #include <QAbstractButton>
-#include <QApplication>
-#include <QElapsedTimer>
+#include <QCoreApplication>
 #include <QLineEdit>
 #include <QTest>
-#include <QTimer>
 #include <filesystem>
 #include <fstream>
 
 #include "app/session_screen.h"
+#include "bench/forms/turns.h"
 #include "carrier/open_hideout.h"
 #include "formkit/dialogue_in_windows.h"
 #include "hiding/run_hide.h"
@@ -83,25 +82,6 @@ class Ground {
   Session session{m_files, m_settings, [](const std::string&) { return std::string(); }};
 };
 
-/// The longest time between two turns, seen by a timer of the window.
-class Turns {
- public:
-  Turns() {
-    m_last.start();
-    QObject::connect(&m_timer, &QTimer::timeout, [this] {
-      m_longest = std::max(m_longest, static_cast<double>(m_last.nsecsElapsed()) / 1e6);
-      m_last.restart();
-    });
-    m_timer.start(1);
-  }
-  double Longest() const { return m_longest; }
-
- private:
-  QTimer m_timer;
-  QElapsedTimer m_last;
-  double m_longest = 0;
-};
-
 QAbstractButton* Button(QWidget& form, const char* name) {
   return form.findChild<QAbstractButton*>(QLatin1String(name));
 }
@@ -149,11 +129,3 @@ BENCHMARK(ChangePasswordOf1GiB)->Arg(1)->Arg(1000)->Unit(benchmark::kMillisecond
 
 }  // namespace
 }  // namespace tarnel::bench
-
-int main(int argc, char** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  QApplication application(argc, argv);
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-  return 0;
-}

@@ -4,7 +4,7 @@
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QUrl>
 #include <memory>
 
@@ -110,11 +110,3 @@ BENCHMARK_CAPTURE(Run, SortByName, [](Bench& bench) {
 
 }  // namespace
 }  // namespace tarnel
-
-int main(int argc, char** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  QApplication application(argc, argv);
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-  return 0;
-}

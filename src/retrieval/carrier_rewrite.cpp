@@ -204,6 +204,10 @@ void CarrierRewrite::GiveAttributesBack() {
 
 bool CarrierRewrite::Replace() {
   Must([&] { RunYielding(m_screen, [this] { SyncTemporary(); }); });
+  if (m_screen.CancelRequested()) {
+    if (m_savedMode) GiveAttributesBack();
+    throw Stop{StopReason::Cancelled};
+  }
   Must([&] {
     if (const std::unique_ptr<File> closing = std::move(m_temporary)) closing->Close();
   });

@@ -101,10 +101,12 @@ class CarrierRewrite {
   void SetProgress(Length value, Length maximum);
 
   /// Puts the temporary carrier in the carrier's place, written through, with the carrier's mode, owner and
-  /// group as TakeAccessOf gives them; nothing is locked then. False if the rename failed, which the person
-  /// has been told: Abort at giving the old carrier its mode back changes nothing of that. Once the rename is
-  /// made Abort means no more than Ignore. Where a sync fails, Retry writes all bytes again first: those kept
-  /// from the carrier, the others if they still read as they were written. Yields while the platform writes.
+  /// group as TakeAccessOf gives them; nothing is locked then. A cancel that was requested by the time all is
+  /// written ends the run, and leaves the carrier's mode as it was. False if the rename failed, which the
+  /// person has been told: Abort at giving the old carrier its mode back changes nothing of that. Once the
+  /// rename is made Abort means no more than Ignore. Where a sync fails, Retry writes all bytes again first:
+  /// those kept from the carrier, the others if they still read as they were written. Yields while the
+  /// platform writes.
   bool Replace();
 
   /// Runs a statement under the manner's handler; Ignore ends the run as Abort does.

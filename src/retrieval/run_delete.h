@@ -21,7 +21,8 @@ struct DeleteResult {
 /// Takes the rows' entries out of the current carrier (reading.current) and reloads the hideout. All other
 /// bytes stay as they are and in their order. With its last entry gone the hideout keeps its root node only.
 /// A carrier that consists of deleted entries alone becomes an empty file. No rows: nothing happens.
-/// Cancel is looked at before each stretch that stays and before each full block of it.
+/// Cancel is looked at before each stretch that stays and before each full block of it, and
+/// before the new carrier takes the old one's place.
 /// Errors before the first byte is written are thrown, as CarrierRewrite does.
 DeleteResult RunDelete(const DeleteRequest& request, Reading& reading, RewriteScreen& screen);
 

@@ -121,6 +121,10 @@ TEST_P(Rewrite, LeavesTheOldCarrierOrTheNewOneWhateverFails) {
 
 TEST_P(Rewrite, LeavesTheOldCarrierWhereverItIsCancelled) {
   const auto quiet = Bench();
+  std::size_t lastWrite = 0;
+  quiet->files.before = [&](const Operation& operation) {
+    if (operation.name == "File.WriteAt") lastWrite = quiet->rewriteScreen.script.Yields();
+  };
   ASSERT_EQ(Run(*quiet), RewriteEnding::Done);
   const std::size_t yields = quiet->rewriteScreen.script.Yields();
   std::set<mode_t> modes;
@@ -129,6 +133,7 @@ TEST_P(Rewrite, LeavesTheOldCarrierWhereverItIsCancelled) {
     bench->rewriteScreen.script.CancelAtYield(n);
     const RewriteEnding ending = Run(*bench);
     ExpectOldOrNew(*bench, ending);
+    EXPECT_TRUE(n > lastWrite || ending == RewriteEnding::Cancelled) << n;
     if (ending == RewriteEnding::Cancelled) modes.insert(bench->posix.Stat(bench->carrier)->mode);
     EXPECT_FALSE(std::filesystem::exists(bench->temporary));
   }

@@ -45,7 +45,12 @@ QVariant DeleteRowsModel::data(const QModelIndex& index, int role) const {
   if (role == Qt::CheckStateRole && index.column() == kFile) return Qt::Checked;
   if (role == Qt::TextAlignmentRole && index.column() == kSize)
     return QVariant(Qt::AlignRight | Qt::AlignVCenter);
-  if (role != Qt::DisplayRole) return {};
+  if (role == Qt::ToolTipRole) return TextAt(index).toHtmlEscaped();
+  return role == Qt::DisplayRole ? TextAt(index) : QVariant();
+}
+
+QString DeleteRowsModel::TextAt(const QModelIndex& index) const {
+  const DeleteList::Row& row = m_list.Rows()[static_cast<std::size_t>(index.row())];
   switch (index.column()) {
     case kFile:
       return ShownText(row.name);

@@ -30,6 +30,8 @@ class DeleteRowsModel : public QAbstractTableModel {
   void RowUnchecked(int row);  ///< it stood there, and is gone
 
  private:
+  QString TextAt(const QModelIndex& index) const;
+
   DeleteList m_list;
   NameIcons m_icons;
 };

@@ -4,6 +4,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 #include <QStatusBar>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -75,7 +76,8 @@ void FrmDelete::Build() {
   layout->addWidget(buttons);
   layout->addWidget(bar);
   Cmd_Cancel->setDefault(true);  // known to the window only once it stands in it
-  resize(fontMetrics().averageCharWidth() * 84, fontMetrics().lineSpacing() * 26);
+  const QSize wanted(fontMetrics().averageCharWidth() * 104, fontMetrics().lineSpacing() * 28);
+  resize(wanted.boundedTo(screen()->availableSize() * 9 / 10));
 }
 
 void FrmDelete::MakeList() {
@@ -86,11 +88,10 @@ void FrmDelete::MakeList() {
   m_fileList->SetEmptyText(tr("No files selected"));
   m_fileList->setModel(m_rows);
   QHeaderView* const header = m_fileList->header();
-  const int digit = fontMetrics().averageCharWidth();
   header->setSectionsClickable(false);
-  header->setSectionResizeMode(0, QHeaderView::Stretch);
-  header->resizeSection(1, digit * 14);
-  header->resizeSection(2, digit * 28);
+  for (const int names : {0, 2})
+    header->setSectionResizeMode(names, QHeaderView::Stretch);
+  header->resizeSection(1, fontMetrics().averageCharWidth() * 14);
 }
 
 void FrmDelete::Connect() {
