@@ -1,5 +1,5 @@
-// The windows that rewrite a carrier of 1 GiB: the longest time between two turns of the event loop while a
-// file in it is updated, and while its password is changed.
+// The windows that take out of a carrier of 1 GiB or rewrite it: the longest time between two turns of the
+// event loop while a file in it is updated, extracted or deleted, and while its password is changed.
 
 #include <benchmark/benchmark.h>
 #include <unistd.h>
@@ -16,6 +16,8 @@
 #include "carrier/open_hideout.h"
 #include "formkit/dialogue_in_windows.h"
 #include "hiding/run_hide.h"
+#include "retrieval/forms/frm_delete.h"
+#include "retrieval/forms/frm_extracting.h"
 #include "retrieval/forms/frm_password.h"
 #include "retrieval/forms/frm_view.h"
 
@@ -62,6 +64,8 @@ class Ground {
     RunHide(request, reading, screen);
   }
   ~Ground() { std::filesystem::remove_all(m_where); }
+
+  const Path& Where() const { return m_where; }
 
  private:
   void Put(const std::string& name, Length mebibytes) {
@@ -126,6 +130,39 @@ void ChangePasswordOf1GiB(benchmark::State& state) {
   }
 }
 BENCHMARK(ChangePasswordOf1GiB)->Arg(1)->Arg(1000)->Unit(benchmark::kMillisecond)->Iterations(1);
+
+void ExtractFrom1GiB(benchmark::State& state) {
+  Ground ground(state.range(0));
+  std::filesystem::create_directory(ground.Where() / "out");
+  ExtractRequest request;
+  request.carrier = ground.session.current.CurrentCarrierPath;
+  request.target = ground.Where() / "out";
+  request.all = true;
+  for (auto _ : state) {
+    FrmExtracting form(ground.session, ground.person, request, nullptr);
+    const Turns turns;
+    form.exec();
+    state.counters["longest_turn_ms"] = turns.Longest();
+    state.counters["extracted"] = std::filesystem::exists(ground.Where() / "out/a.txt") ? 1 : 0;
+  }
+}
+BENCHMARK(ExtractFrom1GiB)->Arg(1000)->Unit(benchmark::kMillisecond)->Iterations(1);
+
+void DeleteFrom1GiB(benchmark::State& state) {
+  Ground ground(state.range(0));
+  for (auto _ : state) {
+    FrmDelete form(
+        ground.session, ground.person,
+        DeleteList({ExtractChoice{}}, ground.session.catalogue, ground.session.current.CurrentCarrierPath),
+        nullptr);
+    form.show();
+    const Turns turns;
+    Button(form, "Cmd_Delete")->click();
+    state.counters["longest_turn_ms"] = turns.Longest();
+    state.counters["left"] = static_cast<double>(ground.session.catalogue.Rows().size());
+  }
+}
+BENCHMARK(DeleteFrom1GiB)->Arg(1)->Unit(benchmark::kMillisecond)->Iterations(1);
 
 }  // namespace
 }  // namespace tarnel::bench
