@@ -10,35 +10,16 @@
 #include <filesystem>
 #include <fstream>
 
+#include "bench/forms/surroundings.h"
 #include "bench/forms/turns.h"
 #include "carrier/open_hideout.h"
-#include "formkit/dialogue_in_windows.h"
 #include "hiding/forms/frm_hide.h"
 #include "shellint/inotify_watch.h"
-#include "shellint/places.h"
 
 namespace tarnel::bench {
 namespace {
 
 constexpr int kFiles = 20'000;
-
-/// Yields as the program does; nobody answers.
-class Nobody : public DialogueInWindows {
- public:
-  Answer Ask(const Question& question) override { return SafeAnswer(question.buttons); }
-};
-
-class OnePlace : public Places {
- public:
-  explicit OnePlace(Path folder) : m_folder(std::move(folder)) {}
-  Path Desktop() override { return m_folder; }
-  Path Documents() override { return {}; }
-  DriveSurvey Drives() override { return {}; }
-  int DrivesHandle() const override { return -1; }
-
- private:
-  Path m_folder;
-};
 
 /// A folder that goes at the end, with a carrier beside it.
 class Ground {

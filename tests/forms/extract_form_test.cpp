@@ -5,26 +5,20 @@
 #include "retrieval/forms/frm_extract.h"
 #include "retrieval/forms/frm_extracting.h"
 #include "shellint/forms/uc_directory_tree.h"
-#include "tests/carrier/carrier_bench.h"
 #include "tests/forms/fixed_places.h"
 #include "tests/forms/forms_bench.h"
-#include "tests/support/faulty_files.h"
+#include "tests/forms/session_bench.h"
 
 namespace tarnel::test {
 namespace {
 
 /// An open hideout with two files, of which the first stands on the desktop already.
-class ExtractFormBench {
+class ExtractFormBench : public SessionBench {
  public:
   ExtractFormBench() {
     carrier.Hide({.name = "a", .content = "new a"}).Hide({.name = "b", .content = "new b"});
     temp.Put("Desktop/a", "old a");
-    person.script.onYield = [](std::size_t) { QCoreApplication::processEvents(); };
-    session.current.CurrentPassword = HeldKey("secret");
-    BenchScreen screen;
-    Reading reading = session.MakeReading();
-    TryPassword(carrier.carrier, session.current.CurrentPassword, reading, screen);
-    session.DirView_NodeClick(*session.catalogue.Roots().at(0));
+    Open();
   }
 
   /// As the command does; `choose` operates the first window.
@@ -41,13 +35,6 @@ class ExtractFormBench {
 
   std::string OnDesktop(const char* name) { return ReadAll(temp / "Desktop" / name); }
 
-  CarrierBench carrier;
-  TempFolder temp;
-  PosixFiles posix;
-  FaultyFiles files{posix};
-  SettingsFile settings{posix, temp / "settings.ini"};
-  Session session{files, settings, [](const std::string&) { return std::string(); }};
-  Scripted<> person;
   ModalSteps modal;
   std::function<void(QWidget&)> answer;  ///< given in the window that asks about "a"
 };
@@ -111,7 +98,7 @@ TEST_P(ExtractFormSweep, WhateverFailsNoFileIsHalfAndTheCarrierStays) {
     const bool isThere = std::filesystem::exists(bench.temp / "Desktop/b");
     EXPECT_TRUE(isThere ? bench.OnDesktop("b") == "new b" : isHeard);
     EXPECT_EQ(ReadAll(bench.carrier.carrier), before);
-    EXPECT_TRUE(bench.session.fileList.Shows(*bench.session.SelectedNode(), bench.session.catalogue));
+    bench.ExpectListAgreesWithCatalogue();
     if (bench.files.HasFailed()) continue;
     EXPECT_TRUE(!isHeard && k > 20) << k;
     return;
