@@ -81,10 +81,4 @@ struct SelectionPanels {
 };
 SelectionPanels PanelsOf(std::size_t rows, long foldersCounted, double totalBytes);
 
-/// What the person has to hear of a run; nothing if all was done.
-std::optional<Question> HideReport(const HideResult& result, const Path& carrier);
-
-/// What collecting has passed over; nothing if that is nothing.
-std::optional<Question> PassedOverReport(const std::vector<PassedOver>& passed);
-
 }  // namespace tarnel

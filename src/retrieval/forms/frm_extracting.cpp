@@ -101,7 +101,7 @@ void FrmExtracting::Extract() {
     Screen screen(*this);
     result = RunExtract(m_request, GetSession().catalogue, GetSession().files, screen);
   }
-  if (const auto report = ExtractReport(result)) GetDialogue().Ask(*report);
+  if (const auto report = questions::ExtractReport(result)) GetDialogue().Ask(*report);
 }
 
 void FrmExtracting::PressCancel() {
