@@ -162,7 +162,7 @@ void HideVerb::AskBeforeDestroying() {
 HideRequest HideVerb::Request() const {
   HideRequest request;
   request.rows = m_choice.Rows();
-  request.totalBytes = static_cast<double>(m_choice.TotalBytes());
+  request.totalBytes = m_choice.TotalBytes();
   request.keepTimes = m_options.keepTimes;
   request.compress = m_options.compressionLevel.has_value();
   request.compressionLevel = m_options.compressionLevel.value_or(request.compressionLevel);

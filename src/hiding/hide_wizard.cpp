@@ -78,9 +78,9 @@ void HideWizard::BeginHiding() {
   m_isLoading = false;
 }
 
-SelectionPanels PanelsOf(std::size_t rows, long foldersCounted, double totalBytes) {
+SelectionPanels PanelsOf(std::size_t rows, long foldersCounted, Length totalBytes) {
   return {"Files: " + std::to_string(rows), "Subfolders: " + std::to_string(foldersCounted),
-          "Total Size: " + GroupedKilobytes(totalBytes) + " KB"};
+          "Total Size: " + GroupedKilobytes(static_cast<double>(totalBytes)) + " KB"};
 }
 
 }  // namespace tarnel

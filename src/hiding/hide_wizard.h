@@ -79,6 +79,6 @@ struct SelectionPanels {
 
   bool operator==(const SelectionPanels&) const = default;
 };
-SelectionPanels PanelsOf(std::size_t rows, long foldersCounted, double totalBytes);
+SelectionPanels PanelsOf(std::size_t rows, long foldersCounted, Length totalBytes);
 
 }  // namespace tarnel

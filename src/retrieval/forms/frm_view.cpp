@@ -41,7 +41,7 @@ class FrmView::OpeningOnForm : public ForwardingScreen<ViewScreen> {
     m_form.Lb_extractingTo->SetPath(ShownPath(previewFile));
   }
   void ShowProgress(Length value, Length maximum) override {
-    m_form.ProgressBar->Show(static_cast<double>(value), static_cast<double>(maximum));
+    m_form.ProgressBar->Show(value, maximum);
   }
 
  private:
@@ -62,7 +62,7 @@ class FrmView::UpdatingOnForm : public RewritingSessionScreen<RewriteScreen> {
   }
   void ShowProgress(Length value, Length maximum) override {
     if (m_form.m_step == ViewStep::Asking) Begin();
-    m_form.ProgressBar1->Show(static_cast<double>(value), static_cast<double>(maximum));
+    m_form.ProgressBar1->Show(value, maximum);
   }
   void CarrierReplaced() override { m_form.ShowStep(ViewStep::Reading); }
   void ShowReading(Length, Length) override {}
