@@ -37,6 +37,11 @@ class OpeningOnTerminal : public ReadingOnTerminal<OpeningScreen> {
   OpeningOnTerminal(TerminalDialogue& talk, ReadingGuards& guards)
       : ReadingOnTerminal(talk), m_guards(guards) {}
 
+  Answer Ask(const Question& question) override {
+    const Answer answer = ReadingOnTerminal::Ask(question);
+    CarryCancel(*this, m_guards.AbortReadingFlag);
+    return answer;
+  }
   void Yield() override {
     ReadingOnTerminal::Yield();
     CarryCancel(*this, m_guards.AbortReadingFlag);

@@ -189,7 +189,7 @@ TEST_F(Extract, StaysInsideWhenAFolderIsSwappedForALinkMeanwhile) {
       std::filesystem::create_directory_symlink(outside, b.target / "Pics");
     };
     script().Always("extract.error", Answer::Abort).Always("extract.name", Answer::Abort);
-    RunExtract(b.All(), b.catalogue, files, b.extractScreen);
+    b.ExtractThrough(files, b.extractScreen);
     EXPECT_TRUE(std::filesystem::is_empty(outside)) << "at operation " << k;
   }
 }
@@ -218,7 +218,7 @@ TEST_F(Extract, LeavesOnlyWholeFilesWhereverItIsCancelled) {
     std::filesystem::remove_all(bench.target);
     ExtractScript screen;
     screen.script.CancelAtYield(n);
-    const ExtractResult result = RunExtract(bench.All(), bench.catalogue, bench.files, screen);
+    const ExtractResult result = bench.ExtractThrough(bench.files, screen);
     EXPECT_EQ(WholeFiles(), result.extracted) << n;
     EXPECT_EQ(PartsLeft(), 0) << n;
     EXPECT_EQ(result.ending == ExtractEnding::Cancelled, result.extracted < 2);
@@ -240,7 +240,7 @@ TEST_F(Extract, LeavesOnlyWholeFilesWhateverFails) {
         screen.script.Always("extract.error", answer)
             .Always("extract.name", answer)
             .Always("extract.overwrite", Answer::Yes);
-        const ExtractResult result = RunExtract(bench.All(), bench.catalogue, files, screen);
+        const ExtractResult result = bench.ExtractThrough(files, screen);
         EXPECT_TRUE(answer != Answer::Retry || result.extracted == 2u) << k;
         EXPECT_EQ(WholeFiles(), result.extracted) << k;
         EXPECT_TRUE(times == Times::FromThenOn || PartsLeft() == 0) << k;

@@ -100,7 +100,8 @@ void FrmExtracting::Extract() {
   {
     const BusyCursor busy;
     Screen screen(*this);
-    result = RunExtract(m_request, GetSession().catalogue, GetSession().files, screen);
+    Reading reading = GetSession().MakeReading();
+    result = RunExtract(m_request, reading, screen);
   }
   if (const auto report = questions::ExtractReport(result)) GetDialogue().Ask(*report);
 }
