@@ -46,6 +46,12 @@ struct Link {
   }
 };
 
+/// What makes a torn text as long as a text can be, so that the bridge's trailer is found behind it.
+std::string PaddingOf(Length text) {
+  const Length characters = text % static_cast<Length>(kLineSize);
+  return std::string(static_cast<std::size_t>((4 - characters % 4) % 4), '=');
+}
+
 class Planning {
  public:
   Planning(File& carrier, const Key& key, Dialogue& dialogue)
@@ -238,12 +244,13 @@ void Planning::BridgeGap(Position from, Length length) {
     return;
   }
   const Length text = LengthOfTextBefore(m_carrier, end);
-  const Length recordLength = text > 0 && text <= length ? text : 1;
+  const Length record = text > 0 && text <= length ? text : 1;
+  const std::string padding = record == text ? PaddingOf(text) : std::string();
   CopyUntil(end);
-  m_plan.pieces.push_back(
-      {.from = {},
-       .length = 0,
-       .written = PackLengthField(length - recordLength) + PackLengthField(recordLength)});
+  m_plan.pieces.push_back({.from = {},
+                           .length = 0,
+                           .written = padding + PackLengthField(length - record) +
+                                      PackLengthField(record + static_cast<Length>(padding.size()))});
   m_plan.steps.push_back({Kind::Bridge, from, length, {}});
   ++m_plan.links;
 }
