@@ -87,10 +87,8 @@ class HideOnForm : public SessionScreen<HideScreen> {
     m_form.m_frame1->Files->setCurrentIndex(m_form.m_rows->index(static_cast<int>(number) - 1, 0));
   }
   void FileDone(std::size_t number) override { m_form.GreyRow(number); }
-  void ShowProgress(double value, double maximum) override { m_frame.Progress->Show(value, maximum); }
-  void ShowBackup(Length copied, Length size) override {
-    m_frame.Progress->Show(static_cast<double>(copied), static_cast<double>(size));
-  }
+  void ShowProgress(Length value, Length maximum) override { m_frame.Progress->Show(value, maximum); }
+  void ShowBackup(Length copied, Length size) override { m_frame.Progress->Show(copied, size); }
   void ShowOriginal(OriginalStep step, const Path& original, std::size_t number, std::size_t count) override {
     if (step != m_step) m_frame.Progress->Restart();
     m_step = step;
