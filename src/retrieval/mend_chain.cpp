@@ -281,6 +281,13 @@ void Planning::CopyUntil(Position end) {
   m_copied = end;
 }
 
+Length SizeOf(const MendPlan& plan) {
+  Length size = 0;
+  for (const MendPlan::Piece& piece : plan.pieces)
+    size += piece.length + static_cast<Length>(piece.written.size());
+  return size;
+}
+
 /// Walks through the mended carrier as any reader does.
 void MustLeadToAll(const MendPlan& plan, File& mended, const Path& path, Dialogue& dialogue) {
   Pace pace(dialogue);
@@ -329,6 +336,9 @@ std::string SentenceOf(const MendPlan::Step& step) {
 
 bool WriteMended(const MendPlan& plan, File& carrier, const Path& path, const Path& to, Files& files,
                  Dialogue& dialogue) {
+  if (SizeOf(plan) > kCarrierLimit)
+    throw Error(ErrorNumber::DiskFull,
+                "cannot mend " + Printable(path.native()) + ": a carrier has to stay below 2 GiB", path);
   const std::unique_ptr<File> mended = files.CreateNew(to, 0600);
   PartialFile partial(files, to);
   mended->ExpectSync();
@@ -341,9 +351,6 @@ bool WriteMended(const MendPlan& plan, File& carrier, const Path& path, const Pa
       dialogue.Yield();
     }
   }
-  if (sink.Written() > kCarrierLimit)
-    throw Error(ErrorNumber::DiskFull,
-                "cannot mend " + Printable(path.native()) + ": a carrier has to stay below 2 GiB", path);
   MustLeadToAll(plan, *mended, path, dialogue);
   mended->Sync();
   mended->Close();

@@ -382,6 +382,28 @@ TEST(TryPassword, FailsAfterTwentyWalksAndOnceAbortedReadsNoMoreEntries) {
   }
 }
 
+TEST(TryPassword, OpensTheCarrierAnewOnceSomebodyHasWrittenToItOrAReadHasFailed) {
+  for (const bool hasFailed : {false, true}) {
+    CarrierBench bench(1000);
+    FaultyFiles files(bench.posix);
+    Reading reading{files, bench.catalogue, bench.guards, bench.current};
+    bench.Hide({"a"}, {"secret", Algorithm::Twofish}).Hide({"x"}, theirs);
+    if (hasFailed)
+      files.Fail({.counts = [](const Operation& operation) { return operation.name == "File.ReadAt"; }});
+    else
+      bench.screen.script.onYield = [&](std::size_t yield) {
+        if (yield == 12) bench.Hide({"b"}, {"secret", Algorithm::Twofish});
+      };
+    bench.screen.script.Always("load.error", Answer::Ignore);
+    EXPECT_EQ(TryPassword(bench.carrier, HeldKey("secret"), reading, bench.screen), LoadResult::Loaded);
+    EXPECT_EQ(bench.Names(), hasFailed ? Strings{"a"} : (Strings{"b", "a"}));
+    const auto& record = files.Record();
+    EXPECT_EQ(std::count_if(record.begin(), record.end(),
+                            [](const Operation& operation) { return operation.name == "Files.OpenToRead"; }),
+              2);
+  }
+}
+
 TEST(TryPassword, EndsAsASuccessWhereTheOpenHideoutIsKept) {
   CarrierBench bench(1000);
   bench.Hide({"a"}).Load();

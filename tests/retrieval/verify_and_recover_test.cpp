@@ -145,6 +145,14 @@ TEST(Recover, ProposesTheCopyWithTheMostWholeEntriesAndThenTheFewestDamagedOnes)
   }
 }
 
+TEST(Recover, EndsByCancelWhileItSeeksEntriesAndWhileItReadsThem) {
+  for (const auto& [password, yields] : {std::pair("other", 0U), std::pair("secret", 1U)}) {
+    RecoverBench bench;
+    bench.person.script.CancelAtYield(yields);
+    EXPECT_TRUE(PlanRecovery(bench.carrier, HeldKey(password), bench.files, bench.person).cancelled);
+  }
+}
+
 TEST(Recover, ProposesNothingUnderAWrongPassword) {
   RecoverBench bench;
   EXPECT_EQ(PlanRecovery(bench.carrier, HeldKey("other"), bench.files, bench.person).best, std::nullopt);
