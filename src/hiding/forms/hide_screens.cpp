@@ -67,12 +67,12 @@ void HideOnForm::FileDone(std::size_t number) {
   m_list.scrollTo(m_rows.index(static_cast<int>(number) - 1, 0));
 }
 
-void HideOnForm::ShowProgress(double value, double maximum) {
+void HideOnForm::ShowProgress(Length value, Length maximum) {
   m_frame.Progress->Show(value, maximum);
 }
 
 void HideOnForm::ShowBackup(Length copied, Length size) {
-  m_frame.Progress->Show(static_cast<double>(copied), static_cast<double>(size));
+  m_frame.Progress->Show(copied, size);
 }
 
 void HideOnForm::ShowOriginal(OriginalStep step, const Path& original, std::size_t number,

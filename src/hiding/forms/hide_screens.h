@@ -37,7 +37,7 @@ class HideOnForm : public SessionScreen<HideScreen> {
   void ShowStage(HideStage stage) override;
   void ShowFile(std::size_t number, std::size_t count, const Path& source, Length size) override;
   void FileDone(std::size_t number) override;
-  void ShowProgress(double value, double maximum) override;
+  void ShowProgress(Length value, Length maximum) override;
   void ShowBackup(Length copied, Length size) override;
   void ShowOriginal(OriginalStep step, const Path& original, std::size_t number, std::size_t count) override;
   void ShowReading(Length passed, Length size) override;
