@@ -52,8 +52,8 @@ struct OpenedRecord {
   Length length = 0;  ///< of the text
 };
 
-/// Opens texts under a key. What a damaged record without its trailer costs, a try with each length that it
-/// can have, is spent on 50,000 of a carrier at most: the others count as damaged at once.
+/// Opens texts under a key. What a damaged record costs, a try with each length that it can have, is spent on
+/// 50,000 of a carrier at most: the others count as damaged at once.
 class RecordOpener {
  public:
   RecordOpener(File& carrier, const Key& key) : m_carrier(carrier), m_key(key) {}

@@ -47,6 +47,12 @@ struct Link {
   }
 };
 
+/// What makes a torn text as long as a text can be, so that the bridge's trailer is found behind it.
+std::string PaddingOf(Length text) {
+  const Length characters = text % static_cast<Length>(kLineSize);
+  return std::string(static_cast<std::size_t>((4 - characters % 4) % 4), '=');
+}
+
 class Planning {
  public:
   Planning(File& carrier, const Key& key, Dialogue& dialogue)
@@ -239,12 +245,13 @@ void Planning::BridgeGap(Position from, Length length) {
     return;
   }
   const Length text = LengthOfTextBefore(m_carrier, end);
-  const Length recordLength = text > 0 && text <= length ? text : 1;
+  const Length record = text > 0 && text <= length ? text : 1;
+  const std::string padding = record == text ? PaddingOf(text) : std::string();
   CopyUntil(end);
-  m_plan.pieces.push_back(
-      {.from = {},
-       .length = 0,
-       .written = PackLengthField(length - recordLength) + PackLengthField(recordLength)});
+  m_plan.pieces.push_back({.from = {},
+                           .length = 0,
+                           .written = padding + PackLengthField(length - record) +
+                                      PackLengthField(record + static_cast<Length>(padding.size()))});
   m_plan.steps.push_back({Kind::Bridge, from, length, {}});
   ++m_plan.links;
 }
@@ -272,6 +279,13 @@ void Planning::CopyUntil(Position end) {
   if (end <= m_copied) return;
   m_plan.pieces.push_back({.from = m_copied, .length = end - m_copied, .written = {}});
   m_copied = end;
+}
+
+Length SizeOf(const MendPlan& plan) {
+  Length size = 0;
+  for (const MendPlan::Piece& piece : plan.pieces)
+    size += piece.length + static_cast<Length>(piece.written.size());
+  return size;
 }
 
 /// Walks through the mended carrier as any reader does.
@@ -322,6 +336,9 @@ std::string SentenceOf(const MendPlan::Step& step) {
 
 bool WriteMended(const MendPlan& plan, File& carrier, const Path& path, const Path& to, Files& files,
                  Dialogue& dialogue) {
+  if (SizeOf(plan) > kCarrierLimit)
+    throw Error(ErrorNumber::DiskFull,
+                "cannot mend " + Printable(path.native()) + ": a carrier has to stay below 2 GiB", path);
   const std::unique_ptr<File> mended = files.CreateNew(to, 0600);
   PartialFile partial(files, to);
   mended->ExpectSync();
@@ -334,9 +351,6 @@ bool WriteMended(const MendPlan& plan, File& carrier, const Path& path, const Pa
       dialogue.Yield();
     }
   }
-  if (sink.Written() > kCarrierLimit)
-    throw Error(ErrorNumber::DiskFull,
-                "cannot mend " + Printable(path.native()) + ": a carrier has to stay below 2 GiB", path);
   MustLeadToAll(plan, *mended, path, dialogue);
   mended->Sync();
   mended->Close();
