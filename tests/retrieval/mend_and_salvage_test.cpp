@@ -234,7 +234,7 @@ TEST(Salvage, EndsWhenCancelledAndCountsOnceWhatItSoughtTwice) {
   }
   SalvageBench bench;
   bench.Hide({"a"}).Hide({"b"});
-  bench.files.Fail({.at = 8, .counts = [](const Operation& each) { return each.name == "File.ReadAt"; }});
+  bench.files.Fail({.at = 8, .counts = Calls("File.ReadAt")});
   bench.person.script.Expect("extract.error", Answer::Retry);
   EXPECT_EQ(bench.Run().found, 2U);
 }
