@@ -40,7 +40,7 @@ class Distinct {
     for (const std::size_t row : chosen)
       Add(rows[row]);
   }
-  const Catalogue& Get() const { return m_catalogue; }
+  Catalogue& Get() { return m_catalogue; }
 
  private:
   std::string FolderOf(const MirrorRow& row) const {
@@ -120,11 +120,12 @@ ExitCode ToOutput(const Workbench& bench, const Rows& chosen, Surroundings& arou
 }
 
 ExitCode ToFolder(Workbench& bench, const ExtractOptions& options, const Rows& chosen, Surroundings& around) {
-  const Distinct distinct(bench.Rows(), chosen,
-                          options.flat ? Distinct::Folders::Dropped : Distinct::Folders::Kept);
+  Distinct distinct(bench.Rows(), chosen,
+                    options.flat ? Distinct::Folders::Dropped : Distinct::Folders::Kept);
   ExtractOnTerminal screen(around.talk);
-  const ExtractResult result =
-      RunExtract(RequestFor(bench, options, chosen.size()), distinct.Get(), around.files, screen);
+  const Reading& opened = bench.GetReading();
+  Reading reading{opened.files, distinct.Get(), opened.guards, opened.current};
+  const ExtractResult result = RunExtract(RequestFor(bench, options, chosen.size()), reading, screen);
   around.talk.Progress().Clear();
   if (result.ending == ExtractEnding::Aborted) throw around.talk.LastFailure();
   if (result.ending == ExtractEnding::Cancelled) {

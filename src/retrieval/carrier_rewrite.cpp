@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/attributes.h"
+#include "base/copy_file.h"
 #include "base/pace.h"
 #include "base/permissions.h"
 #include "base/printable.h"
@@ -17,17 +18,13 @@ namespace {
 
 Path WhereItLies(const Path& carrier, Files& files) {
   const std::optional<FileStat> found = files.Stat(carrier, Files::Links::DontFollow);
-  if (!found || found->kind != FileKind::SymbolicLink) return carrier;
-  std::error_code fault;
-  Path target = std::filesystem::canonical(carrier, fault);
-  if (fault) throw ErrnoError(fault.value(), "open", carrier);
-  return target;
+  return found && found->kind == FileKind::SymbolicLink ? files.Canonical(carrier) : carrier;
 }
 
 /// A carrier that may not be written can still be replaced.
 std::unique_ptr<File> LockCarrier(const Path& carrier, Files& files) {
   const std::optional<FileStat> found = files.Stat(carrier);
-  const bool isReadOnly = found && (found->mode & 0200) == 0;
+  const bool isReadOnly = found && !OwnerMayWrite(*found);
   return OpenLocked(carrier, files, isReadOnly ? LockAccess::Read : LockAccess::Change);
 }
 
@@ -98,7 +95,7 @@ CarrierRewrite::CarrierRewrite(const Path& carrier, const std::vector<KnownEntry
   m_partial.emplace(files, m_temporaryPath);
   if (m_manner.savedAttributes == RewriteManner::SavedAttributes::ReadLast) return;
   m_savedMode = stat.mode;
-  SetCarrierMode(ApplyReadOnly(stat.mode, attribute::Archive));
+  SetCarrierMode(ApplyReadOnly(stat.mode, attribute::kArchive));
 }
 
 void CarrierRewrite::MustHold(const KnownEntry& entry) {
@@ -134,10 +131,9 @@ void CarrierRewrite::KeepUntil(Position end) {
 }
 
 void CarrierRewrite::CopyStretch(Position from, Length length, TemporarySink& sink) {
-  constexpr Length most = Length{1024} * 1024;
   BlockCount count = CountBlocks(length);
   for (Length done = 0; done < length;) {
-    const Length piece = std::min(most, length - done);
+    const Length piece = std::min(kCopyPiece, length - done);
     count.PassAll(static_cast<std::size_t>(piece));
     sink.CopyFrom(*m_carrier, m_carrierPath, from + done, piece);
     done += piece;

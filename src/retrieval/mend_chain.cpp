@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/attempt.h"
+#include "base/copy_file.h"
 #include "base/file_streams.h"
 #include "base/pace.h"
 #include "base/partial_file.h"
@@ -335,7 +336,6 @@ std::string SentenceOf(const MendPlan::Step& step) {
 
 bool WriteMended(const MendPlan& plan, File& carrier, const Path& path, const Path& to, Files& files,
                  Dialogue& dialogue) {
-  constexpr Length most = Length{1} << 20;
   if (SizeOf(plan) > kCarrierLimit)
     throw Error(ErrorNumber::DiskFull,
                 "cannot mend " + Printable(path.native()) + ": a carrier has to stay below 2 GiB", path);
@@ -345,9 +345,9 @@ bool WriteMended(const MendPlan& plan, File& carrier, const Path& path, const Pa
   FileSink sink(*mended, Position{1});
   for (const MendPlan::Piece& piece : plan.pieces) {
     sink.Write(AsBytes(piece.written));
-    for (Length done = 0; done < piece.length; done += most) {
+    for (Length done = 0; done < piece.length; done += kCopyPiece) {
       if (dialogue.CancelRequested()) return false;
-      sink.CopyFrom(carrier, path, piece.from + done, std::min(most, piece.length - done));
+      sink.CopyFrom(carrier, path, piece.from + done, std::min(kCopyPiece, piece.length - done));
       dialogue.Yield();
     }
   }

@@ -243,7 +243,7 @@ TEST_F(Extract, StaysInsideWhenAFolderOrAFileIsSwappedForALinkMeanwhile) {
       files.before = [&](const Operation&) {
         if (files.Count() == k) harm();
       };
-      RunExtract(bench.All(), bench.catalogue, files, bench.extractScreen);
+      bench.ExtractThrough(files, bench.extractScreen);
       EXPECT_TRUE(std::filesystem::is_empty(outside)) << "at operation " << k;
       EXPECT_EQ(ReadAll(victim), "mine") << "at operation " << k;
     }
@@ -273,7 +273,7 @@ TEST_F(Extract, LeavesOnlyWholeFilesWhereverItIsCancelled) {
     std::filesystem::remove_all(bench.target);
     ExtractScript screen;
     screen.script.CancelAtYield(n);
-    const ExtractResult result = RunExtract(bench.All(), bench.catalogue, bench.files, screen);
+    const ExtractResult result = bench.ExtractThrough(bench.files, screen);
     EXPECT_EQ(WholeFiles(), result.extracted) << n;
     EXPECT_EQ(PartsLeft(), 0) << n;
     EXPECT_EQ(result.ending == ExtractEnding::Cancelled, result.extracted < 2);
@@ -295,7 +295,7 @@ TEST_F(Extract, LeavesOnlyWholeFilesWhateverFails) {
         screen.script.Always("extract.error", answer)
             .Always("extract.name", answer)
             .Always("extract.overwrite", Answer::Yes);
-        const ExtractResult result = RunExtract(bench.All(), bench.catalogue, files, screen);
+        const ExtractResult result = bench.ExtractThrough(files, screen);
         EXPECT_TRUE(answer != Answer::Retry || result.extracted == 2u) << k;
         EXPECT_EQ(WholeFiles(), result.extracted) << k;
         EXPECT_TRUE(times == Times::FromThenOn || PartsLeft() == 0) << k;

@@ -178,7 +178,7 @@ struct SalvageBench : RetrievalBench {
   } person;
 
   SalvageResult Run() {
-    return RunSalvage({.carrier = carrier, .target = target}, HeldKey("secret"), files, person);
+    return RunSalvage({.carrier = carrier, .password = HeldKey("secret"), .target = target}, files, person);
   }
   /// "path=contents" below the target, and "name: fault".
   Strings Salvaged() {

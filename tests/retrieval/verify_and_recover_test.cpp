@@ -16,11 +16,7 @@ struct VerifyBench : RetrievalBench {
 
   explicit VerifyBench(std::size_t bodySize = 100) : RetrievalBench(bodySize) {}
 
-  VerifyResult Run() {
-    HideoutKey key;
-    key.password = HeldKey("secret");
-    return RunVerify(carrier, key, files, person);
-  }
+  VerifyResult Run() { return RunVerify({.carrier = carrier, .password = HeldKey("secret")}, files, person); }
   /// "name" or "name: reason", newest first.
   Strings Verdicts() {
     Strings verdicts;
@@ -104,7 +100,7 @@ TEST(Verify, EndsAtTheNextBlockOrEntryOnceCancelled) {
     for (const std::string& name : later)
       bench.Hide({name});
     bench.person.script.CancelAtYield(2);
-    EXPECT_TRUE(bench.Run().cancelled);
+    EXPECT_EQ(bench.Run().ending, VerifyEnding::Cancelled);
     EXPECT_LE(bench.person.script.Yields(), 2u);
   }
 }
