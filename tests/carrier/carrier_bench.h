@@ -10,7 +10,9 @@
 #include "carrier/open_hideout.h"
 #include "carrier/record.h"
 #include "carrier/stored_text.h"
+#include "carrier/tags.h"
 #include "crypto/cipher.h"
+#include "crypto/compression.h"
 #include "tests/crypto/memory_streams.h"
 #include "tests/support/held_key.h"
 #include "tests/support/scripted_dialogue.h"
@@ -60,6 +62,17 @@ class CarrierBench {
   CarrierBench& Hide(const Hidden& hidden, const Under& under = {}) {
     const std::string payload = Encrypt(hidden.content, under);
     return HideRecord(RecordOf(hidden, payload.size()), payload, under);
+  }
+
+  CarrierBench& Compressed(const Hidden& hidden, const Under& under = {}) {
+    MemorySource plain(hidden.content);
+    CompressingSource compressed(plain, static_cast<Length>(hidden.content.size()), 6);
+    std::string form(2 * hidden.content.size() + 100, '\0');
+    form.resize(compressed.Read({reinterpret_cast<std::uint8_t*>(form.data()), form.size()}));
+    const std::string payload = Encrypt(form, under);
+    std::string record(RecordOf(hidden, payload.size()));
+    record.replace(record.find("?Cmpr=<0"), 8, "?Cmpr=<6");
+    return HideRecord(record, payload, under);
   }
 
   /// An entry with any record text.
@@ -128,10 +141,28 @@ class CarrierBench {
   std::string ContentOf(const MirrorRow& row) {
     const auto file = posix.OpenToRead(row.hideout->carrier);
     FileSource source(*file, row.hideout->carrier, row.start, row.size);
-    MemorySink sink;
-    const bool intact =
+    MemorySink plain;
+    DecompressingSink decompression(plain);
+    const bool isCompressed = row.Field(tag::kCompressed) != "0";
+    ByteSink& sink = isCompressed ? static_cast<ByteSink&>(decompression) : plain;
+    const bool isIntact =
         CipherDecryptFile(row.hideout->algorithm, source, sink, row.hideout->password, secondKey);
-    return intact ? sink.text : "(damaged)";
+    return isIntact && (!isCompressed || decompression.IsIntact()) ? plain.text : "(damaged)";
+  }
+
+  /// Name and contents of every row, oldest first.
+  std::vector<std::string> Contents() {
+    std::vector<std::string> contents;
+    for (const MirrorRow& row : catalogue.Rows())
+      contents.insert(contents.begin(), ToPlatform(row.Name()) + "=" + ContentOf(row));
+    return contents;
+  }
+
+  /// The same as a fresh reader finds it.
+  std::vector<std::string> ContentsUnder(const Under& under) {
+    catalogue.RemoveCarrier(carrier);
+    Load(under);
+    return Contents();
   }
 
   TempFolder folder;

@@ -95,7 +95,7 @@ TEST(Walk, CallsTheChainBrokenAtTheTrailerThatLedAstray) {
                {300, 0, 0, 7, true},  {300, 0, 7, 0, false},   // nothing tells
                {300, 2, 0, 0, false}, {300, 2, -40, 0, true},  // half a trailer on, or back
                {300, 2, 40, 0, true}, {300, 2, 0, 40, true},  {300, 2, 0, 1, true},
-               {300, 2, 0, 2, true},  {300, 2, 2, 0, true}};
+               {300, 2, 0, 2, true},  {300, 2, 2, 0, true},   {300, 2, 4, 0, true}};
   for (const auto& c : cases) {
     CarrierBench bench(c.body);
     for (int i = 0; i < c.older; ++i)

@@ -8,8 +8,6 @@
 #include <vector>
 
 #include "carrier/companions.h"
-#include "carrier/tags.h"
-#include "crypto/compression.h"
 #include "hiding/run_hide.h"
 #include "tests/carrier/carrier_bench.h"
 #include "tests/support/faulty_files.h"
@@ -17,7 +15,7 @@
 
 namespace tarnel::test {
 
-using Contents = std::multimap<std::string, std::string>;
+using ContentsByName = std::multimap<std::string, std::string>;
 
 /// The k-th call of this name on this path fails.
 inline Fault FailingCall(const std::string& name, const Path& path, std::size_t k = 1) {
@@ -99,12 +97,12 @@ class HideBench : public CarrierBench {
   HideResult RunHide() { return tarnel::RunHide(request, session, hideScreen); }
 
   /// Name and plain content of all entries of the hideout as a fresh reader finds them, oldest first.
-  Contents Found() {
+  ContentsByName Found() {
     catalogue.RemoveCarrier(carrier);
     CarrierBench::Load();
-    Contents contents;
+    ContentsByName contents;
     for (auto row = catalogue.Rows().rbegin(); row != catalogue.Rows().rend(); ++row)
-      contents.emplace(ToPlatform(row->Name()), PlainContentOf(*row));
+      contents.emplace(ToPlatform(row->Name()), ContentOf(*row));
     return contents;
   }
 
@@ -123,16 +121,6 @@ class HideBench : public CarrierBench {
   Script& script = hideScreen.script;
   std::string oldBytes;
   mode_t oldMode = 0;
-
- private:
-  std::string PlainContentOf(const MirrorRow& row) {
-    const std::string stored = ContentOf(row);
-    if (row.Field(tag::kCompressed) == "0") return stored;
-    MemorySink plain;
-    DecompressingSink decompression(plain);
-    decompression.Write(AsBytes(stored));
-    return decompression.IsIntact() ? plain.text : "(damaged)";
-  }
 };
 
 }  // namespace tarnel::test

@@ -42,7 +42,7 @@ struct SweepBench : HideBench {
   /// What must hold whatever fails: the old carrier, or a whole one, or the old one as backup; and no
   /// original has gone whose entry can't be read.
   void ExpectNothingLost(const std::optional<HideResult>& result) {
-    const Contents hidden = Found();
+    const ContentsByName hidden = Found();
     const bool oldEntryReads = hidden.contains("old");
     EXPECT_TRUE(oldEntryReads || BackupIsOld());
     for (const auto& [name, content] : {std::pair{"a.txt", contentOfA}, std::pair{"b.txt", contentOfB}}) {
@@ -81,7 +81,7 @@ TEST(Hide, BringsEveryByteBackWhateverSizeNameCompressionAndOldBackup) {
     bench.Row("one/a", "first").Row("two/a", "second");
     bench.request.compress = true;
     bench.request.compressionLevel = level;
-    Contents contents{{"a", "own"}, {"a", "first"}, {"a", "second"}};
+    ContentsByName contents{{"a", "own"}, {"a", "first"}, {"a", "second"}};
     for (const std::size_t size : {std::size_t{0}, std::size_t{1}, block - 33, block - 32, block - 31, block,
                                    2 * block - 32, 16 * block - 32, 33 * block + 1}) {
       const std::string name = "\xFF?Fls=<" + std::to_string(size);
@@ -186,7 +186,7 @@ TEST(Hide, GoesOnWhenTheUserHasMadeRoomAndNamesTheBytesThatItNeeds) {
       if (bench.script.Asked().size() == 2) bench.files.LimitSpace(50000);
     };
     EXPECT_EQ(bench.RunHide().ending, HideEnding::Done);
-    EXPECT_EQ(bench.Found(), (Contents{{"a.txt", SampleText(20000)}}));
+    EXPECT_EQ(bench.Found(), (ContentsByName{{"a.txt", SampleText(20000)}}));
     const std::string required =
         "Required: " + std::to_string(bench.catalogue.Rows().at(0).size) + " bytes of free space!";
     for (const Question& question : bench.script.Asked())
@@ -247,7 +247,7 @@ TEST(Hide, LeavesOutASourceThatChangesWhileItIsRead) {
       };
       bench.script.Expect("hide.error", Answer::Ignore);
       EXPECT_EQ(bench.RunHide().ending, HideEnding::Done);
-      EXPECT_EQ(bench.Found(), (Contents{{"b.txt", "other"}}));
+      EXPECT_EQ(bench.Found(), (ContentsByName{{"b.txt", "other"}}));
     }
   }
 }
@@ -289,7 +289,7 @@ TEST(Hide, WritesAgainAfterAFailedSyncOrKeepsBackupAndOriginals) {
       if (operation.path == bench.carrier) calls.push_back(operation.name);
     const auto sync = std::find(calls.begin(), calls.end(), "File.Sync");
     EXPECT_EQ(std::count(sync, calls.end(), "File.WriteAt"), retry ? 2 : 0);
-    EXPECT_EQ(bench.Found(), (Contents{{"a.txt", Pattern(300000)}}));
+    EXPECT_EQ(bench.Found(), (ContentsByName{{"a.txt", Pattern(300000)}}));
   }
 }
 

@@ -144,7 +144,7 @@ TEST(HiddenOriginals, ThatAreLinksGoWithoutWhatTheyPointTo) {
   EXPECT_EQ(bench.Run(Originals::Destroy), std::vector<Path>{target}) << "the plain bytes are not gone";
   EXPECT_FALSE(std::filesystem::is_symlink(bench.Source("link")));
   EXPECT_EQ(ReadAll(target), "content");
-  EXPECT_EQ(bench.Found(), (Contents{{"link", "content"}}));
+  EXPECT_EQ(bench.Found(), (ContentsByName{{"link", "content"}}));
 }
 
 TEST(HiddenOriginals, ThatCannotBeOverwrittenAreDeletedAllTheSame) {

@@ -37,8 +37,7 @@ TEST(ExtractRules, RefuseATargetThatTakesNoFilesAndLeaveNothingThere) {
   for (const char* bad : {"docs/a", "none/new", "docs/a/new"})
     EXPECT_THROW(MustTakeFiles(temp / bad, posix), Error) << bad;
   FaultyFiles files(posix);
-  files.Fail({.number = ErrorNumber::PermissionDenied,
-              .counts = [](const Operation& operation) { return operation.name == "Folder.CreateNew"; }});
+  files.Fail({.number = ErrorNumber::PermissionDenied, .counts = Calls("Folder.CreateNew")});
   EXPECT_THROW(MustTakeFiles(temp / "docs", files), Error);
   EXPECT_EQ(names(), before);
 }

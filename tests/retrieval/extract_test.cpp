@@ -45,7 +45,7 @@ class Extract : public testing::Test {
 
 }  // namespace
 
-TEST_F(Extract, ShowsEachFileAndYieldsBehindEachFullBlock) {
+TEST_F(Extract, ShowsEachFileYieldsBehindEachFullBlockAndPutsAllOnTheMedium) {
   bench.Hide({"b", Pattern(30000 - 32)}).Hide({"a", Pattern(15000)});
   bench.Load();
   ASSERT_EQ(bench.Extract(bench.All()).extracted, 2u);
@@ -55,6 +55,7 @@ TEST_F(Extract, ShowsEachFileAndYieldsBehindEachFullBlock) {
                             "15032 of 15032", "15032 of 15032", "yield", "[2/2] b 30000", "to b",
                             "0 of 30000", "yield", "15000 of 30000", "yield", "30000 of 30000", "yield",
                             "30000 of 30000", "yield"}));
+  EXPECT_EQ(bench.files.Record().back().name, "Files.SyncFileSystem");
 }
 
 TEST_F(Extract, SetsReadOnlyAndTheKeptModeNeverBeyondPermissions) {
@@ -140,13 +141,6 @@ TEST_F(Extract, NeverReplacesTheCarrierItselfNorAFolder) {
   EXPECT_EQ(script().Asked().at(0).cause.value().Number(), ErrorNumber::PathFileAccess);
   EXPECT_EQ(ReadAll(bench.folder / "carrier.bin"), before);
   EXPECT_TRUE(std::filesystem::is_symlink(bench.carrier));
-}
-
-TEST_F(Extract, PutsAllOnTheMediumBeforeItIsDone) {
-  bench.Hide({"a"}).Hide({"b"});
-  bench.Load();
-  EXPECT_EQ(bench.Extract(bench.All()).extracted, 2u);
-  EXPECT_EQ(bench.files.Record().back().name, "Files.SyncFileSystem");
 }
 
 TEST_F(Extract, NeverWritesOutsideTheTargetWhateverTheRecordSays) {

@@ -18,8 +18,10 @@ struct MendBench : RetrievalBench {
       Hide({"file" + std::to_string(starts.size()), "content"}, under);
     }
     starts.push_back(Size() + 1);
+    screen.script.Always("load.error", Answer::Ignore);
   }
 
+  Length RecordOf(std::size_t entry) const { return starts.at(entry) + 7 + kFileCipherOverhead; }
   Length TrailerOf(std::size_t entry) const { return starts.at(entry + 1) - Length{kTrailerSize}; }
   void Replace(std::size_t entry, const std::string& field, std::size_t behind = 0) {
     WriteAll(carrier, ReadAll(carrier).replace(static_cast<std::size_t>(TrailerOf(entry) - 1) + behind,
@@ -36,6 +38,10 @@ struct MendBench : RetrievalBench {
     WriteAll(carrier, ReadAll(carrier).erase(1000, static_cast<std::size_t>(gone)));
     for (Length& start : starts)
       start -= gone;
+  }
+  /// From the trailer of `entry` on.
+  void CutOut(std::size_t entry, std::size_t count) {
+    WriteAll(carrier, ReadAll(carrier).erase(static_cast<std::size_t>(TrailerOf(entry) - 1), count));
   }
   /// Between the entries before and from `entry` on.
   void Insert(std::size_t entry, const std::string& bytes) {
@@ -82,6 +88,11 @@ TEST(Mend, MakesTheChainLeadToAllThatItCanLeadTo) {
       {[](MendBench& b) { b.Spoil(1, "lr"); }, "b 1=content3=content"},  // his own password mends it
       {[](MendBench& b) { b.Insert(2, std::string(5000, '\0')); }, "b " + kAll},
       {[](MendBench& b) { b.Spoil(2, "l"), b.Insert(2, std::string(5000, '\0')); }, "bw " + kAll},
+      // 390 could be the length that 39 was before a character of it was altered, were the trailer before
+      // whole.
+      {[](MendBench& b) { b.Spoil(0, "r"), b.Insert(1, std::string(390 - 39, '\0')); }, "wb " + kAll},
+      {[](MendBench& b) { b.CutOut(0, 10); }, "ww " + kAll},
+      {[](MendBench& b) { b.CutOut(0, 90); }, "www 1=content3=content"},
       // 39, with one character more, is the 390 bytes that the bridge makes of these.
       {[](MendBench& b) { b.Insert(1, std::string(390 - 39 - kTrailerSize, '\0')); }, "b " + kAll},
       {[](MendBench& b) { b.Replace(1, PackLengthField(5)), b.Spoil(1, "r"); }, "ww " + kAll},
@@ -91,7 +102,13 @@ TEST(Mend, MakesTheChainLeadToAllThatItCanLeadTo) {
          b.Hide({"file4", "content"});
        },
        "b 1=content4=content2=content"},
+      {[](MendBench& b) { b.Hide({"torn"}, kOther).CutTo(b.Size() - 90); }, "b " + kAll},
+      // Of somebody else's record: the end of a line, and a few characters of one.
+      {[](MendBench& b) { b.FlipBit(b.RecordOf(1) + 78 + 77, 0); }, " 1=content3=content"},
+      {[](MendBench& b) { b.FlipBit(b.RecordOf(1) + 30, 7), b.FlipBit(b.RecordOf(1) + 40, 7); },
+       " 1=content3=content"},
       {[](MendBench& b) { b.LoseTheOldest(), b.Spoil(1, "l"); }, "? 3=content"},
+      {[](MendBench& b) { b.LoseTheOldest(), b.Replace(1, PackLengthField(99999)); }, "? 3=content"},
   };
   for (const auto& c : cases) {
     MendBench bench;
@@ -234,7 +251,7 @@ TEST(Salvage, EndsWhenCancelledAndCountsOnceWhatItSoughtTwice) {
   }
   SalvageBench bench;
   bench.Hide({"a"}).Hide({"b"});
-  bench.files.Fail({.at = 8, .counts = [](const Operation& each) { return each.name == "File.ReadAt"; }});
+  bench.files.Fail({.at = 8, .counts = Calls("File.ReadAt")});
   bench.person.script.Expect("extract.error", Answer::Retry);
   EXPECT_EQ(bench.Run().found, 2U);
 }

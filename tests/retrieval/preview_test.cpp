@@ -98,8 +98,7 @@ TEST_F(Preview, TouchesNoFileButItsOwnWhateverTheNameAndTheAnswer) {
 
 TEST_F(Preview, TriesAgainOverWhatItHasWritten) {
   bench.Hide({"a", Pattern(40000)}).Load();
-  bench.files.Fail(
-      {.writes = Writes::FirstHalf, .counts = [](const Operation& o) { return o.name == "File.WriteAt"; }});
+  bench.files.Fail({.writes = Writes::FirstHalf, .counts = Calls("File.WriteAt")});
   screen.script.Expect("view.error", Answer::Retry);
   View("a");
   EXPECT_EQ(ReadAll(view.PreviewFile), Pattern(40000));
@@ -110,7 +109,7 @@ TEST_F(Preview, TriesAgainOverWhatItHasWritten) {
 TEST_F(Preview, SaysWhatACancelledViewCouldNotDestroy) {
   bench.Hide({"a", Pattern(40000)}).Load();
   View("a");
-  bench.files.Fail({.counts = [](const Operation& o) { return o.name == "File.Sync"; }});
+  bench.files.Fail({.counts = Calls("File.Sync")});
   screen.script.CancelAtYield(screen.script.Yields() + 2);
   screen.script.Expect("destroy.error", Answer::Abort).Expect("view.attention", Answer::Ok);
   View("a");
@@ -241,8 +240,7 @@ TEST_F(Preview, IsLeftByDestroyingFileAndFolder) {
   for (const auto& c : cases) {
     View("a");
     WriteAll(view.PreviewFolder / "a~", "the application's own copy");
-    bench.files.Fail(
-        {.at = c.at, .number = c.number, .counts = [&](const Operation& o) { return o.name == c.failing; }});
+    bench.files.Fail({.at = c.at, .number = c.number, .counts = Calls(c.failing)});
     ViewScript person;
     person.script.Always("view.return", c.first).Always("view.return-without", c.second);
     person.script.Always("view.locked", c.locked).Always("view.error", Answer::Abort);

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "carrier/companions.h"
-#include "crypto/compression.h"
 #include "retrieval/run_delete.h"
 #include "retrieval/run_extract.h"
 #include "retrieval/run_password.h"
@@ -48,35 +47,11 @@ class RetrievalBench : public CarrierBench {
  public:
   using CarrierBench::CarrierBench;
 
-  RetrievalBench& Hide(const Hidden& hidden, const Under& under = {}) {
-    CarrierBench::Hide(hidden, under);
-    return *this;
-  }
-  RetrievalBench& Compressed(const Hidden& hidden, const Under& under = {}) {
-    MemorySource plain(hidden.content);
-    CompressingSource compressed(plain, static_cast<Length>(hidden.content.size()), 6);
-    std::string text(2 * hidden.content.size() + 100, '\0');
-    text.resize(compressed.Read({reinterpret_cast<std::uint8_t*>(text.data()), text.size()}));
-    const std::string payload = Encrypt(text, under);
-    std::string record(RecordOf(hidden, payload.size()));
-    record.replace(record.find("?Cmpr=<0"), 8, "?Cmpr=<6");
-    HideRecord(record, payload, under);
-    return *this;
-  }
-
   std::size_t RowNamed(const std::string& name) const {
     const std::vector<std::string> names = Names();
     const auto found = std::find(names.begin(), names.end(), name);
     EXPECT_NE(found, names.end()) << name;
     return static_cast<std::size_t>(found - names.begin());
-  }
-
-  /// Name and contents of every row, oldest first.
-  std::vector<std::string> Contents() {
-    std::vector<std::string> contents;
-    for (const MirrorRow& row : catalogue.Rows())
-      contents.insert(contents.begin(), ToPlatform(row.Name()) + "=" + ContentOf(row));
-    return contents;
   }
 
   ExtractRequest All() const {
@@ -102,13 +77,6 @@ class RetrievalBench : public CarrierBench {
   PasswordResult ChangePassword(const std::string& from, const std::string& to) {
     return RunPassword({.oldPassword = HeldKey(from), .newPassword = HeldKey(to), .confirmation = Secret(to)},
                        faulty, rewriteScreen);
-  }
-
-  /// Loads again from a clean slate.
-  Strings ContentsUnder(const Under& under) {
-    catalogue.RemoveCarrier(carrier);
-    Load(under);
-    return Contents();
   }
 
   Path target = folder / "out";

@@ -222,7 +222,7 @@ TEST_P(Rewrite, WorksWhereTheFileSystemKeepsNoModes) {
   bench->files.Fail({.number = ErrorNumber::PermissionDenied,
                      .code = EPERM,
                      .times = Times::FromThenOn,
-                     .counts = [](const Operation& operation) { return operation.name == "File.SetMode"; }});
+                     .counts = Calls("File.SetMode")});
   EXPECT_EQ(Run(*bench), RewriteEnding::Done);
 }
 

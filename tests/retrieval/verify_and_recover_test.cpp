@@ -171,6 +171,12 @@ TEST(Recover, LosesNoCopyWhateverFailsAndGivesATemporaryCarrierTheModeOfTheCarri
     try {
       EXPECT_EQ(ApplyRecovery(bench.Plan(), 2, files).at(1), bench.folder / names[3]);
       EXPECT_EQ(bench.folder.Names(), names);
+      std::string calls;
+      for (const Operation& operation : files.Record())
+        if (operation.path == bench.temporary || operation.name == "Files.SyncFolder")
+          calls += operation.name + " ";
+      EXPECT_TRUE(calls.starts_with("Files.OpenToRead File.Sync ")) << calls;
+      EXPECT_TRUE(calls.ends_with("Files.Rename Files.SyncFolder ")) << calls;
       EXPECT_EQ(ReadAll(bench.carrier), "temporary");
       EXPECT_EQ(bench.posix.Stat(bench.carrier)->mode, 0644u);
     } catch (const Error&) {
@@ -181,20 +187,6 @@ TEST(Recover, LosesNoCopyWhateverFailsAndGivesATemporaryCarrierTheModeOfTheCarri
       contents.push_back(ReadAll(bench.folder / name));
     EXPECT_THAT(contents, testing::UnorderedElementsAre("backup", "temporary", "taken", carrier)) << k;
   }
-}
-
-TEST(Recover, SyncsTheCopyBeforeItTakesItsPlaceAndTheFolderBehindIt) {
-  RecoverBench bench;
-  std::filesystem::copy_file(bench.carrier, bench.backup);
-  const RecoverPlan plan = bench.Plan();
-  FaultyFiles files(bench.posix);
-  ApplyRecovery(plan, 1, files);
-  std::string calls;
-  for (const Operation& operation : files.Record())
-    if ((operation.path == bench.backup && operation.name != "File.Close") ||
-        operation.name == "Files.SyncFolder")
-      calls += " " + operation.name;
-  EXPECT_TRUE(calls.ends_with(" File.Sync Files.Rename Files.SyncFolder")) << calls;
 }
 
 TEST(Recover, AdvisesByNameInOneLine) {

@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "base/files.h"
@@ -16,6 +17,11 @@ struct Operation {
   std::string name;
   Path path;
 };
+
+/// For Fault::counts.
+inline auto Calls(std::string name) {
+  return [name = std::move(name)](const Operation& operation) { return operation.name == name; };
+}
 
 enum class Times { Once, FromThenOn };
 enum class Writes { Nothing, FirstHalf };
