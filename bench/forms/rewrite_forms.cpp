@@ -40,7 +40,7 @@ class Hiding : public SessionScreen<HideScreen> {
   void ShowStage(HideStage) override {}
   void ShowFile(std::size_t, std::size_t, const Path&, Length) override {}
   void FileDone(std::size_t) override {}
-  void ShowProgress(double, double) override {}
+  void ShowProgress(Length, Length) override {}
   void ShowBackup(Length, Length) override {}
   void ShowOriginal(OriginalStep, const Path&, std::size_t, std::size_t) override {}
   void ShowReading(Length, Length) override {}
@@ -60,7 +60,7 @@ class Ground {
     HideRequest request;
     const FileStat stat = *m_files.Stat(m_where / "a.txt");
     request.rows = {{.source = m_where / "a.txt", .name = "a.txt", .folder = {}, .size = stat.size}};
-    request.totalBytes = static_cast<double>(stat.size);
+    request.totalBytes = stat.size;
     RunHide(request, reading, screen);
   }
   ~Ground() { std::filesystem::remove_all(m_where); }

@@ -3,6 +3,7 @@
 #include <optional>
 #include <utility>
 
+#include "app/questions.h"
 #include "app/session_screen.h"
 #include "base/attempt.h"
 #include "base/printable.h"
@@ -11,12 +12,6 @@
 namespace tarnel {
 
 namespace {
-
-constexpr const char* kTitle = "Tarnel";
-
-Question CarrierError(const Error& error) {
-  return ErrorQuestion(error, "carrier.error", kTitle, LineBreak::CrLf, Answer::Retry);
-}
 
 FileStat StatOf(const Path& carrier, Files& files) {
   if (const std::optional<FileStat> found = files.Stat(carrier)) return *found;
@@ -33,35 +28,12 @@ void Empty(Session& session) {
 
 }  // namespace
 
-Question CarrierChangedQuestion(const Path& carrier) {
-  return {.id = "carrier.changed",
-          .title = kTitle,
-          .text = Printable(carrier.filename().native()) +
-                  " has changed since it was opened: another program has worked on it. It has to be read "
-                  "again first.\r\n\r\nDo you want to read it again?",
-          .buttons = Buttons::YesNo,
-          .icon = Icon::Question,
-          .preset = Answer::Yes};
-}
-
-Question CarrierEmptiedMessage(const Path& carrier) {
-  return {
-      .id = "carrier.emptied",
-      .title = kTitle,
-      .text = Printable(carrier.filename().native()) +
-              " holds nothing that the password of its hideout opens any more. The program that changed it "
-              "has removed the hidden files or put another file in its place; a copy of the carrier file "
-              "from before may still hold them.",
-      .buttons = Buttons::Ok,
-      .icon = Icon::Critical};
-}
-
 CarrierCheck LookAtCarrier(Session& session, Dialogue& dialogue) {
   const Path carrier = session.current.CurrentCarrierPath;
   if (session.FilesOf(carrier) == 0) return CarrierCheck::AsRead;
   std::optional<FileStat> now;
   try {
-    Attempt(dialogue, {CarrierError}, [&] { now = StatOf(carrier, session.files); });
+    Attempt(dialogue, {CarrierErrorQuestion}, [&] { now = StatOf(carrier, session.files); });
   } catch (const Stop&) {  // then there is none
   }
   if (!now) return CarrierCheck::GaveUp;

@@ -16,12 +16,6 @@ enum class CarrierCheck {
   GaveUp,     ///< the person doesn't want it read, or it can't be. What was to be done is not to be done
 };
 
-/// "carrier.changed": Yes reads the carrier again.
-Question CarrierChangedQuestion(const Path& carrier);
-
-/// "carrier.emptied": it was read, and there is nothing that the hideout's password opens.
-Question CarrierEmptiedMessage(const Path& carrier);
-
 /// Looks, and asks where something has happened: ReadAgain is the person's wish then. What can't be looked at
 /// is asked about as "carrier.error", with Abort, Retry and Ignore; Ignore means the same as Abort.
 CarrierCheck LookAtCarrier(Session& session, Dialogue& dialogue);

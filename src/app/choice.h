@@ -18,7 +18,7 @@ struct Choice {
   /// the list. Extract and Delete take these.
   std::vector<ExtractChoice> rows;
   /// Of the selected node, for ExtractRequest.
-  std::string nodeItemFolder = "*RootFolder*";
+  std::string nodeItemFolder{kRootFolder};
   std::string nodePath;
   /// The current row of the list, as index in the catalogue, if it is selected and a file. View takes this.
   std::optional<std::size_t> file;

@@ -1,5 +1,6 @@
 #include "app/progress_rate.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
@@ -16,25 +17,21 @@ double Seconds(std::chrono::steady_clock::duration duration) {
   return std::chrono::duration<double>(duration).count();
 }
 
-std::string Size(double bytes) {
-  return HumanSize(static_cast<std::int64_t>(std::max(0.0, bytes)));
-}
-
 }  // namespace
 
-std::optional<std::string> ProgressRate::Line(double value, double maximum, Time now) {
+std::optional<std::string> ProgressRate::Line(Length value, Length maximum, Time now) {
   const bool isLast = value >= maximum;
   if (!m_samples.empty() && !isLast && now - m_samples.back().time < kLeastGap) return std::nullopt;
   if (!m_samples.empty() && value < m_samples.back().value) m_samples.clear();
   m_samples.push_back({now, value});
   while (m_samples.size() > 2 && now - m_samples[1].time >= kMeasured)
     m_samples.pop_front();
-  std::string line = Size(value) + " of " + Size(maximum);
+  std::string line = HumanSize(value) + " of " + HumanSize(std::max<Length>(0, maximum));
   const double seconds = Seconds(now - m_samples.front().time);
-  const double bytes = value - m_samples.front().value;
+  const Length bytes = value - m_samples.front().value;
   if (seconds < Seconds(kLeastGap) || bytes <= 0) return line;
-  line += ", " + Rate(static_cast<std::int64_t>(bytes), seconds);
-  const double rest = (maximum - value) / bytes * seconds;
+  line += ", " + Rate(bytes, seconds);
+  const double rest = static_cast<double>(maximum - value) / static_cast<double>(bytes) * seconds;
   return rest < 1 ? line : line + ", about " + RestText(rest) + " left";
 }
 

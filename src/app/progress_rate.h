@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+#include "base/files.h"
+
 namespace tarnel {
 
 /// The line under a progress bar: "38.2 MiB of 1.2 GiB, 210.0 MiB/s, about 6 s left". The rate is that of the
@@ -18,12 +20,12 @@ class ProgressRate {
 
   /// The line for `value` bytes of `maximum`; nothing while the last one is younger than a quarter of a
   /// second, so that it can be read. The first and the last value always give one.
-  std::optional<std::string> Line(double value, double maximum, Time now);
+  std::optional<std::string> Line(Length value, Length maximum, Time now);
 
  private:
   struct Sample {
     Time time;
-    double value;
+    Length value;
   };
   std::deque<Sample> m_samples;
 };

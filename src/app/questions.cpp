@@ -2,6 +2,9 @@
 
 #include <string>
 
+#include "base/attempt.h"
+#include "base/printable.h"
+
 namespace tarnel {
 
 namespace {
@@ -45,6 +48,33 @@ Question ProtectionPasswordMessage() {
   return Message("config.no-password",
                  "Please enter a password for protection or disable the password protection!",
                  Icon::Critical);
+}
+
+Question CarrierErrorQuestion(const Error& error) {
+  return ErrorQuestion(error, "carrier.error", kTitle, LineBreak::CrLf, Answer::Retry);
+}
+
+Question CarrierChangedQuestion(const Path& carrier) {
+  return {.id = "carrier.changed",
+          .title = kTitle,
+          .text = Printable(carrier.filename().native()) +
+                  " has changed since it was opened: another program has worked on it. It has to be read "
+                  "again first.\r\n\r\nDo you want to read it again?",
+          .buttons = Buttons::YesNo,
+          .icon = Icon::Question,
+          .preset = Answer::Yes};
+}
+
+Question CarrierEmptiedMessage(const Path& carrier) {
+  return {
+      .id = "carrier.emptied",
+      .title = kTitle,
+      .text = Printable(carrier.filename().native()) +
+              " holds nothing that the password of its hideout opens any more. The program that changed it "
+              "has removed the hidden files or put another file in its place; a copy of the carrier file "
+              "from before may still hold them.",
+      .buttons = Buttons::Ok,
+      .icon = Icon::Critical};
 }
 
 Error NewCarrierFault() {

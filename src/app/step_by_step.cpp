@@ -33,7 +33,7 @@ const std::vector<GuidePage>& StepbyStepGuide::Pages() {
       {.frame = "ExtractFilesFrame_3",
        .above = {{"Click on the \"Extract\" button to extract the selected hidden files to the specified "
                   "target folder."}},
-       .picture = "main-selected",
+       .picture = "extract",
        .below = {{"Congratulations! You have retrieved hidden files from the carrier file."}}},
   };
   return pages;

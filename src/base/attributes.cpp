@@ -1,26 +1,25 @@
 #include "base/attributes.h"
 
-#include <sys/stat.h>
+#include "base/permissions.h"
 
 namespace tarnel {
 
 namespace {
 
-constexpr mode_t kPermissionBits = 0777;
 constexpr mode_t kEveryWriteBit = S_IWUSR | S_IWGRP | S_IWOTH;
 constexpr mode_t kPlainMode = 0644;
 
 }  // namespace
 
 int AttributesOf(const FileStat& stat, std::string_view name) {
-  int attributes = attribute::Archive;
-  if ((stat.mode & S_IWUSR) == 0) attributes |= attribute::ReadOnly;
-  if (name.starts_with('.')) attributes |= attribute::Hidden;
+  int attributes = attribute::kArchive;
+  if (!OwnerMayWrite(stat)) attributes |= attribute::kReadOnly;
+  if (name.starts_with('.')) attributes |= attribute::kHidden;
   return attributes;
 }
 
 mode_t ApplyReadOnly(mode_t mode, int attributes) {
-  return (attributes & attribute::ReadOnly) != 0 ? mode & ~kEveryWriteBit : mode | S_IWUSR;
+  return (attributes & attribute::kReadOnly) != 0 ? mode & ~kEveryWriteBit : mode | S_IWUSR;
 }
 
 std::optional<mode_t> ModeBeyond(mode_t mode) {

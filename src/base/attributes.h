@@ -11,9 +11,9 @@ namespace tarnel {
 
 /// The attribute word that a record keeps of a file.
 namespace attribute {
-constexpr int ReadOnly = 1;  ///< the owner may not write
-constexpr int Hidden = 2;    ///< the name begins with a dot
-constexpr int Archive = 32;  ///< every file
+inline constexpr int kReadOnly = 1;  ///< the owner may not write
+inline constexpr int kHidden = 2;    ///< the name begins with a dot
+inline constexpr int kArchive = 32;  ///< every file
 }  // namespace attribute
 
 int AttributesOf(const FileStat& stat, std::string_view name);

@@ -10,13 +10,10 @@ namespace tarnel {
 
 namespace {
 
-constexpr mode_t kPermissionBits = 0777;
-constexpr Length kBlockSize = Length{1024} * 1024;
-
 Length CopyBlocks(File& source, File& target, const CopyHook& hook) {
   Length copied = 0;
   for (;;) {
-    const Length got = target.CopyAt(Position{} + copied, source, Position{} + copied, kBlockSize);
+    const Length got = target.CopyAt(Position{} + copied, source, Position{} + copied, kCopyPiece);
     if (got == 0) return copied;
     copied += got;
     if (hook) hook(copied);

@@ -6,6 +6,9 @@
 
 namespace tarnel {
 
+/// What the platform copies between two looks at the person.
+inline constexpr Length kCopyPiece = Length{1} << 20;
+
 enum class Durability { Cached, WrittenThrough };
 
 /// Called after each block with the bytes copied so far. May throw to end the copy.

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "base/attempt.h"
+#include "base/closing_separator.h"
 #include "base/destruction_questions.h"
 #include "base/pace.h"
 #include "base/printable.h"
@@ -200,7 +201,7 @@ Destroyed OverwriteAndKillAsSeen(const Path& path, const FileStat& seen, Dialogu
 }
 
 void RemovePath(const Path& path, Dialogue& dialogue, Files& files) {
-  const Path plain = path.has_filename() ? path : path.parent_path();  // without a slash at its end
+  const Path plain = WithoutClosingSeparator(path);
   Pace pace(dialogue);
   const auto remove = [&] {
     const std::optional<FileStat> stat = files.Stat(plain, Files::Links::DontFollow);

@@ -1,7 +1,5 @@
 #include "base/permissions.h"
 
-#include <sys/stat.h>
-
 #include <cerrno>
 
 namespace tarnel {
@@ -57,12 +55,11 @@ void SettleMode(File& file, mode_t mode) {
 }
 
 void TakeAccessOf(File& model, File& file, mode_t mode) {
-  constexpr mode_t permissionBits = 0777;
   const FileStat wanted = model.Stat();
   TakeOwners(wanted, file);
   const FileStat now = file.Stat();
   if (now.group != wanted.group) mode = ForAnotherGroup(mode);
-  if (now.group != wanted.group || now.owner != wanted.owner) mode &= permissionBits;
+  if (now.group != wanted.group || now.owner != wanted.owner) mode &= kPermissionBits;
   if (!TakesAccessList(model, file)) mode &= S_IRWXU;
   SettleMode(file, mode);
 }

@@ -1,8 +1,17 @@
 #pragma once
 
+#include <sys/stat.h>
+
 #include "base/files.h"
 
 namespace tarnel {
+
+/// Reading, writing and executing for owner, group and others.
+inline constexpr mode_t kPermissionBits = S_IRWXU | S_IRWXG | S_IRWXO;
+
+inline bool OwnerMayWrite(const FileStat& stat) {
+  return (stat.mode & S_IWUSR) != 0;
+}
 
 /// Sees to it that the open file has these permission bits. A file that has them is left alone. Where the
 /// platform refuses to set them (see IsRefusalOfModes), bits that allow no less than the wanted ones are good

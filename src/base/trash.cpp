@@ -5,9 +5,9 @@
 
 #include <array>
 #include <ctime>
-#include <system_error>
 #include <utility>
 
+#include "base/closing_separator.h"
 #include "base/home_folder.h"
 #include "base/partial_file.h"
 #include "base/printable.h"
@@ -25,12 +25,9 @@ Error CannotTrash(ErrorNumber number, const Path& path, std::string_view reason)
 }
 
 // The path with no symbolic link on the way; the last component stays what it is.
-Path Resolved(const Path& path) {
-  const Path plain = path.has_filename() ? path : path.parent_path();
-  std::error_code code;
-  const Path folder = std::filesystem::canonical(plain.has_parent_path() ? plain.parent_path() : ".", code);
-  if (code) throw ErrnoError(code.value(), "find the folder of", path);
-  return folder / plain.filename();
+Path Resolved(const Path& path, Files& files) {
+  const Path plain = WithoutClosingSeparator(path);
+  return files.Canonical(plain.has_parent_path() ? plain.parent_path() : ".") / plain.filename();
 }
 
 // RFC 2396, section 2, with the slashes kept.
@@ -79,7 +76,7 @@ Path HomeTrash() {
 Trash::Trash(Files& files, Path home) : m_files(files), m_home(std::move(home)) {}
 
 void Trash::Put(const Path& path) {
-  const Path resolved = Resolved(path);
+  const Path resolved = Resolved(path, m_files);
   if (!m_files.Stat(resolved, Files::Links::DontFollow))
     throw CannotTrash(ErrorNumber::FileNotFound, path, "there is no such file");
   const Place place = PlaceFor(resolved);

@@ -2,6 +2,7 @@
 
 #include "base/printable.h"
 #include "carrier/companions.h"
+#include "carrier/questions.h"
 
 namespace tarnel {
 
@@ -26,18 +27,6 @@ std::string LeftoverAdvice(const Path& leftover) {
   return Printable(leftover.native()) +
          " lies beside the carrier: an interrupted run left it, or it is a file of your own. Recovering the "
          "carrier shows which copy opens with your password and keeps the others";
-}
-
-Question LeftoversQuestion(const std::vector<Path>& leftovers) {
-  std::string text;
-  for (const Path& path : leftovers)
-    text += LeftoverAdvice(path) + ".\r\n\r\n";
-  return {.id = "carrier.leftovers",
-          .title = "Tarnel",
-          .text = text + "To go on may replace it for good. Do you want to go on?",
-          .buttons = Buttons::YesNo,
-          .icon = Icon::Question,
-          .preset = Answer::No};
 }
 
 bool MayReplace(const std::vector<Path>& leftovers, Dialogue& dialogue) {

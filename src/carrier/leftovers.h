@@ -20,9 +20,6 @@ std::vector<Path> LeftoversOfRewriting(const Path& carrier, Files& files);
 /// What the file may be, and how to find out.
 std::string LeftoverAdvice(const Path& leftover);
 
-/// "carrier.leftovers": Yes or No, with No preset.
-Question LeftoversQuestion(const std::vector<Path>& leftovers);
-
 /// Whether the person lets them be replaced. Nothing is asked where there are none.
 bool MayReplace(const std::vector<Path>& leftovers, Dialogue& dialogue);
 

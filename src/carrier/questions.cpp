@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/attempt.h"
+#include "carrier/leftovers.h"
 #include "carrier/stored_text.h"
 
 namespace tarnel {
@@ -85,6 +86,18 @@ Question NewHideoutMessage(NewHideoutFault fault) {
       break;
   }
   return Refusal("create.no-carrier", "Carrier file is not existing! Please select a new carrier file.");
+}
+
+Question LeftoversQuestion(const std::vector<Path>& leftovers) {
+  std::string text;
+  for (const Path& path : leftovers)
+    text += LeftoverAdvice(path) + ".\r\n\r\n";
+  return {.id = "carrier.leftovers",
+          .title = kTitle,
+          .text = text + "To go on may replace it for good. Do you want to go on?",
+          .buttons = Buttons::YesNo,
+          .icon = Icon::Question,
+          .preset = Answer::No};
 }
 
 }  // namespace tarnel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string_view>
+#include <vector>
 
 #include "base/dialogue.h"
 #include "carrier/open_hideout.h"
@@ -13,7 +14,8 @@ inline constexpr const char* kLoadError = "load.error";
 inline constexpr const char* kReload = "load.reload";
 }  // namespace question_id
 
-/// All that reading, opening and creating a hideout says in boxes.
+/// All that reading, opening and creating a hideout says in boxes, and the one question about
+/// what an interrupted run has left.
 
 Question LoadErrorQuestion(const Error& error);   ///< "load.error"
 Question ProbeErrorQuestion(const Error& error);  ///< "probe.error"
@@ -35,5 +37,8 @@ Question AccessDeniedQuestion();
 
 /// "create.no-password", "create.no-title", "create.confirmation" and "create.no-carrier".
 Question NewHideoutMessage(NewHideoutFault fault);
+
+/// "carrier.leftovers": whether these may be replaced. Yes or No, with No preset.
+Question LeftoversQuestion(const std::vector<Path>& leftovers);
 
 }  // namespace tarnel

@@ -23,11 +23,11 @@ constexpr Length kGroup = 4;
 /// Characters of a trailer that may be altered to anything: what has more is none.
 constexpr int kMostOdd = 2;
 
-/// The lengths that the text can have, the likeliest first: only one where a whole trailer names it.
+/// The lengths that the text can have, the likeliest first. A whole trailer need not be the text's own: a
+/// bridge counts bytes that the text's trailer has left.
 std::vector<Length> LengthsOf(const RecordText& text, const std::optional<FoundTrailer>& trailer) {
   std::vector<Length> lengths;
   if (trailer) lengths.push_back(trailer->at - text.begin);
-  if (trailer && trailer->isWhole) return lengths;
   for (Length rest = 0; rest < static_cast<Length>(kLineCharacters); rest += kGroup)
     lengths.push_back(text.linesEnd - text.begin + rest);
   return lengths;
@@ -115,14 +115,13 @@ std::optional<OpenedRecord> RecordOpener::Open(const RecordText& text) {
     if (!CipherKeyFits(offered.algorithm, front, TextForm::Base64, m_key)) continue;
     OpenedRecord record;
     record.algorithm = offered.algorithm;
-    if (m_damaged == kMostDamaged) return record;
+    if (m_damaged == m_mostDamaged) return record;
     const std::string whole =
         ReadFileSlice(m_carrier, text.begin,
                       std::min<Length>(text.linesEnd - text.begin + Length{kLineSize}, kRecordLimit));
     const std::optional<FoundTrailer> trailer = TrailerOf(m_carrier, text);
     OpenWhole(record, whole, LengthsOf(text, trailer), m_key);
-    const bool wasDear = !record.isWhole && !(trailer && trailer->isWhole);
-    m_damaged += wasDear ? 1 : 0;
+    m_damaged += record.isWhole ? 0 : 1;
     return record;
   }
   return std::nullopt;

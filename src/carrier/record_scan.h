@@ -52,20 +52,20 @@ struct OpenedRecord {
   Length length = 0;  ///< of the text
 };
 
-/// Opens texts under a key. What a damaged record without its trailer costs, a try with each length that it
-/// can have, is spent on 50,000 of a carrier at most: the others count as damaged at once.
+/// Opens texts under a key. What a damaged record costs, a try with each length that it can have, is spent on
+/// 50,000 of a carrier at most: the others count as damaged at once.
 class RecordOpener {
  public:
-  RecordOpener(File& carrier, const Key& key) : m_carrier(carrier), m_key(key) {}
+  RecordOpener(File& carrier, const Key& key, int mostDamaged = 50'000)
+      : m_carrier(carrier), m_key(key), m_mostDamaged(mostDamaged) {}
 
   /// With whichever algorithm fits; nothing if none does. Throws Error.
   std::optional<OpenedRecord> Open(const RecordText& text);
 
  private:
-  static constexpr int kMostDamaged = 50'000;
-
   File& m_carrier;
   const Key& m_key;
+  const int m_mostDamaged;
   int m_damaged = 0;
 };
 

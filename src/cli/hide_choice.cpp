@@ -78,7 +78,7 @@ void HideChoice::TakeRows() {
     if (!IsExcluded(passed.path)) PassOver(passed.path, passed.reason);
   m_selection.Remove(dropped);
   std::ranges::move(m_selection.Rows(), std::back_inserter(m_rows));
-  m_totalBytes += static_cast<Length>(m_selection.TotalSelectedBytes());
+  m_totalBytes += m_selection.TotalSelectedBytes();
   for (const Named& named : m_named)
     if (named.isFolder) FindEmptyFolders(named.path);
 }

@@ -2,7 +2,7 @@
 
 #include "base/printable.h"
 #include "carrier/companions.h"
-#include "carrier/leftovers.h"
+#include "carrier/questions.h"
 
 namespace tarnel {
 

@@ -11,7 +11,7 @@
 #include "base/error.h"
 #include "base/posix_calls.h"
 #include "base/printable.h"
-#include "carrier/open_hideout.h"
+#include "carrier/questions.h"
 #include "cli/signals.h"
 #include "crypto/phrase_strength.h"
 
@@ -152,7 +152,7 @@ void ConfirmPassword(const Secret& password, Terminal& terminal) {
   const std::optional<Secret> again = terminal.ReadSecret("Retype Password for Confirmation: ");
   if (!again) throw CancelledAtPrompt();
   if (*again == password) return;
-  throw CliFailure(ExitCode::Usage, "The password confirmation is incorrect! Please check your password.");
+  throw CliFailure(ExitCode::Usage, NewHideoutMessage(NewHideoutFault::ConfirmationDiffers).text);
 }
 
 }  // namespace tarnel

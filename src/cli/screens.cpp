@@ -1,7 +1,5 @@
 #include "cli/screens.h"
 
-#include <cmath>
-
 #include "carrier/stored_text.h"
 
 namespace tarnel {
@@ -32,8 +30,8 @@ void HideOnTerminal::FileDone(std::size_t number) {
   m_file.clear();
 }
 
-void HideOnTerminal::ShowProgress(double value, double maximum) {
-  if (!m_file.empty()) Talk().Progress().Show(std::llround(value), std::llround(maximum));
+void HideOnTerminal::ShowProgress(Length value, Length maximum) {
+  if (!m_file.empty()) Talk().Progress().Show(value, maximum);
 }
 
 void HideOnTerminal::ShowOriginal(OriginalStep step, const Path& original, std::size_t number,

@@ -37,6 +37,11 @@ class OpeningOnTerminal : public ReadingOnTerminal<OpeningScreen> {
   OpeningOnTerminal(TerminalDialogue& talk, ReadingGuards& guards)
       : ReadingOnTerminal(talk), m_guards(guards) {}
 
+  Answer Ask(const Question& question) override {
+    const Answer answer = ReadingOnTerminal::Ask(question);
+    CarryCancel(*this, m_guards.AbortReadingFlag);
+    return answer;
+  }
   void Yield() override {
     ReadingOnTerminal::Yield();
     CarryCancel(*this, m_guards.AbortReadingFlag);
@@ -57,7 +62,7 @@ class HideOnTerminal : public ReadingOnTerminal<HideScreen> {
   void ShowStage(HideStage stage) override;
   void ShowFile(std::size_t number, std::size_t count, const Path& source, Length size) override;
   void FileDone(std::size_t number) override;
-  void ShowProgress(double value, double maximum) override;
+  void ShowProgress(Length value, Length maximum) override;
   void ShowBackup(Length copied, Length size) override { Talk().Progress().Show(copied, size); }
   void ShowOriginal(OriginalStep step, const Path& original, std::size_t number, std::size_t count) override;
 

@@ -113,11 +113,11 @@ ExitCode ToOutput(const Workbench& bench, const Rows& chosen, Surroundings& arou
 }
 
 ExitCode ToFolder(Workbench& bench, const ExtractOptions& options, const Rows& chosen, Surroundings& around) {
-  Catalogue& catalogue = bench.GetReading().catalogue;
-  const Rows distinct = MakeDistinct(catalogue, chosen, options.flat ? Folders::Dropped : Folders::Kept);
+  Reading& reading = bench.GetReading();
+  const Rows distinct =
+      MakeDistinct(reading.catalogue, chosen, options.flat ? Folders::Dropped : Folders::Kept);
   ExtractOnTerminal screen(around.talk);
-  const ExtractResult result =
-      RunExtract(RequestFor(bench, options, distinct), catalogue, around.files, screen);
+  const ExtractResult result = RunExtract(RequestFor(bench, options, distinct), reading, screen);
   around.talk.Progress().Clear();
   if (result.ending == ExtractEnding::Aborted) throw around.talk.LastFailure();
   if (result.ending == ExtractEnding::Cancelled) {

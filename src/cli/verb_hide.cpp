@@ -8,6 +8,7 @@
 #include "cli/choice.h"
 #include "cli/hide_choice.h"
 #include "cli/leftovers.h"
+#include "cli/questions.h"
 #include "cli/screens.h"
 #include "cli/verbs.h"
 #include "crypto/cipher.h"
@@ -105,13 +106,7 @@ void HideVerb::RefuseNewUnasked(const GivenPassword& password) {
   if (m_options.existing) throw CliFailure(ExitCode::NoHideout, message);
   if (!m_around.talk.CanAsk()) throw CliFailure(ExitCode::NoHideout, message + "; say --new to make one");
   if (password.origin == GivenPassword::Origin::Typed) return;
-  const Question question{.id = "cli.new",
-                          .title = "Tarnel",
-                          .text = "No hideout opens with this password. Do you want to make a new one?",
-                          .buttons = Buttons::YesNo,
-                          .icon = Icon::Question,
-                          .preset = Answer::No};
-  if (m_around.talk.Ask(question) == Answer::Yes) return;
+  if (m_around.talk.Ask(NewHideoutQuestion()) == Answer::Yes) return;
   if (m_around.talk.CancelRequested()) throw CliFailure(ExitCode::Cancelled, "cancelled");
   throw CliFailure(ExitCode::NoHideout, message);
 }
@@ -159,17 +154,7 @@ void HideVerb::RefuseWhatCannotFit() {
 
 void HideVerb::AskBeforeDestroying() {
   if (m_options.originals != Originals::Destroy || !m_around.talk.CanAsk()) return;
-  const std::size_t count = m_choice.Rows().size();
-  const Question question{
-      .id = "cli.destroy",
-      .title = "Tarnel",
-      .text = "Once hidden and read back, " +
-              (count == 1 ? "the original" : "all " + std::to_string(count) + " originals") +
-              " will be overwritten and deleted. Do you want that?",
-      .buttons = Buttons::YesNo,
-      .icon = Icon::Question,
-      .preset = Answer::No};
-  if (m_around.talk.Ask(question) == Answer::Yes) return;
+  if (m_around.talk.Ask(DestroyOriginalsQuestion(m_choice.Rows().size())) == Answer::Yes) return;
   throw CliFailure(m_around.talk.CancelRequested() ? ExitCode::Cancelled : ExitCode::Failed,
                    "nothing was hidden");
 }
@@ -177,7 +162,7 @@ void HideVerb::AskBeforeDestroying() {
 HideRequest HideVerb::Request() const {
   HideRequest request;
   request.rows = m_choice.Rows();
-  request.totalBytes = static_cast<double>(m_choice.TotalBytes());
+  request.totalBytes = m_choice.TotalBytes();
   request.keepTimes = m_options.keepTimes;
   request.compress = m_options.compressionLevel.has_value();
   request.compressionLevel = m_options.compressionLevel.value_or(request.compressionLevel);

@@ -1,6 +1,7 @@
 #include "base/formats.h"
 #include "base/printable.h"
 #include "carrier/companions.h"
+#include "cli/questions.h"
 #include "cli/screens.h"
 #include "cli/verbs.h"
 #include "crypto/keys.h"
@@ -166,16 +167,8 @@ void RecoverVerb::ShowMending(const MendPlan& plan) {
 
 void RecoverVerb::AskForLeave(const std::string& text) {
   if (m_options.yes) return;
-  const Question question{.id = "cli.recover",
-                          .title = "Tarnel",
-                          .text = text + " Do you want that?",
-                          .buttons = Buttons::YesNo,
-                          .icon = Icon::Question,
-                          .preset = Answer::No};
-  if (m_around.talk.Ask(question) == Answer::Yes) return;
-  if (m_around.talk.CancelRequested()) {
-    throw Cancelled();
-  }
+  if (m_around.talk.Ask(RecoverQuestion(text)) == Answer::Yes) return;
+  if (m_around.talk.CancelRequested()) throw Cancelled();
   throw CliFailure(ExitCode::Failed, "nothing was changed");
 }
 

@@ -56,8 +56,8 @@ ExitCode RunVerb(const SalvageOptions& options, Surroundings& around) {
   SalvageOnTerminal screen(around.talk);
   const Key key(password.secret);
   key.Prepare([&screen] { screen.Yield(); });
-  const SalvageRequest request{.carrier = bench.Carrier(), .target = options.target};
-  const SalvageResult result = RunSalvage(request, key, around.files, screen);
+  const SalvageRequest request{.carrier = bench.Carrier(), .password = key, .target = options.target};
+  const SalvageResult result = RunSalvage(request, around.files, screen);
   around.talk.Progress().Clear();
   if (result.ending == SalvageEnding::Aborted) throw around.talk.LastFailure();
   if (result.ending == SalvageEnding::Cancelled) {

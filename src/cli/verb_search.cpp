@@ -8,8 +8,9 @@ namespace tarnel {
 
 namespace {
 
-SearchRequest RequestFor(const SearchOptions& options, Secret password) {
+SearchRequest RequestFor(const SearchOptions& options, const Path& folder, Secret password) {
   SearchRequest request;
+  request.folder = folder;
   request.password = std::move(password);
   request.type = options.type;
   request.algorithm = options.algorithm;
@@ -63,8 +64,8 @@ ExitCode RunVerb(const SearchOptions& options, Surroundings& around) {
   CurrentHideout current;
   Reading reading{around.files, catalogue, guards, current};
   SearchResults results;
-  const SearchRequest request = RequestFor(options, std::move(password.secret));
-  const SearchSummary summary = SearchFolder(folder, request, results, reading, screen);
+  const SearchRequest request = RequestFor(options, folder, std::move(password.secret));
+  const SearchSummary summary = SearchFolder(request, results, reading, screen);
   around.talk.Progress().Clear();
   return Report(summary, around);
 }

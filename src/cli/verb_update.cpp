@@ -46,12 +46,13 @@ ExitCode RunVerb(const UpdateOptions& options, Surroundings& around) {
   bench.WarnOfFaults();
   const MirrorRow& entry = FindEntry(bench, options.entry, around.messages);
   const std::string path = PathOfEntry(entry);
-  PreviewParcel parcel = ParcelOf(entry);
-  const UpdateRequest request{.previewFile = FullPath(options.file, around.files),
+  const PreviewParcel parcel = ParcelOf(entry);
+  const UpdateRequest request{.parcel = parcel,
+                              .previewFile = FullPath(options.file, around.files),
                               .compressionLevel = LevelOf(parcel),
                               .leftover = leftover};
   RewriteOnTerminal screen(around.talk, "Updating " + options.entry);
-  const UpdateResult result = RunUpdate(request, parcel, bench.GetReading(), screen);
+  const UpdateResult result = RunUpdate(request, bench.GetReading(), screen);
   if (result.refused != UpdateResult::Refused::No) {
     throw CliFailure(ExitCode::Failed, "nothing was updated");
   }

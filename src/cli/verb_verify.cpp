@@ -142,9 +142,12 @@ ExitCode VerifyVerb::VerifyOne(const std::string& carrier, const Key& password) 
   const std::set<Position> wanted = PlacesWanted(bench);
   bench.GetReading().catalogue.RemoveRows(bench.Carrier());  // no two lists of all entries at a time
   VerifyOnTerminal screen(m_around.talk);
-  VerifyResult result = RunVerify(bench.Carrier(), bench.Hideout(), m_around.files, screen);
+  VerifyResult result = RunVerify(
+      {.carrier = bench.Carrier(), .password = password, .algorithm = bench.Current().CurrentAlgorithmId},
+      m_around.files, screen);
   m_around.talk.Progress().Clear();
-  if (result.cancelled) throw CliFailure(ExitCode::Cancelled, "cancelled before all entries were read");
+  if (result.ending == VerifyEnding::Cancelled)
+    throw CliFailure(ExitCode::Cancelled, "cancelled before all entries were read");
   const ExitCode whole = CodeOf(result);
   if (whole != ExitCode::Done) RefuseBusy(bench.Carrier(), m_around.files);  // nothing is said of half a hide
   if (!m_options.entries.empty())

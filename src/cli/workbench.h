@@ -50,7 +50,6 @@ class Workbench {
   const CurrentHideout& Current() const { return m_current; }
   /// The entries of the open hideout, newest first.
   const std::vector<MirrorRow>& Rows() const { return m_catalogue.Rows(); }
-  const HideoutKey& Hideout() const { return *m_catalogue.Roots().front()->hideout; }
 
   /// The title as the platform's bytes.
   std::string Title() const;

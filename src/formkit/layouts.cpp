@@ -25,6 +25,11 @@ QLabel* Hint(const QString& text) {
   return label;
 }
 
+QLabel* HintOf(QWidget* control, const QString& text) {
+  control->setAccessibleDescription((control->accessibleDescription() + QLatin1Char(' ') + text).trimmed());
+  return Hint(text);
+}
+
 void FitPages(QTabWidget& tabs) {
   for (int i = 0; i < tabs.count(); ++i) {
     QWidget& page = *tabs.widget(i);

@@ -23,6 +23,9 @@ QLabel* Explanation(const QString& text);
 /// A remark beside a control, less strong than a paragraph.
 QLabel* Hint(const QString& text);
 
+/// The same; screen readers say it with the control, behind the remarks that this has already.
+QLabel* HintOf(QWidget* control, const QString& text);
+
 /// Makes the pages high enough for texts that wrap, which the tabs don't ask for. To be called once the fonts
 /// are known.
 void FitPages(QTabWidget& tabs);

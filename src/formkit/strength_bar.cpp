@@ -63,15 +63,17 @@ void StrengthBar::Weigh() {
   m_field.setAccessibleDescription(word.isEmpty() ? QString() : tr("Strength: %1").arg(word));
 }
 
-/// The field grows to what it shows, for nobody can keep what can't be read.
+/// The field grows to what it shows, for nobody can keep what can't be read, and its window with it.
 void StrengthBar::Propose() {
   const Secret phrase = RandomPhrase(kUsualPhraseWords);
   m_field.SetPassword(phrase);
   m_field.SetShown(true);
   m_isProposal = true;
   const int characters = static_cast<int>(phrase.View().size()) + 2;
-  m_field.setMinimumWidth(std::max(m_field.minimumWidth(),
-                                   m_field.fontMetrics().horizontalAdvance(QLatin1Char('x')) * characters));
+  const int wanted = m_field.fontMetrics().horizontalAdvance(QLatin1Char('x')) * characters;
+  const int missing = wanted - m_field.width();
+  if (missing > 0) window()->resize(window()->width() + missing, window()->height());
+  m_field.setMinimumWidth(std::max(m_field.minimumWidth(), wanted));
   m_field.setFocus();
 }
 

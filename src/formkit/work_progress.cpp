@@ -39,16 +39,16 @@ void WorkProgress::RestartBar() {
   m_bar->setValue(0);
 }
 
-void WorkProgress::Show(double value, double maximum) {
+void WorkProgress::Show(Length value, Length maximum) {
   ShowPart(value, maximum, value, maximum);
 }
 
-void WorkProgress::ShowPart(double value, double maximum, double done, double total) {
-  ShowBar(maximum > 0 ? value / maximum : 0);
+void WorkProgress::ShowPart(Length value, Length maximum, Length done, Length total) {
+  ShowBar(maximum > 0 ? static_cast<double>(value) / static_cast<double>(maximum) : 0);
   ShowLine(done, total);
 }
 
-void WorkProgress::ShowLine(double value, double maximum) {
+void WorkProgress::ShowLine(Length value, Length maximum) {
   const auto line = m_rate.Line(value, maximum, std::chrono::steady_clock::now());
   if (line) m_line->setText(QString::fromStdString(*line));
 }

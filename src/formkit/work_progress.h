@@ -23,20 +23,20 @@ class WorkProgress : public QWidget {
   void Restart();
 
   /// `value` of `maximum` bytes are done.
-  void Show(double value, double maximum);
+  void Show(Length value, Length maximum);
 
   /// The bar alone goes back: another part of the same thing begins.
   void RestartBar();
 
   /// The bar shows `value` of `maximum`, the line `done` of `total` bytes.
-  void ShowPart(double value, double maximum, double done, double total);
+  void ShowPart(Length value, Length maximum, Length done, Length total);
 
   /// Something that is counted and not measured: the line stays empty.
   void ShowCount(std::size_t number, std::size_t count);
 
  private:
   void ShowBar(double share);
-  void ShowLine(double value, double maximum);
+  void ShowLine(Length value, Length maximum);
 
   QProgressBar* m_bar;
   QLabel* m_line;

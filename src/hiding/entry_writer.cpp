@@ -71,7 +71,7 @@ void EntryWriter::FinishEntry(std::string_view tail) {
 }
 
 void EntryWriter::Advance(std::size_t bytes) {
-  m_progress.value += static_cast<double>(bytes);
+  m_progress.value += static_cast<Length>(bytes);
   m_screen.ShowProgress(m_progress.value, m_progress.maximum);
 }
 

@@ -13,8 +13,8 @@ namespace tarnel {
 /// The progress bar of a hide. Its maximum starts as the sum of the sources and becomes the sum of the
 /// payloads; its value is the sum of the payload bytes written.
 struct HideProgress {
-  double value = 0;
-  double maximum = 0;
+  Length value = 0;
+  Length maximum = 0;
 };
 
 /// Appends entries behind the last byte of a carrier. An entry counts from the moment when FinishEntry
@@ -67,7 +67,7 @@ class EntryWriter : public ByteSink {
   Length m_written = 0;  ///< of the entry in the making
   bool m_hasBegun = false;
   bool m_mayHavePart = false;  ///< of an entry, behind m_end
-  double m_valueAtEnd;         ///< progress that belongs to m_end
+  Length m_valueAtEnd;         ///< progress that belongs to m_end
   std::vector<std::uint8_t> m_gathered;
   std::size_t m_inBlock = 0;  ///< bytes at the end of m_gathered that make no full block yet
 };

@@ -18,7 +18,7 @@ namespace tarnel {
 
 namespace {
 
-constexpr Length bufferSize = Length{256} * 1024;
+constexpr Length kBlockSize = Length{256} * 1024;
 
 Path FolderOf(const Path& path) {
   return path.has_parent_path() ? path.parent_path() : Path(".");
@@ -29,7 +29,7 @@ Path FolderOf(const Path& path) {
 HeldCarrier::HeldCarrier(const Path& path, Files& files)
     : m_files(files), m_path(path), m_backup(BackupPath(path)) {
   const std::optional<FileStat> found = files.Stat(path);
-  if (found && found->kind == FileKind::Regular && (found->mode & S_IWUSR) == 0)
+  if (found && found->kind == FileKind::Regular && !OwnerMayWrite(*found))
     OpenWriteProtected();
   else
     m_oldMode = Open().mode;
@@ -129,9 +129,9 @@ void HeldCarrier::SyncEntries(Length length) {
 void HeldCarrier::WriteAgain(Length length) {
   m_file->ForgetFailedSync();
   m_wasWrittenAgain = true;
-  std::vector<std::uint8_t> block(bufferSize);
+  std::vector<std::uint8_t> block(kBlockSize);
   for (Length done = m_oldLength; done < length;) {
-    const auto wanted = static_cast<std::size_t>(std::min(bufferSize, length - done));
+    const auto wanted = static_cast<std::size_t>(std::min(kBlockSize, length - done));
     const std::size_t got = m_file->ReadAt(Position{} + done, MutableBytes(block).first(wanted));
     if (got < wanted)
       throw Error(ErrorNumber::DeviceIo,
@@ -156,7 +156,7 @@ void HeldCarrier::RestoreModeQuietly(File& file) const {
 
 /// Protection that the platform refuses is none, so this is not SettleMode.
 void HeldCarrier::Protect() {
-  const mode_t mode = ApplyReadOnly(m_oldMode, attribute::ReadOnly);
+  const mode_t mode = ApplyReadOnly(m_oldMode, attribute::kReadOnly);
   if (m_file->Stat().mode != mode) m_file->SetMode(mode);
   m_mustRestoreMode = false;
 }

@@ -79,12 +79,6 @@ struct SelectionPanels {
 
   bool operator==(const SelectionPanels&) const = default;
 };
-SelectionPanels PanelsOf(std::size_t rows, long foldersCounted, double totalBytes);
-
-/// What the person has to hear of a run; nothing if all was done.
-std::optional<Question> HideReport(const HideResult& result, const Path& carrier);
-
-/// What collecting has passed over; nothing if that is nothing.
-std::optional<Question> PassedOverReport(const std::vector<PassedOver>& passed);
+SelectionPanels PanelsOf(std::size_t rows, long foldersCounted, Length totalBytes);
 
 }  // namespace tarnel

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <optional>
 #include <string>
-#include <system_error>
 #include <utility>
 
 #include "base/destruction.h"
@@ -70,10 +69,12 @@ void OriginalsRemoval::NoteWhatShouldGo() {
 /// Of a link only the link is destroyed, and the person who asked for destruction has to hear that.
 void OriginalsRemoval::NoteFile(const Path& path) {
   m_shouldGo.push_back(path);
-  std::error_code fault;
-  if (m_request.originals != Originals::Destroy || !std::filesystem::is_symlink(path, fault)) return;
-  Path target = std::filesystem::canonical(path, fault);
-  if (!fault) m_shouldGo.push_back(std::move(target));
+  if (m_request.originals != Originals::Destroy) return;
+  try {
+    const std::optional<FileStat> stat = m_files.Stat(path, Files::Links::DontFollow);
+    if (stat && stat->kind == FileKind::SymbolicLink) m_shouldGo.push_back(m_files.Canonical(path));
+  } catch (const Error&) {  // a link that leads nowhere keeps nothing from going
+  }
 }
 
 void OriginalsRemoval::KeepTheRest() {

@@ -1,9 +1,13 @@
 #pragma once
 
+#include <optional>
 #include <string_view>
+#include <vector>
 
 #include "base/dialogue.h"
 #include "base/files.h"
+#include "hiding/run_hide.h"
+#include "hiding/selection.h"
 
 namespace tarnel {
 
@@ -30,6 +34,12 @@ Question NoFilesQuestion();
 
 /// "hide.nothing-specified": neither files nor folders were chosen.
 Question NothingSpecifiedQuestion();
+
+/// "hide.report": what the person has to hear of a run; nothing if all was done.
+std::optional<Question> HideReport(const HideResult& result, const Path& carrier);
+
+/// "hide.passed-over": what collecting has passed over; nothing if that is nothing.
+std::optional<Question> PassedOverReport(const std::vector<PassedOver>& passed);
 
 /// "hide.bad-name": the new name of a file in the list is none.
 Question BadNameQuestion();

@@ -277,7 +277,7 @@ void HideRun::WriteEntry(std::size_t row, SourceFile& source) {
   std::string secondKey;
   m_writer.FinishEntry(SealEntry({record.data(), record.size()}, payload, m_hideout.CurrentAlgorithmId,
                                  m_hideout.CurrentPassword, secondKey));
-  m_progress.maximum += static_cast<double>(payload - stat.size);
+  m_progress.maximum += payload - stat.size;
   m_entries.push_back(entry);
 }
 

@@ -35,7 +35,7 @@ class HideScreen : public ReadingScreen {
   virtual void ShowFile(std::size_t number, std::size_t count, const Path& source, Length size) = 0;
   /// The row is done and can be greyed.
   virtual void FileDone(std::size_t number) = 0;
-  virtual void ShowProgress(double value, double maximum) = 0;
+  virtual void ShowProgress(Length value, Length maximum) = 0;
   /// While the backup is made: `copied` of `size` bytes of the carrier.
   virtual void ShowBackup(Length copied, Length size) = 0;
   /// While originals are being dealt with: number `number` of `count` is being compared with its entry, or is
@@ -56,7 +56,7 @@ enum class Originals { Keep, Trash, Destroy };
 
 struct HideRequest {
   std::vector<HideRow> rows;
-  double totalBytes = 0;  ///< sum of the rows' sizes: the first maximum of the progress bar
+  Length totalBytes = 0;  ///< sum of the rows' sizes: the first maximum of the progress bar
   bool compress = false;
   int compressionLevel = kPresetCompressionLevel;
   bool saveFolders = true;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "base/closing_separator.h"
 #include "carrier/companions.h"
 #include "carrier/stored_text.h"
 
@@ -10,7 +11,7 @@ namespace tarnel {
 
 namespace {
 
-constexpr char separator = '/';
+constexpr char kSeparator = '/';
 
 /// What the platform said, without what was tried.
 std::string Reason(const Error& error) {
@@ -19,20 +20,16 @@ std::string Reason(const Error& error) {
   return "cannot be read: " + (colon == std::string::npos ? description : description.substr(colon + 2));
 }
 
-Path WithoutSeparatorAtEnd(const Path& folder) {
-  return folder.has_filename() || !folder.has_relative_path() ? folder : folder.parent_path();
-}
-
 }  // namespace
 
 std::string FolderText(std::string_view parent, std::string_view base) {
   const bool isBase =
-      base == parent || (base.ends_with(separator) && base.substr(0, base.size() - 1) == parent);
+      base == parent || (base.ends_with(kSeparator) && base.substr(0, base.size() - 1) == parent);
   if (isBase || parent.size() <= base.size()) return {};
   std::string text;
   std::string_view rest = parent.substr(base.size());
   for (;;) {
-    const std::size_t end = rest.find(separator);
+    const std::size_t end = rest.find(kSeparator);
     text += ToStored(rest.substr(0, end), TextKind::PathComponent);
     if (end == std::string_view::npos) return text;
     text += '\\';
@@ -93,7 +90,7 @@ void Selection::AddIfRegular(const Path& file, const FileStat& stat, std::string
                          .name = file.filename().native(),
                          .folder = FolderText(file.parent_path().native(), base),
                          .size = stat.size});
-  m_totalBytes += static_cast<double>(stat.size);
+  m_totalBytes += stat.size;
   m_screen.ShowAdded(file, m_collected.size());
   m_screen.Yield();
 }
@@ -106,7 +103,7 @@ void Selection::PassOverFolder(const Path& folder) {
 void Selection::WalkFolder(const Path& folder, std::string_view base) {
   ++m_foldersCounted;
   std::vector<Path> waiting;  // the next one last
-  AddFilesOf(WithoutSeparatorAtEnd(folder), base, waiting);
+  AddFilesOf(WithoutClosingSeparator(folder), base, waiting);
   while (!waiting.empty()) {
     ++m_foldersCounted;
     if (m_screen.CancelRequested()) return;
@@ -139,9 +136,9 @@ void Selection::AddFilesOf(const Path& folder, std::string_view base, std::vecto
 }
 
 void Selection::AddWholeFolder(const Path& folder) {
-  const Path whole = WithoutSeparatorAtEnd(folder);
+  const Path whole = WithoutClosingSeparator(folder);
   std::string base = whole.parent_path().native();
-  if (!base.empty() && !base.ends_with(separator)) base += separator;
+  if (!base.empty() && !base.ends_with(kSeparator)) base += kSeparator;
   WalkFolder(whole, base);
 }
 
@@ -157,10 +154,10 @@ void Selection::Remove(const std::vector<std::size_t>& rows) {
   m_collected.assign(kept.rbegin(), kept.rend());
 }
 
-double Selection::SizeIfThere(const Path& file) {
+Length Selection::SizeIfThere(const Path& file) {
   try {
     const std::optional<FileStat> stat = m_files.Stat(file);
-    return stat ? static_cast<double>(stat->size) : 0;
+    return stat ? stat->size : 0;
   } catch (const Error&) {
     return 0;
   }

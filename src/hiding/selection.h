@@ -59,7 +59,7 @@ class Selection {
 
   /// Rows in the order in which they become entries.
   std::vector<HideRow> Rows() const;
-  double TotalSelectedBytes() const { return m_totalBytes; }
+  Length TotalSelectedBytes() const { return m_totalBytes; }
   /// Every subfolder counts twice, the folder of a WalkFolder once.
   long FoldersCounted() const { return m_foldersCounted; }
   const std::vector<PassedOver>& Passed() const { return m_passed; }
@@ -69,14 +69,14 @@ class Selection {
   void PassOverFolder(const Path& folder);
   bool IsKeptOut(const Path& file, const FileStat& stat) const;
   void AddFilesOf(const Path& folder, std::string_view base, std::vector<Path>& waiting);
-  double SizeIfThere(const Path& file);
+  Length SizeIfThere(const Path& file);
   static long FoldersAmong(const std::vector<HideRow>& rows);
 
   Files& m_files;
   SelectionScreen& m_screen;
   std::vector<HideRow> m_collected;  ///< in the order of collecting
   std::unordered_set<std::string> m_paths;
-  double m_totalBytes = 0;
+  Length m_totalBytes = 0;
   long m_foldersCounted = 0;
   std::vector<PassedOver> m_passed;
   std::vector<Path> m_keptOut;

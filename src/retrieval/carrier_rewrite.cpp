@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/attributes.h"
+#include "base/copy_file.h"
 #include "base/pace.h"
 #include "base/permissions.h"
 #include "base/printable.h"
@@ -17,17 +18,13 @@ namespace {
 
 Path WhereItLies(const Path& carrier, Files& files) {
   const std::optional<FileStat> found = files.Stat(carrier, Files::Links::DontFollow);
-  if (!found || found->kind != FileKind::SymbolicLink) return carrier;
-  std::error_code fault;
-  Path target = std::filesystem::canonical(carrier, fault);
-  if (fault) throw ErrnoError(fault.value(), "open", carrier);
-  return target;
+  return found && found->kind == FileKind::SymbolicLink ? files.Canonical(carrier) : carrier;
 }
 
 /// A carrier that may not be written can still be replaced.
 std::unique_ptr<File> LockCarrier(const Path& carrier, Files& files) {
   const std::optional<FileStat> found = files.Stat(carrier);
-  const bool isReadOnly = found && (found->mode & 0200) == 0;
+  const bool isReadOnly = found && !OwnerMayWrite(*found);
   return OpenLocked(carrier, files, isReadOnly ? LockAccess::Read : LockAccess::Change);
 }
 
@@ -57,24 +54,33 @@ class CarrierRewrite::TemporarySink : public ByteSink {
 
   void Write(Bytes bytes) override {
     MustFit(static_cast<Length>(bytes.size()));
-    m_sink.Write(bytes);
-    m_blocks.push_back({bytes.size(), HashOf(bytes)});
+    m_pending.append(AsText(bytes));
+    if (m_pending.size() >= kCopyBlock) WritePending();
   }
   void CopyFrom(File& carrier, const Path& path, Position from, Length length) {
     MustFit(length);
+    WritePending();
     m_sink.CopyFrom(carrier, path, from, length);
   }
-  Length Written() const { return m_sink.Written(); }
+  /// To be called behind the last of them.
+  void WritePending() {
+    if (m_pending.empty()) return;
+    m_sink.Write(AsBytes(m_pending));
+    m_blocks.push_back({m_pending.size(), HashOf(AsBytes(m_pending))});
+    m_pending.clear();
+  }
+  Length Written() const { return m_sink.Written() + static_cast<Length>(m_pending.size()); }
   std::vector<MadeBlock> TakeBlocks() { return std::move(m_blocks); }
 
  private:
   void MustFit(Length length) const {
-    if (length <= m_room - m_sink.Written()) return;
+    if (length <= m_room - Written()) return;
     throw Error(ErrorNumber::DiskFull,
                 "cannot write " + Printable(m_path.native()) + ": a carrier has to stay below 2 GiB", m_path);
   }
 
   FileSink m_sink;
+  std::string m_pending;  ///< the parts of a small entry go to the disk in one piece
   std::vector<MadeBlock> m_blocks;
   Length m_room;
   const Path& m_path;
@@ -98,7 +104,7 @@ CarrierRewrite::CarrierRewrite(const Path& carrier, const std::vector<KnownEntry
   m_partial.emplace(files, m_temporaryPath);
   if (m_manner.savedAttributes == RewriteManner::SavedAttributes::ReadLast) return;
   m_savedMode = stat.mode;
-  SetCarrierMode(ApplyReadOnly(stat.mode, attribute::Archive));
+  SetCarrierMode(ApplyReadOnly(stat.mode, attribute::kArchive));
 }
 
 void CarrierRewrite::MustHold(const KnownEntry& entry) {
@@ -134,10 +140,9 @@ void CarrierRewrite::KeepUntil(Position end) {
 }
 
 void CarrierRewrite::CopyStretch(Position from, Length length, TemporarySink& sink) {
-  constexpr Length most = Length{1024} * 1024;
   BlockCount count = CountBlocks(length);
   for (Length done = 0; done < length;) {
-    const Length piece = std::min(most, length - done);
+    const Length piece = std::min(kCopyPiece, length - done);
     count.PassAll(static_cast<std::size_t>(piece));
     sink.CopyFrom(*m_carrier, m_carrierPath, from + done, piece);
     done += piece;
@@ -153,9 +158,12 @@ Outcome CarrierRewrite::TryWrite(const std::function<void(TemporarySink&)>& part
   try {
     const Outcome outcome = Attempt(m_screen, m_manner.handler, [&] {
       m_progress = progress;
-      m_temporary->Truncate(m_written);
+      if (m_hasRest) m_temporary->Truncate(m_written);
+      m_hasRest = true;
       TemporarySink sink(*m_temporary, m_written, m_temporaryPath);
       part(sink);
+      sink.WritePending();
+      m_hasRest = false;
       m_pieces.push_back({.at = m_written, .length = sink.Written(), .made = sink.TakeBlocks()});
       m_written += sink.Written();
     });

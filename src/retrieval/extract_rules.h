@@ -7,7 +7,7 @@
 
 namespace tarnel {
 
-/// The rules of the window that extracts, and what it says before the first file and after the last.
+/// The rules of the window that extracts.
 
 /// The target may be asked for: a whole path, which need not exist.
 bool CanExtractTo(const Path& entered);
@@ -22,14 +22,8 @@ void MustTakeFiles(const Path& target, Files& files);
 /// What the chosen entries say that they hold, in bytes.
 double PlainBytes(const ExtractRequest& request, const Catalogue& catalogue);
 
-/// "extract.no-space": the files need more than the target has. Yes goes on, for existing files that are
-/// replaced give space back. Nothing where there is enough, or nobody knows.
+/// What is to be asked where the files need more than the target has: questions::NoSpaceToExtract. Nothing
+/// where there is enough, or nobody knows.
 std::optional<Question> SpaceQuestion(const Path& target, double required, Files& files);
-
-/// "extract.refused": why MustTakeFiles throws.
-Question TargetRefused(const Error& error);
-
-/// "extract.report": what was damaged, left out or kept; nothing if all went as it was asked for.
-std::optional<Question> ExtractReport(const ExtractResult& result);
 
 }  // namespace tarnel

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/attempt.h"
+#include "base/copy_file.h"
 #include "base/file_streams.h"
 #include "base/pace.h"
 #include "base/partial_file.h"
@@ -45,6 +46,12 @@ struct Link {
     return isLength ? std::optional(static_cast<Length>(payload.number)) : std::nullopt;
   }
 };
+
+/// What makes a torn text as long as a text can be, so that the bridge's trailer is found behind it.
+std::string PaddingOf(Length text) {
+  const Length characters = text % static_cast<Length>(kLineSize);
+  return std::string(static_cast<std::size_t>((4 - characters % 4) % 4), '=');
+}
 
 class Planning {
  public:
@@ -238,12 +245,13 @@ void Planning::BridgeGap(Position from, Length length) {
     return;
   }
   const Length text = LengthOfTextBefore(m_carrier, end);
-  const Length recordLength = text > 0 && text <= length ? text : 1;
+  const Length record = text > 0 && text <= length ? text : 1;
+  const std::string padding = record == text ? PaddingOf(text) : std::string();
   CopyUntil(end);
-  m_plan.pieces.push_back(
-      {.from = {},
-       .length = 0,
-       .written = PackLengthField(length - recordLength) + PackLengthField(recordLength)});
+  m_plan.pieces.push_back({.from = {},
+                           .length = 0,
+                           .written = padding + PackLengthField(length - record) +
+                                      PackLengthField(record + static_cast<Length>(padding.size()))});
   m_plan.steps.push_back({Kind::Bridge, from, length, {}});
   ++m_plan.links;
 }
@@ -271,6 +279,13 @@ void Planning::CopyUntil(Position end) {
   if (end <= m_copied) return;
   m_plan.pieces.push_back({.from = m_copied, .length = end - m_copied, .written = {}});
   m_copied = end;
+}
+
+Length SizeOf(const MendPlan& plan) {
+  Length size = 0;
+  for (const MendPlan::Piece& piece : plan.pieces)
+    size += piece.length + static_cast<Length>(piece.written.size());
+  return size;
 }
 
 /// Walks through the mended carrier as any reader does.
@@ -321,22 +336,21 @@ std::string SentenceOf(const MendPlan::Step& step) {
 
 bool WriteMended(const MendPlan& plan, File& carrier, const Path& path, const Path& to, Files& files,
                  Dialogue& dialogue) {
-  constexpr Length most = Length{1} << 20;
+  if (SizeOf(plan) > kCarrierLimit)
+    throw Error(ErrorNumber::DiskFull,
+                "cannot mend " + Printable(path.native()) + ": a carrier has to stay below 2 GiB", path);
   const std::unique_ptr<File> mended = files.CreateNew(to, 0600);
   PartialFile partial(files, to);
   mended->ExpectSync();
   FileSink sink(*mended, Position{1});
   for (const MendPlan::Piece& piece : plan.pieces) {
     sink.Write(AsBytes(piece.written));
-    for (Length done = 0; done < piece.length; done += most) {
+    for (Length done = 0; done < piece.length; done += kCopyPiece) {
       if (dialogue.CancelRequested()) return false;
-      sink.CopyFrom(carrier, path, piece.from + done, std::min(most, piece.length - done));
+      sink.CopyFrom(carrier, path, piece.from + done, std::min(kCopyPiece, piece.length - done));
       dialogue.Yield();
     }
   }
-  if (sink.Written() > kCarrierLimit)
-    throw Error(ErrorNumber::DiskFull,
-                "cannot mend " + Printable(path.native()) + ": a carrier has to stay below 2 GiB", path);
   MustLeadToAll(plan, *mended, path, dialogue);
   mended->Sync();
   mended->Close();

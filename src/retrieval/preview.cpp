@@ -25,12 +25,8 @@ namespace {
 
 class Viewing {
  public:
-  Viewing(const PreviewParcel& parcel, const Reading& reading, ViewScreen& screen, const ShellOpen& shellOpen)
-      : m_parcel(parcel),
-        m_reading(reading),
-        m_screen(screen),
-        m_shellOpen(shellOpen),
-        m_name(ToPlatform(parcel.ViewFileName)) {}
+  Viewing(const PreviewParcel& parcel, Reading& reading, ViewScreen& screen)
+      : m_parcel(parcel), m_reading(reading), m_screen(screen), m_name(ToPlatform(parcel.ViewFileName)) {}
 
   ViewResult Run();
 
@@ -54,9 +50,8 @@ class Viewing {
   }
 
   const PreviewParcel& m_parcel;
-  const Reading& m_reading;
+  Reading& m_reading;
   ViewScreen& m_screen;
-  const ShellOpen& m_shellOpen;
   const std::string m_name;
   std::unique_ptr<File> m_plain;  ///< until an application may open it
   ViewResult m_result;
@@ -71,8 +66,8 @@ ViewResult Viewing::Run() {
     Must([this] { Extract(); });
     Must([this] { Close(); });
     if (m_screen.CancelRequested()) throw Stop{StopReason::Cancelled};
-    Try([this] { m_shellOpen(m_result.PreviewFolder); });
-    Try([this] { m_shellOpen(m_result.PreviewFile); });
+    Try([this] { m_screen.OpenWithDesktop(m_result.PreviewFolder); });
+    Try([this] { m_screen.OpenWithDesktop(m_result.PreviewFile); });
     m_screen.ShowProgress(m_parcel.ViewSize, m_parcel.ViewSize);
   } catch (const Stop& stop) {
     CleanUp(stop.reason == StopReason::Cancelled ? ViewEnding::Cancelled : ViewEnding::Aborted);
@@ -245,15 +240,14 @@ PreviewChange ChangeOf(const ViewResult& view, Files& files) {
   }
 }
 
-ViewResult RunView(const PreviewParcel& parcel, const Reading& reading, ViewScreen& screen,
-                   const ShellOpen& shellOpen) {
+ViewResult RunView(const PreviewParcel& parcel, Reading& reading, ViewScreen& screen) {
   if (reading.guards.ViewBusy)
     return {.ending = ViewEnding::Busy, .PreviewFolder = {}, .PreviewFile = {}, .seen = {}};
   const BusyView busy(reading.guards);
-  return Viewing(parcel, reading, screen, shellOpen).Run();
+  return Viewing(parcel, reading, screen).Run();
 }
 
-ViewReturn ReturnFromView(const ViewResult& view, const Reading& reading, Dialogue& dialogue) {
+ViewReturn ReturnFromView(const ViewResult& view, Reading& reading, Dialogue& dialogue) {
   assert(view.PreviewFile.parent_path() == view.PreviewFolder);
   if (reading.guards.ViewBusy) return ViewReturn::Stay;
   const BusyView busy(reading.guards);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -12,8 +11,8 @@
 
 namespace tarnel {
 
-/// What viewing and updating know of the entry. An update moves the entry, and changes the parcel with it, so
-/// that the next update finds it.
+/// What viewing and updating know of the entry. An update moves the entry, and gives the parcel with which
+/// the next update finds it.
 struct PreviewParcel {
   WipedText ViewFileName;      ///< stored text, as are the next three and the mode
   std::string ViewPlainSize;   ///< plain digits
@@ -33,16 +32,15 @@ PreviewParcel ParcelOf(const MirrorRow& row);
 /// What the name of every PreviewFolder begins with.
 inline constexpr std::string_view kPreviewPrefix = "tarnel-view-";
 
-/// What viewing shows.
+/// What viewing shows, and what it needs of the desktop.
 class ViewScreen : public virtual Dialogue {
  public:
   virtual void ShowExtractingTo(const Path& previewFile) = 0;
   virtual void ShowProgress(Length value, Length maximum) = 0;
+  /// Opens a file or folder with the application that the desktop has for it, and lets the person choose one
+  /// where none is known. Throws Error if that fails.
+  virtual void OpenWithDesktop(const Path& path) = 0;
 };
-
-/// Opens a file or folder with the application that the desktop has for it, and lets the person choose one
-/// where none is known. Throws Error if that fails.
-using ShellOpen = std::function<void(const Path&)>;
 
 /// While it lives, no other view, update or return from a view begins.
 class BusyView {
@@ -85,8 +83,7 @@ PreviewChange ChangeOf(const ViewResult& view, Files& files);
 /// file but the one made here is ever touched. Cancel is looked at behind each full block, and before
 /// anything is opened with the desktop. What a cancelled or aborted view has written is overwritten in its
 /// own length, so that a full disk doesn't stand against it, and removed.
-ViewResult RunView(const PreviewParcel& parcel, const Reading& reading, ViewScreen& screen,
-                   const ShellOpen& shellOpen);
+ViewResult RunView(const PreviewParcel& parcel, Reading& reading, ViewScreen& screen);
 
 enum class ViewReturn { Stay, Leave };
 
@@ -95,6 +92,6 @@ enum class ViewReturn { Stay, Leave };
 /// there. If the file has gone, the folder stays; whatever lies in it is offered for destruction. Leave is
 /// also the answer where something could not be looked at or destroyed; the person has then been told. Stay
 /// without a question while another view, an update or a return runs.
-ViewReturn ReturnFromView(const ViewResult& view, const Reading& reading, Dialogue& dialogue);
+ViewReturn ReturnFromView(const ViewResult& view, Reading& reading, Dialogue& dialogue);
 
 }  // namespace tarnel

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/attempt.h"
+#include "base/formats.h"
 #include "base/printable.h"
 #include "carrier/stored_text.h"
 
@@ -37,6 +38,11 @@ Question NotReplaced(const char* id, const char* advice, const Path& temporary, 
   return message;
 }
 
+void AddNames(Question& report, const char* what, const std::vector<std::string>& stored) {
+  for (const std::string& name : stored)
+    report.list.push_back(what + Printable(ToPlatform(name)));
+}
+
 }  // namespace
 
 Question ExtractError(const Error& error, ExtractFault fault) {
@@ -62,6 +68,38 @@ Question Overwrite(const Path& target) {
           .buttons = Buttons::YesNoOverwriteAll,
           .icon = Icon::Question,
           .preset = Answer::No};
+}
+
+Question NoSpaceToExtract(const Path& target, double required, std::int64_t free) {
+  return YesOrNo("extract.no-space", kTitle,
+                 "Not enough free space in: (" + Printable(target.native()) +
+                     ") to extract the files. Required: " + PlainNumber(required) +
+                     " bytes of free space, there are: " + std::to_string(free) +
+                     ".\r\n\r\nDo you want to extract all the same?",
+                 Answer::No);
+}
+
+Question TargetRefused(const Error& error) {
+  return {.id = "extract.refused",
+          .title = kTitle,
+          .text = "Nothing can be extracted there: " + error.Description() + ".",
+          .buttons = Buttons::Ok,
+          .icon = Icon::Critical,
+          .cause = error};
+}
+
+std::optional<Question> ExtractReport(const ExtractResult& result) {
+  Question report{.id = "extract.report",
+                  .title = kTitle,
+                  .text = "Not everything was extracted:",
+                  .buttons = Buttons::Ok,
+                  .icon = result.damaged.empty() ? Icon::Information : Icon::Critical};
+  AddNames(report, "damaged: ", result.damaged);
+  AddNames(report, "left out: ", result.leftOut);
+  for (const Path& kept : result.keptExisting)
+    report.list.push_back("existing file kept: " + Printable(kept.native()));
+  if (report.list.empty()) return std::nullopt;
+  return report;
 }
 
 Question DeleteError(const Error& error) {

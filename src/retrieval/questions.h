@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -8,6 +10,7 @@
 #include "base/files.h"
 #include "carrier/chain.h"
 #include "retrieval/preview.h"
+#include "retrieval/run_extract.h"
 #include "retrieval/run_password.h"
 
 /// What those who answer by rule know questions by.
@@ -37,6 +40,13 @@ Question ExtractError(const Error& error, ExtractFault fault);
 
 /// "extract.overwrite": the target stands already.
 Question Overwrite(const Path& target);
+
+/// "extract.no-space": sizes in bytes. Yes goes on, for existing files that are replaced give space back.
+Question NoSpaceToExtract(const Path& target, double required, std::int64_t free);
+/// "extract.refused": why nothing can be extracted there.
+Question TargetRefused(const Error& error);
+/// "extract.report": what was damaged, left out or kept; nothing if all went as it was asked for.
+std::optional<Question> ExtractReport(const ExtractResult& result);
 
 /// "password.left-behind": entries that a change of password can't take along. Ignore changes the others,
 /// Abort nothing.

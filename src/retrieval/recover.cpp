@@ -112,13 +112,10 @@ std::optional<Algorithm> Planning::FittingAlgorithm(const Path& path) {
 }
 
 void Planning::CountEntries(CarrierCopy& copy) {
-  HideoutKey key;
-  key.carrier = copy.path;
-  key.password = m_password;
-  key.algorithm = *copy.algorithm;
   QuietScreen screen(m_dialogue);
-  const VerifyResult result = RunVerify(copy.path, key, m_files, screen);
-  if (result.cancelled) throw Stop{StopReason::Cancelled};
+  const VerifyRequest request{.carrier = copy.path, .password = m_password, .algorithm = *copy.algorithm};
+  const VerifyResult result = RunVerify(request, m_files, screen);
+  if (result.ending == VerifyEnding::Cancelled) throw Stop{StopReason::Cancelled};
   copy.entries = result.entries.size();
   for (const VerifiedEntry& entry : result.entries)
     if (entry.verdict != Verdict::Intact) ++copy.damaged;

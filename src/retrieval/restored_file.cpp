@@ -21,11 +21,10 @@ std::optional<Number> Whole(std::string_view text, int base) {
 }
 
 mode_t ModeOf(std::string_view record) {
-  const std::optional<unsigned> bits = Whole<unsigned>(GetTag(record, tag::kMode), 8);
+  const std::optional<mode_t> bits = Whole<mode_t>(GetTag(record, tag::kMode), 8);
   const double word = ReadNumber(GetTag(record, tag::kAttributes));
   const bool isWord = word >= 0 && word <= 0xFFFF;
-  return RestoredMode(bits ? std::optional<mode_t>(*bits & 0777) : std::nullopt,
-                      isWord ? static_cast<int>(word) : attribute::Archive);
+  return RestoredMode(bits, isWord ? static_cast<int>(word) : attribute::kArchive);
 }
 
 }  // namespace

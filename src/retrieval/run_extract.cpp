@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/attempt.h"
+#include "base/closing_separator.h"
 #include "base/file_streams.h"
 #include "base/pace.h"
 #include "base/printable.h"
@@ -21,10 +22,6 @@
 namespace tarnel {
 namespace {
 
-Path WithoutClosingSeparator(const Path& folder) {
-  return folder.has_filename() || folder == folder.root_path() ? folder : folder.parent_path();
-}
-
 /// A symbolic link counts, so that entering it is refused instead of passing for a missing folder.
 bool HasFolder(Folder& folder, const std::string& name) {
   const std::optional<FileStat> found = folder.Stat(name);
@@ -33,10 +30,10 @@ bool HasFolder(Folder& folder, const std::string& name) {
 
 class Extraction {
  public:
-  Extraction(const ExtractRequest& request, const Catalogue& catalogue, Files& files, ExtractScreen& screen)
+  Extraction(const ExtractRequest& request, Reading& reading, ExtractScreen& screen)
       : m_request(request),
-        m_catalogue(catalogue),
-        m_files(files),
+        m_catalogue(reading.catalogue),
+        m_files(reading.files),
         m_screen(screen),
         m_overwriteAll(request.overwriteAll) {}
 
@@ -246,9 +243,8 @@ void Extraction::End(const Stop& stop) {
 
 }  // namespace
 
-ExtractResult RunExtract(const ExtractRequest& request, const Catalogue& catalogue, Files& files,
-                         ExtractScreen& screen) {
-  return Extraction(request, catalogue, files, screen).Run();
+ExtractResult RunExtract(const ExtractRequest& request, Reading& reading, ExtractScreen& screen) {
+  return Extraction(request, reading, screen).Run();
 }
 
 }  // namespace tarnel

@@ -6,7 +6,8 @@
 
 #include "base/dialogue.h"
 #include "base/files.h"
-#include "carrier/catalogue.h"
+#include "carrier/format.h"
+#include "carrier/reading.h"
 
 namespace tarnel {
 
@@ -34,7 +35,7 @@ struct ExtractChoice {
 };
 
 struct ExtractRequest {
-  Path carrier;
+  Path carrier;      ///< whose rows are meant
   Path target;       ///< "ExtractTo"; made if missing, one level only
   bool all = false;  ///< every row of the carrier; `choices` plays no part
   std::vector<ExtractChoice> choices;
@@ -42,7 +43,7 @@ struct ExtractRequest {
   bool overwriteAll = false;
   /// Of the node selected in the tree, which folder texts are shortened by: its "?ItemFolder=<" and its
   /// FolderPath.
-  std::string nodeItemFolder = "*RootFolder*";
+  std::string nodeItemFolder{kRootFolder};
   std::string nodePath;
 };
 
@@ -62,7 +63,6 @@ struct ExtractResult {
 /// path, an empty component, or a symbolic link on the way is an Error BadFileName that names it. A target
 /// that is a folder or the carrier itself is an Error PathFileAccess. Cancel is looked at before each file
 /// and behind each full block.
-ExtractResult RunExtract(const ExtractRequest& request, const Catalogue& catalogue, Files& files,
-                         ExtractScreen& screen);
+ExtractResult RunExtract(const ExtractRequest& request, Reading& reading, ExtractScreen& screen);
 
 }  // namespace tarnel

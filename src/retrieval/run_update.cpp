@@ -34,13 +34,13 @@ KnownEntry EntryOf(const PreviewParcel& parcel) {
 
 class Update {
  public:
-  Update(const UpdateRequest& request, const PreviewParcel& parcel, Reading& reading, RewriteScreen& screen)
+  Update(const UpdateRequest& request, Reading& reading, RewriteScreen& screen)
       : m_request(request),
-        m_old(parcel),
-        m_new(parcel),
+        m_old(request.parcel),
+        m_new(request.parcel),
         m_reading(reading),
         m_screen(screen),
-        m_level(parcel.ViewCompressed == "0" ? 0 : std::clamp(request.compressionLevel, 0, 9)),
+        m_level(m_old.ViewCompressed == "0" ? 0 : std::clamp(request.compressionLevel, 0, 9)),
         m_rewrite(reading.current.CurrentCarrierPath, {EntryOf(m_old)}, Manner(), request.leftover,
                   reading.files, screen) {
     m_new.ViewCompressed = std::to_string(m_level);
@@ -59,7 +59,7 @@ class Update {
   WipedText Record(Length size, Length stored) const;
 
   const UpdateRequest& m_request;
-  const PreviewParcel m_old;
+  const PreviewParcel& m_old;
   PreviewParcel m_new;
   Reading& m_reading;
   RewriteScreen& m_screen;
@@ -162,36 +162,34 @@ WipedText Update::Record(Length size, Length stored) const {
 }
 
 /// What the person says to an update, before anything is touched.
-UpdateResult::Refused Refusal(const UpdateRequest& request, const PreviewParcel& parcel, Files& files,
-                              Dialogue& dialogue) {
+UpdateResult::Refused Refusal(const UpdateRequest& request, Files& files, Dialogue& dialogue) {
   const std::optional<FileStat> found = files.Stat(request.previewFile);
   if (!found || found->kind == FileKind::Folder) {
     dialogue.Ask(questions::PreviewMissing());
     return UpdateResult::Refused::FileMissing;
   }
-  const std::string oldSize = PlainNumber(ReadNumber(parcel.ViewPlainSize));
+  const std::string oldSize = PlainNumber(ReadNumber(request.parcel.ViewPlainSize));
   const Answer answer = dialogue.Ask(questions::ConfirmUpdate(oldSize, std::to_string(found->size)));
   return answer == Answer::Yes ? UpdateResult::Refused::No : UpdateResult::Refused::ByPerson;
 }
 
 }  // namespace
 
-UpdateResult RunUpdate(const UpdateRequest& request, PreviewParcel& parcel, Reading& reading,
-                       RewriteScreen& screen) {
+UpdateResult RunUpdate(const UpdateRequest& request, Reading& reading, RewriteScreen& screen) {
   UpdateResult result;
-  const ReadingGuards& guards = reading.guards;
-  if (guards.ViewBusy || guards.ReadingBusy) {
+  result.parcel = request.parcel;
+  if (reading.guards.ViewBusy || reading.guards.ReadingBusy) {
     result.refused = UpdateResult::Refused::Busy;
     return result;
   }
   const BusyView busy(reading.guards);
-  result.refused = Refusal(request, parcel, reading.files, screen);
+  result.refused = Refusal(request, reading.files, screen);
   if (result.refused != UpdateResult::Refused::No) return result;
-  Update update(request, parcel, reading, screen);
+  Update update(request, reading, screen);
   result.ending = update.Run();
   if (result.ending == RewriteEnding::NotReplaced) result.temporary = update.TemporaryPath();
   result.taken = update.Taken();
-  if (result.ending == RewriteEnding::Done) parcel = std::move(update).Parcel();
+  if (result.ending == RewriteEnding::Done) result.parcel = std::move(update).Parcel();
   return result;
 }
 

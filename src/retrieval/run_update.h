@@ -7,7 +7,8 @@
 namespace tarnel {
 
 struct UpdateRequest {
-  Path previewFile;  ///< the new contents; the entry keeps its name
+  PreviewParcel parcel;  ///< the entry
+  Path previewFile;      ///< the new contents; the entry keeps its name
   /// Of the settings: 1 to 9, or 0 to store the file as it is; what lies outside counts as the nearest of
   /// these. An entry that was compressed is compressed again at this level; one that was not stays so.
   int compressionLevel = kPresetCompressionLevel;
@@ -18,18 +19,17 @@ struct UpdateResult {
   /// Else nothing was done. Busy: a view, another update, a return from a view, or a reading was running.
   enum class Refused { No, FileMissing, ByPerson, Busy } refused = Refused::No;
   RewriteEnding ending = RewriteEnding::Done;
-  FileStat taken;  ///< of the file when its reading began; the entry holds what it held then
-  Path temporary;  ///< set where the complete new carrier was left beside the old one
+  PreviewParcel parcel;  ///< the entry as it is now: another one only when Done
+  FileStat taken;        ///< of the file when its reading began; the entry holds what it held then
+  Path temporary;        ///< set where the complete new carrier was left beside the old one
 };
 
-/// Puts the file's present contents in the place of the parcel's entry, after asking. The entry moves to the
+/// Puts the file's present contents in the place of the entry, after asking. The entry moves to the
 /// end of the current carrier, with the moment of the update as its date; attributes, mode and folder stay.
 /// All other bytes stay as they are and in their order. The new entry is read back and compared with the
 /// file; one that changes meanwhile is an Error DeviceIo, which is asked about. When Done the hideout was
-/// reloaded and the parcel describes the entry as it is now. Otherwise the parcel is what it was.
-/// Cancel is looked at before each full block. After Abort a carrier that was read-only stays writable.
-/// Errors before the first byte is written are thrown, as CarrierRewrite does.
-UpdateResult RunUpdate(const UpdateRequest& request, PreviewParcel& parcel, Reading& reading,
-                       RewriteScreen& screen);
+/// reloaded. Cancel is looked at before each full block. After Abort a carrier that was read-only stays
+/// writable. Errors before the first byte is written are thrown, as CarrierRewrite does.
+UpdateResult RunUpdate(const UpdateRequest& request, Reading& reading, RewriteScreen& screen);
 
 }  // namespace tarnel

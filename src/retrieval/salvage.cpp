@@ -25,8 +25,8 @@ namespace {
 
 class Salvage {
  public:
-  Salvage(const SalvageRequest& request, const Key& key, Files& files, SalvageScreen& screen)
-      : m_request(request), m_key(key), m_files(files), m_screen(screen), m_pace(screen) {}
+  Salvage(const SalvageRequest& request, Files& files, SalvageScreen& screen)
+      : m_request(request), m_files(files), m_screen(screen), m_pace(screen) {}
 
   SalvageResult Run();
 
@@ -56,7 +56,6 @@ class Salvage {
   }
 
   const SalvageRequest& m_request;
-  const Key& m_key;
   Files& m_files;
   SalvageScreen& m_screen;
   Pace m_pace;
@@ -95,7 +94,7 @@ void Salvage::FindRecords() {
     m_screen.Yield();
     if (m_screen.CancelRequested()) throw Stop{StopReason::Cancelled};
   });
-  RecordOpener opener(*m_carrier, m_key);
+  RecordOpener opener(*m_carrier, m_request.password);
   while (const std::optional<RecordText> text = scan.Next()) {
     if (std::optional<OpenedRecord> opened = opener.Open(*text))
       m_records.push_back({text->begin, std::move(*opened)});
@@ -177,13 +176,14 @@ std::string Salvage::TakeOutTo(const FoundRecord& record, Position start, Length
                        m_screen.ShowProgress(passed += block, payload);
                      }));
   FileSink sink(plain, Position{1});
-  return TakeOutPayload(blocks, ClaimsOf(record.opened.plain), record.opened.algorithm, m_key, sink);
+  return TakeOutPayload(blocks, ClaimsOf(record.opened.plain), record.opened.algorithm, m_request.password,
+                        sink);
 }
 
 }  // namespace
 
-SalvageResult RunSalvage(const SalvageRequest& request, const Key& key, Files& files, SalvageScreen& screen) {
-  return Salvage(request, key, files, screen).Run();
+SalvageResult RunSalvage(const SalvageRequest& request, Files& files, SalvageScreen& screen) {
+  return Salvage(request, files, screen).Run();
 }
 
 std::string NumberedName(const std::string& name, int number) {

@@ -13,7 +13,6 @@
 #include "carrier/payload.h"
 #include "carrier/tags.h"
 #include "carrier/walk.h"
-#include "crypto/keys.h"
 #include "retrieval/block_source.h"
 
 namespace tarnel {
@@ -21,8 +20,8 @@ namespace {
 
 class Verification {
  public:
-  Verification(const Path& path, const HideoutKey& key, Files& files, VerifyScreen& screen)
-      : m_path(path), m_key(key), m_files(files), m_screen(screen) {}
+  Verification(const VerifyRequest& request, Files& files, VerifyScreen& screen)
+      : m_request(request), m_files(files), m_screen(screen) {}
 
   VerifyResult Run();
 
@@ -33,8 +32,7 @@ class Verification {
   void CheckPayload(const EntryPlace& place, std::string_view record, VerifiedEntry& entry);
   std::string FaultOfPayload(const EntryPlace& place, std::string_view record);
 
-  const Path& m_path;
-  const HideoutKey& m_key;
+  const VerifyRequest& m_request;
   Files& m_files;
   VerifyScreen& m_screen;
   std::unique_ptr<File> m_carrier;
@@ -44,19 +42,19 @@ class Verification {
 };
 
 VerifyResult Verification::Run() {
-  m_result.leftovers = LeftoversBeside(m_path, m_files);
+  m_result.leftovers = LeftoversBeside(m_request.carrier, m_files);
   try {
-    m_key.password.Prepare([this] { m_screen.Yield(); });
+    m_request.password.Prepare([this] { m_screen.Yield(); });
     CheckEntries();
   } catch (const Stop&) {
-    m_result.cancelled = true;
+    m_result.ending = VerifyEnding::Cancelled;
   }
   return std::move(m_result);
 }
 
 void Verification::CheckEntries() {
-  m_carrier = m_files.OpenToRead(m_path);
-  Walk walk(*m_carrier, m_path);
+  m_carrier = m_files.OpenToRead(m_request.carrier);
+  Walk walk(*m_carrier, m_request.carrier);
   m_size = walk.CarrierSize();
   while (const std::optional<EntryPlace> place = NextEntry(walk)) {
     m_screen.Yield();
@@ -81,7 +79,7 @@ std::optional<EntryPlace> Verification::NextEntry(Walk& walk) {
 
 /// False where an entry closes the hideout.
 bool Verification::CheckEntry(Walk& walk, const EntryPlace& place) {
-  const JudgedEntry judged = Judge(walk, place, m_key.algorithm, m_key.password);
+  const JudgedEntry judged = Judge(walk, place, m_request.algorithm, m_request.password);
   if (judged.state == JudgedEntry::State::Closed)
     m_result.chain.closedBy = GetTag(judged.record, tag::kFormat);
   const bool isWhole = judged.state == JudgedEntry::State::Whole;
@@ -108,13 +106,13 @@ void Verification::CheckPayload(const EntryPlace& place, std::string_view record
 }
 
 std::string Verification::FaultOfPayload(const EntryPlace& place, std::string_view record) {
-  FileSource stretch(*m_carrier, m_path, place.start, place.payload);
+  FileSource stretch(*m_carrier, m_request.carrier, place.start, place.payload);
   Length passed = m_passed;
   BlockSource payload(stretch,
                       BlockCount(place.payload, CancelLook::BehindFullBlock, m_screen,
                                  [&](Length block) { m_screen.ShowProgress(passed += block, m_size); }));
   NullSink nowhere;
-  return TakeOutPayload(payload, ClaimsOf(record), m_key.algorithm, m_key.password, nowhere);
+  return TakeOutPayload(payload, ClaimsOf(record), m_request.algorithm, m_request.password, nowhere);
 }
 
 }  // namespace
@@ -125,8 +123,8 @@ bool VerifyResult::IsWhole() const {
          });
 }
 
-VerifyResult RunVerify(const Path& carrier, const HideoutKey& key, Files& files, VerifyScreen& screen) {
-  return Verification(carrier, key, files, screen).Run();
+VerifyResult RunVerify(const VerifyRequest& request, Files& files, VerifyScreen& screen) {
+  return Verification(request, files, screen).Run();
 }
 
 }  // namespace tarnel

@@ -7,10 +7,17 @@
 
 #include "base/dialogue.h"
 #include "base/files.h"
-#include "carrier/catalogue.h"
 #include "carrier/chain.h"
+#include "crypto/algorithm.h"
+#include "crypto/keys.h"
 
 namespace tarnel {
+
+struct VerifyRequest {
+  Path carrier;
+  Key password;
+  Algorithm algorithm = Algorithm::Rijndael256;
+};
 
 enum class Verdict { Intact, Damaged, Unreadable };
 
@@ -22,9 +29,11 @@ struct VerifiedEntry {
   std::string reason;  ///< empty when intact, else a clause
 };
 
+enum class VerifyEnding { Done, Cancelled };
+
 struct VerifyResult {
-  bool cancelled = false;
-  std::deque<VerifiedEntry> entries;   ///< newest first
+  VerifyEnding ending = VerifyEnding::Done;
+  std::deque<VerifiedEntry> entries;  ///< newest first
   ChainFaults chain;                   ///< without its entries, which stand above
   std::vector<Path> leftovers;         ///< the ".bak" and ".tmp" that lie beside the carrier
 
@@ -38,10 +47,10 @@ class VerifyScreen : public virtual Dialogue {
   virtual void ShowProgress(Length value, Length maximum) = 0;
 };
 
-/// Decrypts every payload of the hideout to nowhere. An entry written under this key whose record fails its
-/// tag counts as damaged. A payload that the disk doesn't give is unreadable; the others are read all the
-/// same. Throws Error for a carrier whose chain can't be read, or whose end is no entry and leads before its
-/// begin.
-VerifyResult RunVerify(const Path& carrier, const HideoutKey& key, Files& files, VerifyScreen& screen);
+/// Decrypts every payload of the hideout to nowhere, whether it is open or not. An entry written under this
+/// key whose record fails its tag counts as damaged. A payload that the disk doesn't give is unreadable; the
+/// others are read all the same. Throws Error for a carrier whose chain can't be read, or whose end is no
+/// entry and leads before its begin.
+VerifyResult RunVerify(const VerifyRequest& request, Files& files, VerifyScreen& screen);
 
 }  // namespace tarnel

@@ -64,7 +64,8 @@ class Search {
         m_files(reading.files, screen),
         m_reading{m_files, reading.catalogue, reading.guards, reading.current} {}
 
-  SearchSummary Run(const Path& folder) {
+  SearchSummary Run() {
+    const Path folder = m_request.folder;
     m_reading.guards.SearchAbort = false;
     if (m_request.password.IsEmpty()) return Refuse();
     try {
@@ -229,14 +230,21 @@ class Search {
 
 }  // namespace
 
+std::vector<std::string> SearchAlgorithms() {
+  std::vector<std::string> items = {"All Algorithms"};
+  for (const OfferedAlgorithm& offered : OfferedAlgorithms())
+    items.push_back(AlgorithmName(offered.algorithm));
+  return items;
+}
+
 std::string SearchingText(const Path& folder) {
   return "Searching... " + folder.native();
 }
 
-SearchSummary SearchFolder(const Path& folder, const SearchRequest& request, SearchResults& results,
-                           Reading& reading, SearchScreen& screen) {
-  if (folder.empty()) return {};
-  return Search(request, results, reading, screen).Run(folder);
+SearchSummary SearchFolder(const SearchRequest& request, SearchResults& results, Reading& reading,
+                           SearchScreen& screen) {
+  if (request.folder.empty()) return {};
+  return Search(request, results, reading, screen).Run();
 }
 
 }  // namespace tarnel

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -17,11 +16,12 @@
 namespace tarnel {
 
 /// The items of the list "Algorithm:". The first stands for all of them; the others go through AlgorithmId.
-inline constexpr std::array<std::string_view, 8> kSearchAlgorithms = {
-    "All Algorithms", "BLOWFISH", "CAST5", "DES", "SERPENT-256", "RIJNDAEL-256", "TRIPLEDES", "TWOFISH"};
+std::vector<std::string> SearchAlgorithms();
 
-/// What to look for. It is read anew for each file, so that a caller may change it whenever events run.
+/// What to look for. The rest is read anew for each file, so that a caller may change it whenever events
+/// run.
 struct SearchRequest {
+  Path folder;  ///< read once, at the beginning; an empty path is no folder, and nothing happens
   Secret password;
   std::size_t type = 0;                ///< index in CarrierTypes()
   std::optional<Algorithm> algorithm;  ///< all seven, one after the other, if there is none
@@ -63,14 +63,14 @@ struct SearchSummary {
   std::vector<NotSearched> notSearched;
 };
 
-/// Looks through the files of `folder`, and of those below it if wanted, for carriers that the password
+/// Looks through the files of the folder, and of those below it if wanted, for carriers that the password
 /// opens, and adds them to `results`. An empty password is refused with a message before any file is looked
 /// at. Files are chosen by their extension; one without is never tried. Yields before each file, inside each
 /// probe, and every 20 ms while a folder or file keeps it waiting; a cancel leaves the results found so far.
 /// A symbolic link to a folder is searched after all that need none, and no folder is searched twice. A
-/// folder below that can't be listed is named in the summary; for `folder` itself the Error passes through.
-/// An empty path is no folder, and nothing happens.
-SearchSummary SearchFolder(const Path& folder, const SearchRequest& request, SearchResults& results,
-                           Reading& reading, SearchScreen& screen);
+/// folder below that can't be listed is named in the summary; for the first the Error passes through. Of
+/// `reading` the files and the guards are used; no hideout need be open.
+SearchSummary SearchFolder(const SearchRequest& request, SearchResults& results, Reading& reading,
+                           SearchScreen& screen);
 
 }  // namespace tarnel

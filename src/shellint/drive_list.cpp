@@ -5,7 +5,6 @@
 #include <map>
 #include <set>
 #include <sstream>
-#include <system_error>
 #include <utility>
 
 namespace tarnel {
@@ -171,12 +170,20 @@ class Survey {
 
   /// The folder of the device below /sys/devices; empty if the kernel shows none.
   Path DeviceOf(const Mount& mount) const {
-    std::error_code code;
-    const Path byNumber = std::filesystem::canonical(m_sources.deviceNumbers / mount.number, code);
-    if (!code) return byNumber;
-    const Path node = std::filesystem::weakly_canonical(mount.source, code);
-    const Path byName = std::filesystem::canonical(m_sources.deviceNames / node.filename(), code);
-    return code || node.empty() ? Path() : byName;
+    const Path byNumber = Behind(m_sources.deviceNumbers / mount.number);
+    if (!byNumber.empty()) return byNumber;
+    const Path node = Behind(mount.source);
+    const std::string name = (node.empty() ? Path(mount.source) : node).filename();
+    return name.empty() ? Path() : Behind(m_sources.deviceNames / name);
+  }
+
+  /// What a link leads to; empty if it leads nowhere.
+  Path Behind(const Path& link) const {
+    try {
+      return m_files.Canonical(link);
+    } catch (const Error&) {
+      return {};
+    }
   }
 
   DriveKind KindOfDevice(Path device) {
@@ -215,10 +222,7 @@ class Survey {
   Path FirstSlave(const Path& device) {
     try {
       const std::vector<FolderEntry> slaves = m_files.List(device / "slaves");
-      std::error_code code;
-      const Path slave =
-          slaves.empty() ? Path() : std::filesystem::canonical(device / "slaves" / slaves[0].name, code);
-      return code ? Path() : slave;
+      return slaves.empty() ? Path() : Behind(device / "slaves" / slaves[0].name);
     } catch (const Error&) {
       return {};
     }
@@ -227,9 +231,8 @@ class Survey {
   void ReadLabels() {
     try {
       for (const FolderEntry& link : m_files.List(m_sources.labels)) {
-        std::error_code code;
-        const Path node = std::filesystem::read_symlink(m_sources.labels / link.name, code);
-        if (!code) m_labels[node.filename()] = LabelOfLink(link.name);
+        const Path node = Behind(m_sources.labels / link.name);
+        if (!node.empty()) m_labels[node.filename()] = LabelOfLink(link.name);
       }
     } catch (const Error&) {  // without udev no volume shows its label
     }

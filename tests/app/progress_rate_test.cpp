@@ -5,13 +5,13 @@
 namespace tarnel::test {
 namespace {
 
-constexpr double kMiB = 1 << 20;
+constexpr Length kMiB = 1 << 20;
 
 TEST(ProgressRate, TellsRateAndRestAtMostFourTimesASecond) {
   using namespace std::chrono_literals;
   const struct {
     std::chrono::milliseconds at;
-    double mebibytes;
+    Length mebibytes;
     const char* line;  ///< null for none
   } steps[] = {
       {0ms, 0, "0 B of 100.0 MiB"},

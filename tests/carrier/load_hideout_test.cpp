@@ -6,6 +6,7 @@
 
 #include "base/attempt.h"
 #include "carrier/companions.h"
+#include "carrier/length_field.h"
 #include "crypto/base64.h"
 #include "tests/carrier/carrier_bench.h"
 #include "tests/support/faulty_files.h"
@@ -118,6 +119,11 @@ TEST(LoadHideout, SaysWhatIsDamagedAndShowsTheRest) {
   const std::string fits = "?Fls=<4>?FlsEn=<36>?Cmpr=<0>?CompVers=<701>",
                     part = "?FlsEn=<36>?Cmpr=<0>?CompVers=<701>";
   const auto tag = [](const char* name, std::size_t length) { return name + std::string(length, 'n') + ">"; };
+  const auto lengths = [](const std::string& stored) {
+    return std::pair(
+        "?Fnm=<n>?Fls=<4>?FlsEn=<" + stored + ">?Cmpr=<0>?CompVers=<701>",
+        Strings{"n, the entry at byte @, is damaged: the lengths stored for it contradict each other"});
+  };
   const std::pair<std::string, Strings> cases[] = {
       {tag("?Fnm=<", 1024) + tag("?Fldnm=<", 4096) + fits, {}},
       {tag("?Fnm=<", 1025) + fits, {"the entry at byte @ is damaged: its name is too long"}},
@@ -125,8 +131,13 @@ TEST(LoadHideout, SaysWhatIsDamagedAndShowsTheRest) {
        {"the entry at byte @ is damaged: its folder is too deep"}},
       {"?Fnm=<n>?Fls=<5>" + part,
        {"n, the entry at byte @, is damaged: its record says another size than its contents have"}},
-      {"?Fnm=<n>?Fls=<4>?FlsEn=<37>?Cmpr=<0>?CompVers=<701>",
-       {"n, the entry at byte @, is damaged: the lengths stored for it contradict each other"}},
+      lengths("37"),
+      lengths("0"),
+      lengths("-1"),
+      lengths("1e999"),
+      lengths("4294967332"),  // 36 in 32 bits
+      {"?Fnm=<n>?Fls=<99999999999999999999>" + part,
+       {"n, the entry at byte @, is damaged: its record says another size than its contents have"}},
       {"?Fnm=<n>" + part, {}},
       {"?Fnm=<n>?Fls=<5>?FlsEn=<36>?Cmpr=<6>?CompVers=<701>", {}},
       {fits, {}}};  // nobody's
@@ -141,6 +152,18 @@ TEST(LoadHideout, SaysWhatIsDamagedAndShowsTheRest) {
     EXPECT_EQ(bench.screen.faults, wanted);
     EXPECT_EQ(bench.Names().size(), faults.empty() && record != fits ? 3U : 2U) << record;
   }
+}
+
+TEST(LoadHideout, ReadsNoRecordOfMoreThanAMebibyteButItsNeighbours) {
+  CarrierBench bench(1000);
+  const std::string tags = "?Fnm=<n>?CompVers=<701>" + std::string(kRecordLimit * 3 / 4, 't');
+  const std::string text =
+      CipherEncryptString(mine.algorithm, tags, TextForm::Base64, HeldKey(mine.password), bench.secondKey);
+  bench.Hide({"old"}, mine)
+      .Append(text + PackLengthField(0) + PackLengthField(static_cast<Length>(text.size())));
+  EXPECT_EQ(bench.Hide({"new"}, mine).Load(mine, Reload::Ask), LoadResult::Loaded);
+  EXPECT_EQ(bench.Names(), (Strings{"new", "old"}));
+  EXPECT_TRUE(bench.screen.faults.at(0).ends_with("its record is too long"));
 }
 
 TEST(LoadHideout, TellsWhereTheChainEndsAndNotesAHundredFaultsAtMost) {
@@ -356,6 +379,28 @@ TEST(TryPassword, FailsAfterTwentyWalksAndOnceAbortedReadsNoMoreEntries) {
     EXPECT_EQ(TriesShown(bench), 20);
     EXPECT_TRUE(bench.catalogue.Roots().empty());
     EXPECT_FALSE(bench.guards.ReadingBusy || bench.guards.TreeClickBlocked || bench.guards.AbortReadingFlag);
+  }
+}
+
+TEST(TryPassword, OpensTheCarrierAnewOnceSomebodyHasWrittenToItOrAReadHasFailed) {
+  for (const bool hasFailed : {false, true}) {
+    CarrierBench bench(1000);
+    FaultyFiles files(bench.posix);
+    Reading reading{files, bench.catalogue, bench.guards, bench.current};
+    bench.Hide({"a"}, {"secret", Algorithm::Twofish}).Hide({"x"}, theirs);
+    if (hasFailed)
+      files.Fail({.counts = [](const Operation& operation) { return operation.name == "File.ReadAt"; }});
+    else
+      bench.screen.script.onYield = [&](std::size_t yield) {
+        if (yield == 12) bench.Hide({"b"}, {"secret", Algorithm::Twofish});
+      };
+    bench.screen.script.Always("load.error", Answer::Ignore);
+    EXPECT_EQ(TryPassword(bench.carrier, HeldKey("secret"), reading, bench.screen), LoadResult::Loaded);
+    EXPECT_EQ(bench.Names(), hasFailed ? Strings{"a"} : (Strings{"b", "a"}));
+    const auto& record = files.Record();
+    EXPECT_EQ(std::count_if(record.begin(), record.end(),
+                            [](const Operation& operation) { return operation.name == "Files.OpenToRead"; }),
+              2);
   }
 }
 

@@ -91,8 +91,8 @@ TEST(StoredText, HasExactlyThisForm) {
 
 TEST(StoredText, TakesWhatIsNoEscapeAsTheCodePage) {
   // At the end: what needs no escape, is longer than it must be, is a surrogate or beyond Unicode.
-  for (const std::string_view text :
-       {"{", "}", "{Gm", "{}", "{G}", "{GmG}", "{G<}", "{0k}", "~0l}", "[0Gm}", "[DW0}", "(----}"}) {
+  for (const std::string_view text : {"{", "}", "{Gm", "{}", "{G}", "{GmG}", "{G<}", "{0k}", "{0l}", "{00}",
+                                      "{{}", "~3}", "~0l}", "[0Gm}", "[DW0}", "(----}"}) {
     std::string bytes;  // the five codes stand for the controls of their number
     for (const char c : Coded(text))
       bytes += (c < 0 ? "\xC2" : "") + std::string(1, c);
@@ -179,8 +179,10 @@ TEST(Seal, IsTheEndOfAPayloadInWhateverPiecesItCame) {
   }
 }
 
-TEST(Record, IsRefusedWhereTheAlgorithmHasNoCipher) {
+TEST(Record, IsRefusedWhereTheAlgorithmHasNoCipherAndBeyondAMebibyte) {
   std::string secondKey;
+  EXPECT_THROW(SealEntry(std::string(kRecordLimit, 'n'), 1, Algorithm::Des, HeldKey("secret"), secondKey),
+               Error);
   EXPECT_THROW(SealEntry("?Fnm=<a>", 1, Algorithm::Rc4, HeldKey("secret"), secondKey), Error);
 }
 

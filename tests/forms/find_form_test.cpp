@@ -9,25 +9,20 @@
 #include "formkit/file_table.h"
 #include "search/forms/frm_find.h"
 #include "shellint/forms/uc_directory_tree.h"
-#include "tests/carrier/carrier_bench.h"
 #include "tests/forms/fixed_places.h"
 #include "tests/forms/forms_bench.h"
-#include "tests/support/faulty_files.h"
+#include "tests/forms/session_bench.h"
 #include "tests/support/held_key.h"
 
 namespace tarnel::test {
 namespace {
 
 /// The search window over a desktop with carriers under "secret".
-class FindFormBench {
+class FindFormBench : public SessionBench {
  public:
   FindFormBench() {
     HeldKey("secret");
     temp.Put("Desktop/none.png", Pattern(300));
-    person.script.onYield = [this](std::size_t) {
-      QCoreApplication::processEvents();
-      if (onYield) onYield();
-    };
   }
 
   void Put(const std::string& name) {
@@ -59,14 +54,6 @@ class FindFormBench {
   std::string Text(const char* label) { return Find<QLabel>(Form(), label).text().toStdString(); }
   void Search() { QTest::keyClick(&Find(Form(), "txt_Pass"), Qt::Key_Return); }
 
-  CarrierBench carrier;
-  TempFolder temp;
-  PosixFiles posix;
-  FaultyFiles files{posix};
-  SettingsFile settings{posix, temp / "settings.ini"};
-  Session session{files, settings, [](const std::string&) { return std::string("picture"); }};
-  Scripted<> person;
-  std::function<void()> onYield;
   bool isGateOpen = true;
   Path opened;
   QPointer<FrmFind> form;
@@ -81,7 +68,7 @@ TEST(FrmFind, ShowsResultsWhileItRunsAndGoesOnAfterACancel) {
   bench.Put("c.png");
   bench.Show();
   QPersistentModelIndex chosen;
-  bench.onYield = [&] {
+  bench.onYield = [&](std::size_t) {
     if (bench.Rows() == 1) chosen = bench.List().model()->index(0, 0);
     if (bench.Rows() == 1) bench.List().setCurrentIndex(chosen);
     if (bench.Rows() < 2) return;
@@ -129,7 +116,7 @@ TEST(FrmFind, AControlThatIsChangedMeanwhileCountsFromTheNextFileOnAndUnreadFile
   bench.files.Fail({.times = Times::FromThenOn, .counts = [](const Operation& operation) {
                       return operation.path.filename() == "none.png";
                     }});
-  bench.onYield = [&] {
+  bench.onYield = [&](std::size_t) {
     if (bench.Rows() == 1) Find<QComboBox>(bench.Form(), "Cmb_Type").setCurrentIndex(3);
   };
   bench.Search();
@@ -164,7 +151,7 @@ TEST(FrmFind, AFolderThatAnswersSlowlyLeavesTheWindowAliveAndLeavingStopsTheSear
   bench.Search();
   EXPECT_FALSE(isStill);
   EXPECT_EQ(bench.Rows(), 1);
-  bench.onYield = [&] {
+  bench.onYield = [&](std::size_t) {
     bench.onYield = nullptr;
     bench.Form().Leave();
     EXPECT_FALSE(bench.Form().isVisible());

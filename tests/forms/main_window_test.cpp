@@ -420,16 +420,6 @@ TEST_F(MainWindowTest, ShowsPropertiesByTheInfoPanelAndHelpOutside) {
   EXPECT_TRUE(opened.isLocalFile());
 }
 
-TEST_F(MainWindowTest, GivesEveryControlANameForScreenReaders) {
-  window->show();
-  for (QWidget* const widget : window->findChildren<QWidget*>()) {
-    if (widget->focusPolicy() == Qt::NoFocus || !widget->isVisible() || widget->objectName().isEmpty())
-      continue;
-    if (widget->objectName().startsWith(QLatin1String("qt_"))) continue;
-    EXPECT_FALSE(widget->accessibleName().isEmpty()) << widget->objectName().toStdString();
-  }
-}
-
 class DirViewTest : public testing::Test {
  protected:
   TreeNode& Open(const char* carrier) {

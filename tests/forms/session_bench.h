@@ -51,7 +51,7 @@ class SessionBench {
   TempFolder temp;
   PosixFiles posix;
   FaultyFiles files{posix};
-  SettingsFile settings{posix, temp / "settings.ini"};
+  SettingsFile settings{posix, carrier.folder / "settings.ini"};
   Session session{files, settings, [](const std::string&) { return std::string(); }};
   Scripted<> person;
   std::function<void(std::size_t)> onYield;

@@ -7,29 +7,21 @@
 #include "formkit/password_field.h"
 #include "retrieval/forms/frm_password.h"
 #include "retrieval/forms/frm_view.h"
-#include "tests/carrier/carrier_bench.h"
 #include "tests/forms/forms_bench.h"
-#include "tests/support/faulty_files.h"
+#include "tests/forms/session_bench.h"
 #include "tests/support/held_key.h"
 #include "tests/support/surroundings.h"
 
 namespace tarnel::test {
 namespace {
 
-/// A session with an open hideout of two files beside another one's, and a temporary folder of its own.
-class RewriteFormBench {
+/// An open hideout of two files beside another one's, and a temporary folder of its own.
+class RewriteFormBench : public SessionBench {
  public:
   RewriteFormBench() {
     carrier.Hide({.name = "a.txt", .content = "content of a"});
     carrier.Hide({.name = "foreign"}, kOther).Hide({.name = "b", .content = "content of b"});
-    person.script.onYield = [this](std::size_t) {
-      QCoreApplication::processEvents();
-      if (onYield) onYield();
-    };
-    Scripted<OpeningHere> screen;
-    Reading reading = session.MakeReading();
-    TryPassword(carrier.carrier, HeldKey("secret"), reading, screen);
-    session.DirView_NodeClick(*session.catalogue.Roots().at(0));
+    Open();
   }
 
   void MakeView() {
@@ -56,15 +48,6 @@ class RewriteFormBench {
     carrier.Load({.password = password});
     return ContentsOf(carrier.catalogue);
   }
-  void ExpectViewsAgree() {
-    const TreeNode* const node = session.SelectedNode();
-    EXPECT_TRUE(node == nullptr ? session.fileList.Rows().empty()
-                                : session.fileList.Shows(*node, session.catalogue));
-  }
-  bool WasAsked(const char* id) const {
-    const auto& asked = person.script.Asked();
-    return std::any_of(asked.begin(), asked.end(), [&](const Question& each) { return each.id == id; });
-  }
   void AnswerAll(Answer answer) {
     for (const char* id : {"view.error", "update.error", "password.error", "load.error", "carrier.error",
                            "destroy.error", "remove.error", "password.damaged"})
@@ -76,23 +59,8 @@ class RewriteFormBench {
     person.script.Always("view.locked", Answer::Cancel);
   }
 
-  struct OpeningHere : OpeningScreen {
-    void ShowTry(int) override {}
-    void ShowReading(Length, Length) override {}
-    void HideoutLoaded(TreeNode&, std::size_t) override {}
-    void HideoutGone() override {}
-  };
-
   inline static const Under kOther{"other", Algorithm::Twofish};
-  CarrierBench carrier;
-  TempFolder temp;
   Variable ownTemp{"TMPDIR", temp.Where()};
-  PosixFiles posix;
-  FaultyFiles files{posix};
-  SettingsFile settings{posix, carrier.folder / "settings.ini"};
-  Session session{files, settings, [](const std::string&) { return std::string(); }};
-  Scripted<> person;
-  std::function<void()> onYield;
   std::vector<Path> opened;
   std::optional<FrmView> view;
 
@@ -149,7 +117,7 @@ TEST(FrmView, FindsItsEntryAgainAfterAnotherProgramHasHiddenSomething) {
 TEST(FrmView, ACancelledOpeningLeavesNothingPlain) {
   RewriteFormBench bench;
   bench.MakeView();
-  bench.onYield = [&] { bench.view->close(); };
+  bench.onYield = [&](std::size_t) { bench.view->close(); };
   EXPECT_TRUE(QTest::qWaitFor([&] { return !bench.view->isVisible(); }));
   EXPECT_EQ(bench.opened, std::vector<Path>{});
   EXPECT_LE(bench.temp.Names().size(), 1U) << "an empty folder at most";
@@ -198,7 +166,7 @@ TEST(FrmPassword, ACancelAsksAndChangesNothing) {
   Type(form, "txt_confirm", "other");
   bench.person.script.Expect("password.cancel", Answer::Yes);
   bool isCancelled = false;
-  bench.onYield = [&] {
+  bench.onYield = [&](std::size_t) {
     if (isCancelled || !form.Running()) return;
     isCancelled = true;
     form.close();
@@ -231,7 +199,7 @@ TEST_P(RewriteFormSweep, WhateverFailsInAViewSessionAndCarrierAgreeAndNothingPla
     EXPECT_TRUE(inCarrier == (Strings{"a.txt=content of a", "b=content of b"}) ||
                 inCarrier == (Strings{"a.txt=edited", "b=content of b"}));
     EXPECT_TRUE(bench.WasAsked("load.error") || bench.SessionContents() == inCarrier);
-    bench.ExpectViewsAgree();
+    bench.ExpectListAgreesWithCatalogue();
     const bool wasTold = bench.WasAsked("view.attention") || bench.WasAsked("view.locked") ||
                          bench.WasAsked("destroy.error") || bench.WasAsked("remove.error");
     EXPECT_TRUE(wasTold || bench.temp.Names().size() <= 1U);
@@ -262,7 +230,7 @@ TEST_P(RewriteFormSweep, WhateverFailsInAChangeOfPasswordSessionAndCarrierAgree)
     EXPECT_TRUE(isRead || bench.WasAsked("load.error"));
     const Key expected = HeldKey(isNew ? "other" : "secret");
     EXPECT_TRUE(!isRead || bench.session.current.CurrentPassword == expected);
-    bench.ExpectViewsAgree();
+    bench.ExpectListAgreesWithCatalogue();
     EXPECT_EQ(bench.temp.Names(), Strings{});
   }
 }

@@ -35,7 +35,7 @@ class NotingHideScreen : public Scripted<HideScreen> {
                 source.filename().native() + " " + std::to_string(size));
   }
   void FileDone(std::size_t number) override { script.Note("done " + std::to_string(number)); }
-  void ShowProgress(double newValue, double newMaximum) override {
+  void ShowProgress(Length newValue, Length newMaximum) override {
     value = newValue;
     maximum = newMaximum;
   }
@@ -51,8 +51,8 @@ class NotingHideScreen : public Scripted<HideScreen> {
   }
   void HideoutGone() override { script.Note("gone"); }
 
-  double value = 0;
-  double maximum = 0;
+  Length value = 0;
+  Length maximum = 0;
   std::vector<std::string> originals;
 };
 
@@ -79,7 +79,7 @@ class HideBench : public CarrierBench {
   }
   HideBench& RowOf(const Path& source, const std::string& rowFolder = {}) {
     request.rows.push_back({.source = source, .name = source.filename().native(), .folder = rowFolder});
-    request.totalBytes += static_cast<double>(std::filesystem::file_size(source));
+    request.totalBytes += static_cast<Length>(std::filesystem::file_size(source));
     return *this;
   }
   /// An entry that stands in the carrier before.

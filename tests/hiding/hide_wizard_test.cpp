@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "hiding/questions.h"
 #include "tests/carrier/carrier_bench.h"
 
 namespace tarnel::test {

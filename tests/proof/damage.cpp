@@ -147,27 +147,41 @@ void DamageCampaign::Append() {
 }
 
 void DamageCampaign::CutOutAndInsert(std::size_t every) {
-  for (const Place& place : m_places)
+  for (const Place& place : m_places) {
+    // What is left of the trailer looks like four characters more of the record.
+    CutOut(place, place.trailer + 3, kTrailerSize);
     for (std::size_t at = place.start + 1; at < place.end - 1; at += every)
       for (const std::size_t count : {1U, 7U, 30U, 500U}) {
-        const std::size_t end = std::min(at + count, place.end - 1);
-        const std::string out = m_whole.substr(0, at) + m_whole.substr(end);
-        const std::string in = m_whole.substr(0, at) + Pattern(count, 8) + m_whole.substr(at);
-        for (const bool isOut : {true, false}) {
-          for (const std::string password : {kMine, kTheirs}) {
-            Damage(std::to_string(count) + (isOut ? " bytes cut out of " : " bytes put into ") + place.name +
-                       " at " + std::to_string(at) + " (from " + std::to_string(place.start) + " record " +
-                       std::to_string(place.record) + " trailer " + std::to_string(place.trailer) + ")",
-                   isOut ? out : in);
-            LookAndJudge(password);
-            Mend(password);
-            MustBeWhole(password, place.name);
-            MendAgain(password == kMine ? kTheirs : kMine);
-            for (const char* reader : {kMine, kTheirs})
-              MustBeWhole(reader, place.name);
-          }
-        }
+        CutOut(place, at, count);
+        PutIn(place, at, count);
       }
+  }
+}
+
+void DamageCampaign::CutOut(const Place& place, std::size_t at, std::size_t count) {
+  const std::size_t end = std::min(at + count, place.end - 1);
+  MendUnderEach(place,
+                std::to_string(count) + " bytes cut out of " + place.name + " at " + std::to_string(at),
+                m_whole.substr(0, at) + m_whole.substr(end));
+}
+
+void DamageCampaign::PutIn(const Place& place, std::size_t at, std::size_t count) {
+  MendUnderEach(place, std::to_string(count) + " bytes put into " + place.name + " at " + std::to_string(at),
+                m_whole.substr(0, at) + Pattern(count, 8) + m_whole.substr(at));
+}
+
+void DamageCampaign::MendUnderEach(const Place& hit, const std::string& what, const std::string& bytes) {
+  for (const std::string password : {kMine, kTheirs}) {
+    Damage(what + " (from " + std::to_string(hit.start) + " record " + std::to_string(hit.record) +
+               " trailer " + std::to_string(hit.trailer) + ")",
+           bytes);
+    LookAndJudge(password);
+    Mend(password);
+    MustBeWhole(password, hit.name);
+    MendAgain(password == kMine ? kTheirs : kMine);
+    for (const char* reader : {kMine, kTheirs})
+      MustBeWhole(reader, hit.name);
+  }
 }
 
 void DamageCampaign::Damage(const std::string& what, std::string bytes) {

@@ -56,6 +56,9 @@ class DamageCampaign {
   const Place* PlaceAt(std::size_t at) const;
   static Part PartAt(const Place& place, std::size_t at);
 
+  void CutOut(const Place& place, std::size_t at, std::size_t count);
+  void PutIn(const Place& place, std::size_t at, std::size_t count);
+  void MendUnderEach(const Place& hit, const std::string& what, const std::string& bytes);
   void Damage(const std::string& what, std::string bytes);
   Sight Look(const std::string& password);
   Sight LookAndJudge(const std::string& password);

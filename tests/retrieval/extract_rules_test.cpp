@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "retrieval/questions.h"
 #include "tests/retrieval/retrieval_bench.h"
 
 namespace tarnel::test {
@@ -59,12 +60,12 @@ TEST(ExtractRules, AskWhereTheFilesNeedMoreThanThereIs) {
 TEST(ExtractRules, ReportWhatDidNotComeOutAndNothingElse) {
   ExtractResult result;
   result.extracted = 3;
-  EXPECT_FALSE(ExtractReport(result));
+  EXPECT_FALSE(questions::ExtractReport(result));
   result.keptExisting = {"/t/k"};
-  EXPECT_EQ(ExtractReport(result)->icon, Icon::Information);
+  EXPECT_EQ(questions::ExtractReport(result)->icon, Icon::Information);
   result.damaged = {"d"};
   result.leftOut = {"l"};
-  const auto report = ExtractReport(result);
+  const auto report = questions::ExtractReport(result);
   EXPECT_EQ(report->icon, Icon::Critical);
   EXPECT_EQ(report->list, (Strings{"damaged: d", "left out: l", "existing file kept: /t/k"}));
 }

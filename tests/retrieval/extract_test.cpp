@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "retrieval/delete_list.h"
 #include "retrieval/run_extract.h"
 #include "retrieval/work_list.h"
@@ -59,9 +61,10 @@ TEST_F(Extract, SetsReadOnlyAndTheKeptModeNeverBeyondPermissions) {
   const struct {
     const char *attributes, *mode;
     mode_t expected;
-  } cases[] = {{"32", "", 0644},     {"33", "", 0444}, {"34", "", 0644},  {"33", "600", 0600},
-               {"32", "4755", 0755}, {"32", "0", 0},   {"32", "9", 0644}, {"32", "7x", 0644},
-               {"1e300", "", 0644},  {"-1", "", 0644}};
+  } cases[] = {{"32", "", 0644},    {"33", "", 0444},     {"34", "", 0644},
+               {"33", "600", 0600}, {"32", "4755", 0755}, {"32", "0", 0},
+               {"32", "9", 0644},   {"32", "7x", 0644},   {"32", "7777777777777777777777", 0644},
+               {"1e300", "", 0644}, {"-1", "", 0644}};
   for (const auto& c : cases) {
     RetrievalBench one(100);
     one.HideRecord(
@@ -147,12 +150,34 @@ TEST_F(Extract, PutsAllOnTheMediumBeforeItIsDone) {
 }
 
 TEST_F(Extract, NeverWritesOutsideTheTargetWhateverTheRecordSays) {
+  using namespace std::string_literals;
   std::vector<std::pair<std::string, std::string>> places;  // name and folder
-  for (const char* name : {"..", ".", "../x", "/tmp/x", "a/b", "x/../../y", "/", "//", "./x", "link/x"})
+  for (const std::string& name : {".."s, "."s, "../x"s, "/tmp/x"s, "a/b"s, "x/../../y"s, "/"s, "//"s, "./x"s,
+                                  "link/x"s, "a\0b"s, "\0"s, std::string(256, 'n')})
     places.emplace_back(name, "");
-  for (const char* folder : {"..",      ".",       "..\\..", "a\\..\\..\\b", "/etc",     "a\\/etc", "link",
-                             "link\\a", "\\\\a",   "a\\\\b", "../..",        "a\\../..", "a\\.\\",  "a\\..",
-                             "\\..",    "...\\..", "keep",   "keep\\a",      "a/../b",   "a\\"})
+  for (const std::string& folder : {".."s,
+                                    "."s,
+                                    "..\\.."s,
+                                    "a\\..\\..\\b"s,
+                                    "/etc"s,
+                                    "a\\/etc"s,
+                                    "link"s,
+                                    "link\\a"s,
+                                    "\\\\a"s,
+                                    "a\\\\b"s,
+                                    "../.."s,
+                                    "a\\../.."s,
+                                    "a\\.\\"s,
+                                    "a\\.."s,
+                                    "\\.."s,
+                                    "...\\.."s,
+                                    "keep"s,
+                                    "keep\\a"s,
+                                    "a/../b"s,
+                                    "a\\"s,
+                                    "a\0b"s,
+                                    "..\0"s,
+                                    std::string(4096, 'f')})
     places.emplace_back("ok", folder);
   bench.folder.Put("outside/keep", "");
   bench.folder.Put("out/keep", "");
@@ -171,27 +196,63 @@ TEST_F(Extract, NeverWritesOutsideTheTargetWhateverTheRecordSays) {
             (Strings{"carrier.bin", "out", "out/keep", "out/link", "outside", "outside/keep"}));
 }
 
-TEST_F(Extract, StaysInsideWhenAFolderIsSwappedForALinkMeanwhile) {
+TEST_F(Extract, PutsOddNamesWhereTheyStand) {
+  std::string deep, deepPath;
+  for (int i = 0; i < 300; ++i) {
+    deep += i == 0 ? "d" : "\\d";
+    deepPath += "d/";
+  }
+  const std::string full(255, 'n');
+  const struct {
+    std::string name, folder, path;
+  } cases[] = {{full, "", full},
+               {"x", deep, deepPath + "x"},
+               {"x", "\x81\x31S\x9d", "\\/x"},  // an escaped backslash is one folder
+               {"..\\..\\x", "", "..\\..\\x"},  // one name: here the backslash separates nothing
+               {"...", "....", "..../..."},
+               {".. ", " ", " /.. "},
+               {"\n\x1b[2J", "b.", "b./\n\x1b[2J"}};
+  for (const auto& c : cases) {
+    WriteAll(bench.carrier, Pattern(100));
+    bench.HideRecord("?Fnm=<" + c.name + ">?Fldnm=<" + c.folder + ">?Cmpr=<0>?CompVers=<701>",
+                     CarrierBench::Encrypt("odd", {}));
+    bench.Load();
+    bench.Extract(bench.All());
+    EXPECT_EQ(Content(c.path), "odd") << c.path;
+  }
+}
+
+TEST_F(Extract, StaysInsideWhenAFolderOrAFileIsSwappedForALinkMeanwhile) {
   bench.Hide({"a", "secret", "Pics"}).Load();
   const Path outside = bench.folder / "outside";
+  const Path victim = bench.folder.Put("victim", "mine");
   std::filesystem::create_directory(outside);
+  const std::function<void()> harms[] = {
+      [&] {
+        std::filesystem::rename(bench.target / "Pics", bench.folder / "moved");
+        std::filesystem::create_directory_symlink(outside, bench.target / "Pics");
+      },
+      [&] {
+        if (!std::filesystem::exists(bench.target / "Pics/a"))
+          std::filesystem::create_symlink(victim, bench.target / "Pics/a");
+      }};
   ASSERT_EQ(bench.Extract(bench.All()).extracted, 1u);
   const std::size_t operations = bench.files.Count();
-  for (std::size_t k = 1; k <= operations; ++k) {
-    std::filesystem::remove_all(bench.target);
-    std::filesystem::remove_all(bench.folder / "moved");
-    std::filesystem::create_directories(bench.target / "Pics");
-    RetrievalBench& b = bench;
-    FaultyFiles files(b.posix);
-    files.before = [&](const Operation&) {
-      if (files.Count() != k) return;
-      std::filesystem::rename(b.target / "Pics", b.folder / "moved");
-      std::filesystem::create_directory_symlink(outside, b.target / "Pics");
-    };
-    script().Always("extract.error", Answer::Abort).Always("extract.name", Answer::Abort);
-    RunExtract(b.All(), b.catalogue, files, b.extractScreen);
-    EXPECT_TRUE(std::filesystem::is_empty(outside)) << "at operation " << k;
-  }
+  script().Always("extract.error", Answer::Abort).Always("extract.name", Answer::Abort);
+  script().Always("extract.overwrite", Answer::Yes);
+  for (const auto& harm : harms)
+    for (std::size_t k = 1; k <= operations; ++k) {
+      std::filesystem::remove_all(bench.target);
+      std::filesystem::remove_all(bench.folder / "moved");
+      std::filesystem::create_directories(bench.target / "Pics");
+      FaultyFiles files(bench.posix);
+      files.before = [&](const Operation&) {
+        if (files.Count() == k) harm();
+      };
+      bench.ExtractThrough(files, bench.extractScreen);
+      EXPECT_TRUE(std::filesystem::is_empty(outside)) << "at operation " << k;
+      EXPECT_EQ(ReadAll(victim), "mine") << "at operation " << k;
+    }
 }
 
 TEST_F(Extract, SaysWhatIsDamagedAndGoesOnOrEnds) {
@@ -218,7 +279,7 @@ TEST_F(Extract, LeavesOnlyWholeFilesWhereverItIsCancelled) {
     std::filesystem::remove_all(bench.target);
     ExtractScript screen;
     screen.script.CancelAtYield(n);
-    const ExtractResult result = RunExtract(bench.All(), bench.catalogue, bench.files, screen);
+    const ExtractResult result = bench.ExtractThrough(bench.files, screen);
     EXPECT_EQ(WholeFiles(), result.extracted) << n;
     EXPECT_EQ(PartsLeft(), 0) << n;
     EXPECT_EQ(result.ending == ExtractEnding::Cancelled, result.extracted < 2);
@@ -240,7 +301,7 @@ TEST_F(Extract, LeavesOnlyWholeFilesWhateverFails) {
         screen.script.Always("extract.error", answer)
             .Always("extract.name", answer)
             .Always("extract.overwrite", Answer::Yes);
-        const ExtractResult result = RunExtract(bench.All(), bench.catalogue, files, screen);
+        const ExtractResult result = bench.ExtractThrough(files, screen);
         EXPECT_TRUE(answer != Answer::Retry || result.extracted == 2u) << k;
         EXPECT_EQ(WholeFiles(), result.extracted) << k;
         EXPECT_TRUE(times == Times::FromThenOn || PartsLeft() == 0) << k;

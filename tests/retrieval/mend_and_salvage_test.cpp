@@ -81,6 +81,7 @@ TEST(Mend, MakesTheChainLeadToAllThatItCanLeadTo) {
       {[](MendBench& b) { b.Spoil(1, "r"); }, "w " + kAll},
       {[](MendBench& b) { b.Spoil(1, "lr"); }, "b 1=content3=content"},  // his own password mends it
       {[](MendBench& b) { b.Insert(2, std::string(5000, '\0')); }, "b " + kAll},
+      {[](MendBench& b) { b.Spoil(2, "l"), b.Insert(2, std::string(5000, '\0')); }, "bw " + kAll},
       // 39, with one character more, is the 390 bytes that the bridge makes of these.
       {[](MendBench& b) { b.Insert(1, std::string(390 - 39 - kTrailerSize, '\0')); }, "b " + kAll},
       {[](MendBench& b) { b.Replace(1, PackLengthField(5)), b.Spoil(1, "r"); }, "ww " + kAll},
@@ -126,6 +127,14 @@ TEST(Mend, WritesItsCarrierThroughForNobodyElseAndLeavesNoneThatFailed) {
   EXPECT_THROW(bench.Write(plan), Error);
   plan.links -= 2;
   EXPECT_THROW(bench.Write(plan), Error) << "more entries than were found";
+  MendPlan large = plan;
+  large.pieces.push_back({.from = {}, .length = kCarrierLimit, .written = {}});
+  try {
+    bench.Write(large);
+    ADD_FAILURE() << "beyond 2 GiB";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.Number(), ErrorNumber::DiskFull) << "before anything is copied";
+  }
   bench.person.script.CancelAtYield(0);
   EXPECT_FALSE(bench.Write(plan));
   EXPECT_TRUE(bench.Plan().cancelled);
@@ -152,7 +161,7 @@ struct SalvageBench : RetrievalBench {
   } person;
 
   SalvageResult Run() {
-    return RunSalvage({.carrier = carrier, .target = target}, HeldKey("secret"), files, person);
+    return RunSalvage({.carrier = carrier, .password = HeldKey("secret"), .target = target}, files, person);
   }
   /// "path=contents" below the target, and "name: fault".
   Strings Salvaged() {

@@ -20,6 +20,9 @@ class ViewScript : public Scripted<ViewScreen> {
  public:
   void ShowExtractingTo(const Path&) override {}
   void ShowProgress(Length value, Length maximum) override { EXPECT_LE(value, maximum); }
+  void OpenWithDesktop(const Path& path) override { opened.push_back(path); }
+
+  std::vector<Path> opened;
 };
 
 class Preview : public testing::Test {
@@ -28,12 +31,13 @@ class Preview : public testing::Test {
     parcel = ParcelOf(bench.catalogue.Rows().at(bench.RowNamed(name)));
     ViewParcel();
   }
-  void ViewParcel() {
-    view = RunView(parcel, bench.faulty, screen, [this](const Path& path) { opened.push_back(path); });
-  }
+  void ViewParcel() { view = RunView(parcel, bench.faulty, screen); }
   UpdateResult Update(int level = 9) {
-    return RunUpdate({.previewFile = view.PreviewFile, .compressionLevel = level}, parcel, bench.faulty,
-                     bench.rewriteScreen);
+    const UpdateResult result =
+        RunUpdate({.parcel = parcel, .previewFile = view.PreviewFile, .compressionLevel = level},
+                  bench.faulty, bench.rewriteScreen);
+    parcel = result.parcel;
+    return result;
   }
   ViewReturn Return(ViewScript& person) { return ReturnFromView(view, bench.faulty, person); }
   Script& script() { return bench.rewriteScreen.script; }
@@ -44,7 +48,6 @@ class Preview : public testing::Test {
   ViewScript screen;
   PreviewParcel parcel;
   ViewResult view;
-  std::vector<Path> opened;
 };
 
 }  // namespace
@@ -54,7 +57,7 @@ TEST_F(Preview, OpensAPrivateCopyFolderFirst) {
   View("a.txt");
   EXPECT_EQ(view.ending, ViewEnding::Shown);
   EXPECT_EQ(ReadAll(view.PreviewFile), SampleText(40000));
-  EXPECT_EQ(opened, (std::vector<Path>{view.PreviewFolder, view.PreviewFile}));
+  EXPECT_EQ(screen.opened, (std::vector<Path>{view.PreviewFolder, view.PreviewFile}));
   EXPECT_EQ(view.PreviewFile, view.PreviewFolder / "a.txt");
   EXPECT_EQ(bench.posix.Stat(view.PreviewFolder)->mode, 0700u);
   EXPECT_EQ(bench.posix.Stat(view.PreviewFile)->mode, 0600u);
@@ -71,13 +74,13 @@ TEST_F(Preview, LeavesNothingPlainBehindADamagedEntryOrACancel) {
   View("a");
   EXPECT_EQ(view.ending, ViewEnding::Cancelled);
   EXPECT_EQ(temp.Names().size(), 1u) << "the empty folder stays";
-  EXPECT_TRUE(opened.empty());
+  EXPECT_TRUE(screen.opened.empty());
 }
 
 TEST_F(Preview, TouchesNoFileButItsOwnWhateverTheNameAndTheAnswer) {
   bench.Hide({"a", "plain"}).Load();
   View("a");
-  opened.clear();
+  screen.opened.clear();
   temp.Put("victim", "kept");
   const Strings before = temp.Names();
   for (const std::string& name : Strings{temp / "victim", "../victim", "sub/../../victim", "..", ".", ""})
@@ -90,7 +93,7 @@ TEST_F(Preview, TouchesNoFileButItsOwnWhateverTheNameAndTheAnswer) {
       EXPECT_EQ(temp.Names(), before) << name;
       EXPECT_EQ(ReadAll(temp / "victim"), "kept");
     }
-  EXPECT_TRUE(opened.empty());
+  EXPECT_TRUE(screen.opened.empty());
 }
 
 TEST_F(Preview, TriesAgainOverWhatItHasWritten) {
@@ -132,7 +135,7 @@ TEST_F(Preview, LetsNothingElseRunWhileItIsLeft) {
   screen.script.onAsk = [&](const Question&) {
     EXPECT_EQ(Update().refused, UpdateResult::Refused::Busy);
     EXPECT_EQ(Return(second), ViewReturn::Stay);
-    EXPECT_EQ(RunView(parcel, bench.faulty, second, nullptr).ending, ViewEnding::Busy);
+    EXPECT_EQ(RunView(parcel, bench.faulty, second).ending, ViewEnding::Busy);
   };
   EXPECT_EQ(Return(screen), ViewReturn::Stay);
   EXPECT_EQ(ReadAll(bench.carrier), before);

@@ -86,8 +86,11 @@ class RetrievalBench : public CarrierBench {
     request.all = true;
     return request;
   }
-  ExtractResult Extract(const ExtractRequest& request) {
-    return RunExtract(request, catalogue, files, extractScreen);
+  ExtractResult Extract(const ExtractRequest& request) { return RunExtract(request, faulty, extractScreen); }
+
+  ExtractResult ExtractThrough(Files& through, ExtractScript& person) {
+    Reading other{through, catalogue, guards, current};
+    return RunExtract(All(), other, person);
   }
 
   DeleteResult Delete(const Strings& names) {

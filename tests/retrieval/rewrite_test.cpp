@@ -29,13 +29,11 @@ struct Rewriter {
 const std::string kBig = Pattern(33000, 7);
 
 RewriteEnding UpdateB(RetrievalBench& bench) {
-  PreviewParcel parcel = ParcelOf(bench.catalogue.Rows().at(bench.RowNamed("b")));
-  const EntryTail tail = parcel.ViewTail;
-  const RewriteEnding ending =
-      RunUpdate({.previewFile = bench.folder.Put("edited", kBig)}, parcel, bench.faulty, bench.rewriteScreen)
-          .ending;
-  EXPECT_EQ(parcel.ViewTail == tail, ending != RewriteEnding::Done);
-  return ending;
+  const UpdateRequest request{.parcel = ParcelOf(bench.catalogue.Rows().at(bench.RowNamed("b"))),
+                              .previewFile = bench.folder.Put("edited", kBig)};
+  const UpdateResult result = RunUpdate(request, bench.faulty, bench.rewriteScreen);
+  EXPECT_EQ(result.parcel.ViewTail == request.parcel.ViewTail, result.ending != RewriteEnding::Done);
+  return result.ending;
 }
 
 class Rewrite : public testing::TestWithParam<Rewriter> {

@@ -16,11 +16,7 @@ struct VerifyBench : RetrievalBench {
 
   explicit VerifyBench(std::size_t bodySize = 100) : RetrievalBench(bodySize) {}
 
-  VerifyResult Run() {
-    HideoutKey key;
-    key.password = HeldKey("secret");
-    return RunVerify(carrier, key, files, person);
-  }
+  VerifyResult Run() { return RunVerify({.carrier = carrier, .password = HeldKey("secret")}, files, person); }
   /// "name" or "name: reason", newest first.
   Strings Verdicts() {
     Strings verdicts;
@@ -70,15 +66,16 @@ TEST(Verify, TellsDamagedContentsFromADamagedRecordAndAWrongSize) {
   const std::string payload = CarrierBench::Encrypt("four", {});
   bench.Hide({"a", Pattern(50)}).Hide({"b"}).HideRecord("?Fnm=<c>?Fls=<5>?Cmpr=<0>?CompVers=<701>", payload);
   bench.HideRecord("?Fnm=<d>?Fls=<7>?Cmpr=<6>?CompVers=<701>", CarrierBench::Encrypt("", {}));
-  bench.HideRecord("?Fnm=<e>?Cmpr=<6>?CompVers=<701>", CarrierBench::Encrypt("no stream at all", {}));
+  for (const std::string level : {"?Cmpr=<6>", "?Cmpr=<00>", ""})
+    bench.HideRecord("?Fnm=<e>?CompVers=<701>" + level, CarrierBench::Encrypt("no stream at all", {}));
   bench.HideRecord("?Fnm=<f>?Cmpr=<0>?CompVers=<701>?Seal=<" + std::string(32, '0') + ">", payload);
   bench.Load();
-  bench.FlipBit(bench.catalogue.Rows().at(4).start.value + 30, 0);
-  const MirrorRow& middle = bench.catalogue.Rows().at(3);
+  bench.FlipBit(bench.catalogue.Rows().at(6).start.value + 30, 0);
+  const MirrorRow& middle = bench.catalogue.Rows().at(5);
   bench.FlipBit(middle.start.value + middle.size + 60, 1);
+  const std::string contents = "e: its contents are damaged or were altered";
   EXPECT_EQ(bench.Verdicts(),
-            (Strings{"f: its contents are not those that its record names",
-                     "e: its contents are damaged or were altered",
+            (Strings{"f: its contents are not those that its record names", contents, contents, contents,
                      "d: its record says another size than the 0 bytes that it has",
                      "c: its record says another size than its contents have", ": its record is damaged",
                      "a: its contents are damaged or were altered"}));
@@ -103,7 +100,7 @@ TEST(Verify, EndsAtTheNextBlockOrEntryOnceCancelled) {
     for (const std::string& name : later)
       bench.Hide({name});
     bench.person.script.CancelAtYield(2);
-    EXPECT_TRUE(bench.Run().cancelled);
+    EXPECT_EQ(bench.Run().ending, VerifyEnding::Cancelled);
     EXPECT_LE(bench.person.script.Yields(), 2u);
   }
 }
@@ -145,6 +142,14 @@ TEST(Recover, ProposesTheCopyWithTheMostWholeEntriesAndThenTheFewestDamagedOnes)
     ApplyRecovery(plan, c.best, bench.files);
     EXPECT_EQ(bench.ContentsUnder(bench.twofish), Strings{"a=aaa"});
     EXPECT_FALSE(std::filesystem::exists(bench.backup));
+  }
+}
+
+TEST(Recover, EndsByCancelWhileItSeeksEntriesAndWhileItReadsThem) {
+  for (const auto& [password, yields] : {std::pair("other", 0U), std::pair("secret", 1U)}) {
+    RecoverBench bench;
+    bench.person.script.CancelAtYield(yields);
+    EXPECT_TRUE(PlanRecovery(bench.carrier, HeldKey(password), bench.files, bench.person).cancelled);
   }
 }
 

@@ -31,6 +31,7 @@ class SearchTest : public testing::Test, public CarrierBench {
 
   SearchTest() {
     HeldKey("secret");
+    request.folder = folder.Where();
     request.password = Secret("secret");
   }
 
@@ -40,7 +41,7 @@ class SearchTest : public testing::Test, public CarrierBench {
     Hide({"a.txt"}, under);
     return *this;
   }
-  SearchSummary Run() { return SearchFolder(folder.Where(), request, results, searching, person); }
+  SearchSummary Run() { return SearchFolder(request, results, searching, person); }
   /// Paths of what one search finds in an empty list.
   Strings Found() {
     results = {};
@@ -83,8 +84,10 @@ TEST_F(SearchTest, TriesAllAlgorithmsOrJustTheChosenOne) {
   for (const OfferedAlgorithm& offered : OfferedAlgorithms())
     Carrier(std::string(offered.name) + ".png", {"secret", offered.algorithm});
   EXPECT_EQ(Run().found, 7u);
-  for (std::size_t i = 1; i < kSearchAlgorithms.size(); ++i) {
-    std::string name(kSearchAlgorithms[i]);
+  EXPECT_EQ(SearchAlgorithms(), (Strings{"All Algorithms", "BLOWFISH", "CAST5", "DES", "SERPENT-256",
+                                         "RIJNDAEL-256", "TRIPLEDES", "TWOFISH"}));
+  for (std::size_t i = 1; i < SearchAlgorithms().size(); ++i) {
+    std::string name = SearchAlgorithms().at(i);
     request.algorithm = AlgorithmId(name);
     ASSERT_EQ(Found().size(), 1u) << name;
     std::string stem = results.Rows().at(0).carrier.stem();
@@ -108,7 +111,9 @@ TEST_F(SearchTest, ARowSaysWhatWasFoundWhere) {
 }
 
 TEST_F(SearchTest, AnEmptyPathIsNoFolderAndAnEmptyPasswordIsRefusedBeforeAnyFileIsLookedAt) {
-  EXPECT_EQ(SearchFolder({}, request, results, searching, person).ending, SearchEnding::Done);
+  request.folder.clear();
+  EXPECT_EQ(Run().ending, SearchEnding::Done);
+  request.folder = folder.Where();
   request.password = Secret();
   script.Expect("search.no-password", Answer::Ok);
   EXPECT_EQ(Run().ending, SearchEnding::NoPassword);
@@ -209,7 +214,8 @@ TEST_F(SearchTest, WhatCannotBeReadIsNamedAndTheRestIsSearched) {
   ASSERT_EQ(summary.notSearched.size(), 2u);
   EXPECT_EQ(summary.notSearched.at(0).path, folder / "c.png");
   EXPECT_EQ(summary.notSearched.at(1).path, folder / "a");
-  EXPECT_THROW(SearchFolder(folder / "a", request, results, searching, person), Error);
+  request.folder = folder / "a";
+  EXPECT_THROW(Run(), Error);
 }
 
 TEST_F(SearchTest, AnOddFileEndsAllFindingUnlessItIsPassedOver) {

@@ -19,7 +19,7 @@ class DrivesTest : public testing::Test {
   }
   void Label(const std::string& name, const std::string& device) {
     std::filesystem::create_directories(temp / "labels");
-    std::filesystem::create_symlink("../../" + device, temp / ("labels/" + name));
+    std::filesystem::create_symlink("../names/" + device, temp / ("labels/" + name));
   }
 
   TempFolder temp;

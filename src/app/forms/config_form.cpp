@@ -99,6 +99,8 @@ Config::Config(Session& session, ConfigurableWindow& window, Dialogue& dialogue,
   layout->addWidget(m_tabs);
   layout->addWidget(m_pages, 1);
   layout->addWidget(buttons);
+  setTabOrder(defaults, ok);  // adding a button has taken these two out of it
+  setTabOrder(ok, cancel);
   connect(m_tabs, &QTabBar::currentChanged, this, &Config::ChangeTab);
   connect(ok, &QPushButton::clicked, this, [this] { Guarded(m_dialogue, [this] { PressOk(); }); });
   connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
@@ -200,12 +202,13 @@ QWidget* Config::MakeOptionsPage() {
 }
 
 QWidget* Config::MakeHideBox() {
+  QWidget* const compress = MakeFlag("Chk_Compress", tr("Compress hidden data"));
+  QWidget* const protect = MakeFlag("Chk_WriteProtection", tr("Write-Protection!"));
   return Box(
       tr("\"Hide\" options"),
-      {MakeFlag("Chk_Compress", tr("Compress hidden data")), Indented(Hint(tr("Reduces carrier file size."))),
-       Indented(MakeLevelRow()), MakeFlag("Chk_WriteProtection", tr("Write-Protection!")),
-       Indented(Hint(tr("Protect carrier file from any manipulations..."))),
-       Indented(Hint(tr("Protects carrier file from being altered or damaged."))),
+      {compress, Indented(HintOf(compress, tr("Reduces carrier file size."))), Indented(MakeLevelRow()),
+       protect, Indented(HintOf(protect, tr("Protect carrier file from any manipulations..."))),
+       Indented(HintOf(protect, tr("Protects carrier file from being altered or damaged."))),
        MakeFlag("Chk_FolderInfo", tr("Save folder structure"))},
       "Frame5");
 }

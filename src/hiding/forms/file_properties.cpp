@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
+#include "base/closing_separator.h"
 #include "base/formats.h"
 #include "base/printable.h"
 #include "formkit/fit_path_text.h"
@@ -48,7 +49,7 @@ QString Permissions(mode_t mode) {
 
 FileProperties::FileProperties(const Path& path, Files& files, QWidget* parent) : QDialog(parent) {
   const FileStat stat = StatOf(path, files);
-  const Path whole = path.has_filename() ? path : path.parent_path();
+  const Path whole = WithoutClosingSeparator(path);
   setObjectName(QStringLiteral("FileProperties"));
   setWindowTitle(tr("Properties"));
   auto* const form = new QFormLayout;

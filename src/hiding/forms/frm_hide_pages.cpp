@@ -105,7 +105,7 @@ QWidget* HideOptionsPanel::MakeChecks() {
   layout->setContentsMargins({});
   for (QCheckBox* const box : {Chk_Compress, Chk_FolderInfo, Chk_Subfolders, Chk_WriteProtection})
     layout->addWidget(box);
-  layout->addWidget(Hint(tr("Protects carrier file from being altered or damaged.")));
+  layout->addWidget(HintOf(Chk_WriteProtection, tr("Protects carrier file from being altered or damaged.")));
   layout->addStretch();
   return side;
 }

@@ -30,9 +30,7 @@ class DeleteOnForm : public RewritingSessionScreen<RewriteScreen> {
   explicit DeleteOnForm(FrmDelete& form)
       : RewritingSessionScreen(form.GetSession(), form.GetDialogue(), form.CancelFlag()), m_form(form) {}
 
-  void ShowProgress(Length value, Length maximum) override {
-    m_form.m_progress->Show(static_cast<double>(value), static_cast<double>(maximum));
-  }
+  void ShowProgress(Length value, Length maximum) override { m_form.m_progress->Show(value, maximum); }
   void CarrierReplaced() override {
     m_form.Cmd_Cancel->setEnabled(false);
     m_form.m_panel->setText(FrmDelete::tr("Loading..."));

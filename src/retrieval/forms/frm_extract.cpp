@@ -16,6 +16,7 @@
 #include "formkit/layouts.h"
 #include "formkit/path_field.h"
 #include "retrieval/extract_rules.h"
+#include "retrieval/questions.h"
 #include "retrieval/work_list.h"
 #include "shellint/forms/uc_directory_tree.h"
 #include "shellint/inotify_watch.h"
@@ -211,7 +212,7 @@ bool FrmExtract::MayExtract(const ExtractRequest& request) {
   try {
     MustTakeFiles(request.target, session.files);
   } catch (const Error& error) {
-    GetDialogue().Ask(TargetRefused(error));
+    GetDialogue().Ask(questions::TargetRefused(error));
     return false;
   }
   const auto question = SpaceQuestion(request.target, PlainBytes(request, session.catalogue), session.files);

@@ -28,7 +28,7 @@ class FrmExtracting::Screen : public ForwardingScreen<ExtractScreen> {
       : ForwardingScreen(form.GetDialogue(), form.CancelFlag()), m_form(form) {
     const Catalogue& catalogue = form.GetSession().catalogue;
     for (const std::size_t row : ExtractWorkList(form.m_request, catalogue))
-      m_total += static_cast<double>(catalogue.Rows().at(row).size);
+      m_total += catalogue.Rows().at(row).size;
   }
 
   Answer AskToOverwrite(const Question& question, const FileStat& existing,
@@ -38,28 +38,29 @@ class FrmExtracting::Screen : public ForwardingScreen<ExtractScreen> {
   void ShowFile(std::size_t number, std::size_t count, std::string_view storedName, Length size) override {
     m_total -= m_size - m_value;  // what was not read of the one before won't be
     m_done += m_value;
-    m_size = static_cast<double>(size);
+    m_size = size;
     m_value = 0;
     m_isLast = number == count;
     m_form.m_fileNumber->setText(QStringLiteral("[%1/%2]").arg(number).arg(count));
-    m_form.m_file->SetPath(ShownText(storedName),
-                           QString::fromStdString(" (" + GroupedKilobytes(m_size) + " KB)"));
+    m_form.m_file->SetPath(
+        ShownText(storedName),
+        QString::fromStdString(" (" + GroupedKilobytes(static_cast<double>(size)) + " KB)"));
     m_form.m_to->SetPath({});
     m_form.m_progress->RestartBar();
   }
   void ShowTarget(const Path& target) override { m_form.m_to->SetPath(ShownPath(target)); }
   void ShowProgress(Length value, Length maximum) override {
-    m_value = static_cast<double>(value);
-    m_form.m_progress->ShowPart(m_value, static_cast<double>(maximum), m_done + m_value, m_total);
+    m_value = value;
+    m_form.m_progress->ShowPart(value, maximum, m_done + m_value, m_total);
     m_form.m_cancel->setEnabled(!m_isLast || value < maximum);  // then there is nothing left to cancel
   }
 
  private:
   FrmExtracting& m_form;
-  double m_total = 0;  ///< of the files that are read or may be
-  double m_done = 0;   ///< of the files before
-  double m_size = 0;
-  double m_value = 0;
+  Length m_total = 0;  ///< of the files that are read or may be
+  Length m_done = 0;   ///< of the files before
+  Length m_size = 0;
+  Length m_value = 0;
   bool m_isLast = false;
 };
 
@@ -99,9 +100,10 @@ void FrmExtracting::Extract() {
   {
     const BusyCursor busy;
     Screen screen(*this);
-    result = RunExtract(m_request, GetSession().catalogue, GetSession().files, screen);
+    Reading reading = GetSession().MakeReading();
+    result = RunExtract(m_request, reading, screen);
   }
-  if (const auto report = ExtractReport(result)) GetDialogue().Ask(*report);
+  if (const auto report = questions::ExtractReport(result)) GetDialogue().Ask(*report);
 }
 
 void FrmExtracting::PressCancel() {

@@ -28,9 +28,7 @@ class FrmPassword::Screen : public RewritingSessionScreen<RewriteScreen> {
   explicit Screen(FrmPassword& form)
       : RewritingSessionScreen(form.GetSession(), form.GetDialogue(), form.CancelFlag()), m_form(form) {}
 
-  void ShowProgress(Length value, Length maximum) override {
-    m_form.m_progress->Show(static_cast<double>(value), static_cast<double>(maximum));
-  }
+  void ShowProgress(Length value, Length maximum) override { m_form.m_progress->Show(value, maximum); }
   void CarrierReplaced() override { m_form.ShowStep(PasswordStep::Reading); }
   void ShowReading(Length, Length) override {}
 

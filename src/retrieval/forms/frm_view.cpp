@@ -40,9 +40,8 @@ class FrmView::OpeningOnForm : public ForwardingScreen<ViewScreen> {
   void ShowExtractingTo(const Path& previewFile) override {
     m_form.Lb_extractingTo->SetPath(ShownPath(previewFile));
   }
-  void ShowProgress(Length value, Length maximum) override {
-    m_form.ProgressBar->Show(static_cast<double>(value), static_cast<double>(maximum));
-  }
+  void ShowProgress(Length value, Length maximum) override { m_form.ProgressBar->Show(value, maximum); }
+  void OpenWithDesktop(const Path& path) override { m_form.m_open(path); }
 
  private:
   FrmView& m_form;
@@ -62,7 +61,7 @@ class FrmView::UpdatingOnForm : public RewritingSessionScreen<RewriteScreen> {
   }
   void ShowProgress(Length value, Length maximum) override {
     if (m_form.m_step == ViewStep::Asking) Begin();
-    m_form.ProgressBar1->Show(static_cast<double>(value), static_cast<double>(maximum));
+    m_form.ProgressBar1->Show(value, maximum);
   }
   void CarrierReplaced() override { m_form.ShowStep(ViewStep::Reading); }
   void ShowReading(Length, Length) override {}
@@ -225,7 +224,8 @@ Reading FrmView::ViewedReading() {
 void FrmView::Open() {
   const BusyCursor busy;
   OpeningOnForm screen(*this);
-  m_view = RunView(GetSession().previewParcel, ViewedReading(), screen, m_open);
+  Reading reading = ViewedReading();
+  m_view = RunView(GetSession().previewParcel, reading, screen);
   if (m_view.ending != ViewEnding::Shown) return done(QDialog::Rejected);
   ShowStep(ViewStep::Waiting);
 }
@@ -255,7 +255,8 @@ bool FrmView::FindEntryAgain() {
 }
 
 void FrmView::Update(Leftover leftover) {
-  const UpdateRequest request{.previewFile = m_view.PreviewFile,
+  const UpdateRequest request{.parcel = GetSession().previewParcel,
+                              .previewFile = m_view.PreviewFile,
                               .compressionLevel = GetSession().settings.compressLevel,
                               .leftover = leftover};
   std::optional<UpdateResult> result;
@@ -264,7 +265,7 @@ void FrmView::Update(Leftover leftover) {
     try {
       Attempt(GetDialogue(), {questions::UpdateError}, [&] {
         Reading reading = ViewedReading();
-        result = RunUpdate(request, GetSession().previewParcel, reading, screen);
+        result = RunUpdate(request, reading, screen);
       });
     } catch (const Stop&) {  // then nothing has changed
     }
@@ -273,6 +274,7 @@ void FrmView::Update(Leftover leftover) {
       result && result->refused == UpdateResult::Refused::No && result->ending == RewriteEnding::Done;
   if (!isDone) return GetSession().CarrierKeptItsBytes();
   m_view.seen = result->taken;
+  GetSession().previewParcel = std::move(result->parcel);
   m_wasUpdated = true;
   ShowFileName();
 }
@@ -281,7 +283,10 @@ void FrmView::PressOk() {
   const Returning waiting(*this);
   ShowStep(ViewStep::Leaving);
   ViewReturn answer = ViewReturn::Stay;
-  RunWork([&] { answer = ReturnFromView(m_view, ViewedReading(), GetDialogue()); });
+  RunWork([&] {
+    Reading reading = ViewedReading();
+    answer = ReturnFromView(m_view, reading, GetDialogue());
+  });
   if (answer == ViewReturn::Leave) done(QDialog::Accepted);
 }
 

@@ -21,7 +21,9 @@ class FrmView : public WorkingForm {
   Q_OBJECT
 
  public:
-  /// `open` opens a file or folder with the desktop. Throws Error.
+  /// Opens a file or folder with the desktop. Throws Error.
+  using ShellOpen = std::function<void(const Path&)>;
+
   FrmView(Session& session, Dialogue& dialogue, ShellOpen open, QWidget* parent);
   ~FrmView() override;
 

@@ -138,7 +138,7 @@ QWidget* FrmFind::BuildControls() {
   Txt_SearchIn->setReadOnly(true);
   txt_Pass = Named(new PasswordField, "txt_Pass");
   Cmb_Encrypt = Named(new QComboBox, "Cmb_Encrypt");
-  for (const std::string_view each : kSearchAlgorithms)
+  for (const std::string& each : SearchAlgorithms())
     Cmb_Encrypt->addItem(Shown(each));
   Cmb_Type = Named(new QComboBox, "Cmb_Type");
   for (const CarrierType& each : CarrierTypes())
@@ -263,7 +263,7 @@ void FrmFind::ReadControls() {
   m_request.password = txt_Pass->Password();
   m_request.type = static_cast<std::size_t>(std::max(0, Cmb_Type->currentIndex()));
   const auto algorithm = static_cast<std::size_t>(std::max(0, Cmb_Encrypt->currentIndex()));
-  std::string name(kSearchAlgorithms.at(algorithm));
+  std::string name = SearchAlgorithms().at(algorithm);
   m_request.algorithm = algorithm == 0 ? std::nullopt : std::optional(AlgorithmId(name));
   m_request.subfolders = Chk_Subfolders->isChecked();
   m_request.depth =
@@ -300,7 +300,8 @@ void FrmFind::Search() {
   ReadControls();
   Screen screen(*this);
   Reading reading = GetSession().MakeReading();
-  searching.ending = SearchFolder(m_state.Selected(), m_request, m_results, reading, screen).ending;
+  m_request.folder = m_state.Selected();
+  searching.ending = SearchFolder(m_request, m_results, reading, screen).ending;
 }
 
 void FrmFind::PressCancel() {
