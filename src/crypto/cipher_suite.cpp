@@ -50,7 +50,7 @@ WipedBytes DeriveKeys(const WipedBytes& masterKey, Bytes salt, std::string_view 
   const Botan::HKDF function(new Botan::HMAC(new Botan::SHA_256));
   WipedBytes keys(length);
   function.kdf(keys.data(), keys.size(), masterKey.data(), masterKey.size(), salt.data(), salt.size(),
-                AsBytes(info).data(), info.size());
+               AsBytes(info).data(), info.size());
   return keys;
 }
 

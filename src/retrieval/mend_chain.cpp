@@ -1,6 +1,7 @@
 #include "retrieval/mend_chain.h"
 
 #include <algorithm>
+#include <deque>
 #include <memory>
 #include <utility>
 
@@ -26,8 +27,6 @@ using Kind = MendPlan::Step::Kind;
 struct Link {
   Position record;
   Position trailer;
-  std::string left;  ///< the two fields as they stand; shorter where the file ends in them
-  std::string right;
   LengthField payload;
   LengthField recordLength;
   bool isOwn = false;           ///< its record is whole under the key
@@ -78,8 +77,7 @@ class Planning {
   bool IsBridge(Position from, Length length);
   void BridgeGap(Position from, Length length);
   void Emit(const Link& link, Length payload, const char* reason);
-  void EmitField(Position at, const std::string& field, const LengthField& held, Length number,
-                 const char* reason);
+  void EmitField(Position at, const LengthField& held, Length number, const char* reason);
   void CopyUntil(Position end);
 
   /// To look for the trailer of each costs most where there is none.
@@ -89,7 +87,7 @@ class Planning {
   Dialogue& m_dialogue;
   RecordOpener m_opener;
   Length m_size;
-  std::vector<Link> m_links;  ///< in file order
+  std::deque<Link> m_links;   ///< in file order
   Position m_lastForeign{0};  ///< the last text that this key doesn't open
   int m_looks = 0;
   int m_bareTexts = 0;
@@ -137,8 +135,6 @@ std::optional<Link> Planning::LinkAt(const RecordText& text) {
 Link Planning::MakeLink(const RecordText& text, Position trailer) {
   Link link{.record = text.begin,
             .trailer = trailer,
-            .left = {},
-            .right = {},
             .payload = {},
             .recordLength = {},
             .isOwn = false,
@@ -146,10 +142,9 @@ Link Planning::MakeLink(const RecordText& text, Position trailer) {
             .end = std::min(trailer + Length{kTrailerSize}, Position{m_size + 1})};
   std::string fields(kTrailerSize, '\0');
   fields.resize(m_carrier.ReadAt(trailer, {reinterpret_cast<std::uint8_t*>(fields.data()), fields.size()}));
-  link.left = fields.substr(0, kLengthFieldSize);
-  if (fields.size() > kLengthFieldSize) link.right = fields.substr(kLengthFieldSize);
-  if (link.left.size() == kLengthFieldSize) link.payload = ReadLengthField(link.left);
-  if (link.right.size() == kLengthFieldSize) link.recordLength = ReadLengthField(link.right);
+  const std::string_view both = fields;
+  if (both.size() >= kLengthFieldSize) link.payload = ReadLengthField(both.substr(0, kLengthFieldSize));
+  if (both.size() == kTrailerSize) link.recordLength = ReadLengthField(both.substr(kLengthFieldSize));
   return link;
 }
 
@@ -215,7 +210,8 @@ bool Planning::IsBeyondDoubt(const Link& before, const Link& link, Length payloa
 bool Planning::MayHaveRead(const Link& link, Length length) {
   constexpr int most = 1000;
   if (link.named || ++m_looks > most) return false;
-  const std::vector<Length> near = NumbersOneCharacterAway(link.left);
+  const std::vector<Length> near =
+      NumbersOneCharacterAway(ReadFileSlice(m_carrier, link.trailer, Length{kLengthFieldSize}));
   return std::binary_search(near.begin(), near.end(), length);
 }
 
@@ -260,24 +256,27 @@ void Planning::Emit(const Link& link, Length payload, const char* reason) {
   CopyUntil(link.trailer);
   const bool isWhole = link.end - link.trailer == Length{kTrailerSize};
   const LengthField lost;
-  EmitField(link.trailer, link.left, isWhole ? link.payload : lost, payload, reason);
-  EmitField(link.trailer + Length{kLengthFieldSize}, link.right, isWhole ? link.recordLength : lost,
-            link.TextLength(), "the text of the record");
+  EmitField(link.trailer, isWhole ? link.payload : lost, payload, reason);
+  EmitField(link.trailer + Length{kLengthFieldSize}, isWhole ? link.recordLength : lost, link.TextLength(),
+            "the text of the record");
   m_copied = link.end;
   m_plan.entries += link.isOwn ? 1 : 0;
   ++m_plan.links;
 }
 
-void Planning::EmitField(Position at, const std::string& field, const LengthField& held, Length number,
-                         const char* reason) {
-  const bool isRight = held.holds && held.number == static_cast<double>(number);
-  m_plan.pieces.push_back({.from = {}, .length = 0, .written = isRight ? field : PackLengthField(number)});
-  if (!isRight) m_plan.steps.push_back({Kind::WriteLength, at, number, reason});
+void Planning::EmitField(Position at, const LengthField& held, Length number, const char* reason) {
+  const Position end = at + Length{kLengthFieldSize};
+  if (held.holds && held.number == static_cast<double>(number)) return CopyUntil(end);
+  m_plan.pieces.push_back({.from = {}, .length = 0, .written = PackLengthField(number)});
+  m_plan.steps.push_back({Kind::WriteLength, at, number, reason});
+  m_copied = end;
 }
 
 void Planning::CopyUntil(Position end) {
   if (end <= m_copied) return;
-  m_plan.pieces.push_back({.from = m_copied, .length = end - m_copied, .written = {}});
+  if (m_plan.pieces.empty() || !m_plan.pieces.back().written.empty())
+    m_plan.pieces.push_back({.from = m_copied, .length = 0, .written = {}});
+  m_plan.pieces.back().length += end - m_copied;
   m_copied = end;
 }
 

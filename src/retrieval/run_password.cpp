@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "carrier/format.h"
 #include "carrier/payload.h"
 #include "carrier/record.h"
 #include "crypto/cipher.h"
@@ -38,6 +39,26 @@ std::vector<KnownEntry> EntriesOf(const std::vector<const MirrorRow*>& rows) {
     entries.push_back(EntryOf(*row));
   return entries;
 }
+
+/// Hands the parts of a small entry on in one piece.
+class GatheringSink : public ByteSink {
+ public:
+  explicit GatheringSink(ByteSink& inner) : m_inner(inner) {}
+
+  void Write(Bytes bytes) override {
+    m_gathered.append(AsText(bytes));
+    if (m_gathered.size() >= kCopyBlock) HandOn();
+  }
+  /// To be called behind the last Write.
+  void HandOn() {
+    m_inner.Write(AsBytes(m_gathered));
+    m_gathered.clear();
+  }
+
+ private:
+  ByteSink& m_inner;
+  std::string m_gathered;
+};
 
 class PasswordChange {
  public:
@@ -116,13 +137,15 @@ void PasswordChange::WriteAnew(const MirrorRow& row) {
 }
 
 void PasswordChange::WriteEntry(const MirrorRow& row, Damage damage, ByteSink& sink) {
-  PayloadSink payload(sink);
+  GatheringSink gathered(sink);
+  PayloadSink payload(gathered);
   Reencrypt(row, damage, payload);
   RecordFields fields = ReadRecord(row.record);
   fields.storedSize = std::to_string(payload.Written());
   fields.seal = payload.SealText();
-  sink.Write(AsBytes(SealEntry(BuildRecord(fields, RecordWriter::Rewrite), payload.Written(),
-                               row.hideout->algorithm, m_newPassword, m_reading.current.SecondKey)));
+  gathered.Write(AsBytes(SealEntry(BuildRecord(fields, RecordWriter::Rewrite), payload.Written(),
+                                   row.hideout->algorithm, m_newPassword, m_reading.current.SecondKey)));
+  gathered.HandOn();
 }
 
 /// The decrypted bytes go into the encryption before it is known whether they are authentic. What turns out

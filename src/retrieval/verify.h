@@ -34,8 +34,8 @@ enum class VerifyEnding { Done, Cancelled };
 struct VerifyResult {
   VerifyEnding ending = VerifyEnding::Done;
   std::deque<VerifiedEntry> entries;  ///< newest first
-  ChainFaults chain;                   ///< without its entries, which stand above
-  std::vector<Path> leftovers;         ///< the ".bak" and ".tmp" that lie beside the carrier
+  ChainFaults chain;                  ///< without its entries, which stand above
+  std::vector<Path> leftovers;        ///< the ".bak" and ".tmp" that lie beside the carrier
 
   /// True if everything that the chain leads to is intact and nothing is known to be out of its reach.
   bool IsWhole() const;

@@ -10,6 +10,8 @@
 #include "carrier/format.h"
 #include "carrier/length_field.h"
 #include "carrier/payload.h"
+#include "carrier/record_scan.h"
+#include "carrier/record_text.h"
 #include "carrier/stored_text.h"
 #include "carrier/tags.h"
 #include "tests/carrier/carrier_bench.h"
@@ -184,6 +186,39 @@ TEST(Record, IsRefusedWhereTheAlgorithmHasNoCipherAndBeyondAMebibyte) {
   EXPECT_THROW(SealEntry(std::string(kRecordLimit, 'n'), 1, Algorithm::Des, HeldKey("secret"), secondKey),
                Error);
   EXPECT_THROW(SealEntry("?Fnm=<a>", 1, Algorithm::Rc4, HeldKey("secret"), secondKey), Error);
+}
+
+TEST(RecordText, IsFollowedBackForAMebibyteAndNoFurther) {
+  const TempFolder folder;
+  constexpr std::size_t most = (kRecordLimit - 8 + kLineSize - 1) / kLineSize;
+  for (const std::size_t lines : {std::size_t{0}, std::size_t{3}, most - 1, most, most + 100}) {
+    std::string text;
+    for (std::size_t i = 0; i < lines; ++i)
+      text += std::string(kLineCharacters, 'Q') + "\r\n";
+    folder.Put("text", text + "12345678");
+    const auto file = PosixFiles().OpenToRead(folder / "text");
+    const auto length = static_cast<Length>(lines == 0 ? 0 : std::min(lines, most) * kLineSize + 8);
+    EXPECT_EQ(LengthOfTextBefore(*file, {file->Size() + 1}), length) << lines;
+  }
+}
+
+TEST(RecordOpener, LooksIntoNoMoreDamagedRecordsThanItMay) {
+  CarrierBench bench;
+  for (const bool isDamaged : {true, true, false}) {
+    const Length begin = bench.Size() + 1;
+    bench.HideRecord("?Fnm=<n>?Fldnm=<" + std::string(60, 'f') + ">", "");
+    if (isDamaged) bench.FlipBit(begin + 70, 0);
+  }
+  const Key& key = HeldKey("secret");
+  for (const auto& [most, expected] : std::map<int, std::string>{{1, "ddd"}, {2, "ddd"}, {3, "ddw"}}) {
+    const auto file = bench.posix.OpenToRead(bench.carrier);
+    RecordScan scan(*file, [](Length) {});
+    RecordOpener opener(*file, key, most);
+    std::string found;
+    while (const std::optional<RecordText> text = scan.Next())
+      found += opener.Open(*text).value().isWhole ? 'w' : 'd';
+    EXPECT_EQ(found, expected) << most;
+  }
 }
 
 }  // namespace tarnel::test
