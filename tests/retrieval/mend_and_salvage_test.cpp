@@ -15,7 +15,10 @@ struct MendBench : RetrievalBench {
   MendBench() {
     for (const Under& under : {Under{}, kOther, Under{}}) {
       starts.push_back(Size() + 1);
-      Hide({"file" + std::to_string(starts.size()), "content"}, under);
+      Hide({.name = "file" + std::to_string(starts.size()),
+            .content = "content",
+            .title = std::string(80, 't')},  // so that a record has more than three lines
+           under);
     }
     starts.push_back(Size() + 1);
     screen.script.Always("load.error", Answer::Ignore);
