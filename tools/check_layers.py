@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Proves the include rules of doc/design.md for the tree it stands in.
+"""Proves the include rules of doc/design.md for the tree it stands in, and that nothing goes past the files port.
 
     check_layers.py [ROOT]             checks a source tree
     check_layers.py --program FILE...  checks that programs are linked with no Qt and no network library
@@ -45,6 +45,10 @@ OUTSIDE = [
     (re.compile(r"(gtest|gmock)/.*"), "GoogleTest", lambda path, layer: path.startswith("tests/")),
     (re.compile(r"benchmark/.*"), "Google Benchmark", lambda path, layer: path.startswith("bench/")),
 ]
+
+# What reaches a disk without the files port. Working with paths is free, and so is a program of the build.
+PAST_THE_PORT = re.compile(r"std::filesystem::(?!path\b|absolute\b)\w+|\bstd::[io]?fstream\b")
+AT_THE_DISK = re.compile(r"src/base/posix_\w+\.cpp|src/cli/make_shared_files\.cpp")
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)[">]', re.MULTILINE)
 
@@ -96,6 +100,9 @@ class Tree:
             return
         if path.endswith(".h") and "#pragma once" not in text:
             self.fault(path, "has no #pragma once")
+        if layer is not None and not AT_THE_DISK.fullmatch(path):
+            for call in PAST_THE_PORT.findall(text):
+                self.fault(path, f"goes past the files port ({call})")
         for bracket, name in INCLUDE.findall(text):
             if bracket == "<":
                 self.check_outside(path, layer, name)
@@ -194,6 +201,9 @@ SELF_TEST = [  # files of a small tree, and a part of the one fault that it has;
     ({"src/base/a.cpp": "", "src/base/b.cpp": '#include "base/a.cpp"\n'}, "is no header"),
     ({"src/base/a.h": H + '#include "base/b.h"\n', "src/base/b.h": H + '#include "base/a.h"\n'}, "includes itself"),
     ({"src/misc/a.cpp": ""}, "no known layer"),
+    ({"src/hiding/a.cpp": "std::filesystem::exists(path);\n"}, "past the files port (std::filesystem::exists)"),
+    ({"src/base/posix_files.cpp": "std::filesystem::canonical(path);\n", "tests/base/a.cpp": "std::ofstream(path);\n",
+      "src/base/a.h": H + "using Path = std::filesystem::path;\n"}, None),
     ({"README.md": ""}, "has no sources"),
     ({"tests/base/a.h": H, "src/base/b.cpp": '#include "tests/base/a.h"\n'}, "code includes a test"),
     ({"src/hiding/a.h": H, "tests/carrier/b.cpp": '#include "hiding/a.h"\n'}, "a test of carrier may not know hiding"),

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "app/settings.h"
+#include "crypto/compression.h"
 
 namespace tarnel {
 
@@ -40,7 +41,7 @@ struct ConfigValues {
   std::vector<std::optional<std::size_t>>
       chosen;                        ///< in the order of ConfigGroups; an unknown word chooses none
   std::vector<std::string> folders;  ///< for each group; empty where it has none
-  int compressLevel = 6;             ///< 1 to 9
+  int compressLevel = kPresetCompressionLevel;  ///< 1 to 9
   std::string previewTempFolder;
 };
 

@@ -115,7 +115,7 @@ std::optional<OpenedRecord> RecordOpener::Open(const RecordText& text) {
     if (!CipherKeyFits(offered.algorithm, front, TextForm::Base64, m_key)) continue;
     OpenedRecord record;
     record.algorithm = offered.algorithm;
-    if (m_damaged == kMostDamaged) return record;
+    if (m_damaged == m_mostDamaged) return record;
     const std::string whole =
         ReadFileSlice(m_carrier, text.begin,
                       std::min<Length>(text.linesEnd - text.begin + Length{kLineSize}, kRecordLimit));

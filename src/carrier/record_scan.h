@@ -56,16 +56,16 @@ struct OpenedRecord {
 /// 50,000 of a carrier at most: the others count as damaged at once.
 class RecordOpener {
  public:
-  RecordOpener(File& carrier, const Key& key) : m_carrier(carrier), m_key(key) {}
+  RecordOpener(File& carrier, const Key& key, int mostDamaged = 50'000)
+      : m_carrier(carrier), m_key(key), m_mostDamaged(mostDamaged) {}
 
   /// With whichever algorithm fits; nothing if none does. Throws Error.
   std::optional<OpenedRecord> Open(const RecordText& text);
 
  private:
-  static constexpr int kMostDamaged = 50'000;
-
   File& m_carrier;
   const Key& m_key;
+  const int m_mostDamaged;
   int m_damaged = 0;
 };
 

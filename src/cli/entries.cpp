@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 #include <set>
+#include <unordered_map>
 
 #include "base/printable.h"
 #include "carrier/stored_text.h"
@@ -37,25 +38,29 @@ class Matcher {
   explicit Matcher(const Rows& rows) : m_rows(rows) {
     for (const MirrorRow& row : rows) {
       m_paths.push_back(PathOfEntry(row));
-      m_listed.push_back(ListedPath(m_paths.back()));
+      std::string listed = ListedPath(m_paths.back());
+      if (listed != m_paths.back()) m_listed.emplace(m_paths.size() - 1, std::move(listed));
     }
   }
-
-  const std::string& Path(std::size_t row) const { return m_paths[row]; }
 
   std::vector<std::size_t> Find(const std::string& wanted) const {
     if (const auto number = NumberIn(wanted)) return OfNumber(*number);
     const std::string simple = SimplePath(wanted);
     if (simple.empty()) return {};
-    std::vector<std::size_t> found = Where([&](std::size_t row) { return m_listed[row] == simple; });
+    std::vector<std::size_t> found = Where([&](std::size_t row) { return Listed(row) == simple; });
     if (found.empty()) found = Where([&](std::size_t row) { return m_paths[row] == simple; });
-    if (found.empty()) found = Where([&](std::size_t row) { return IsOrHolds(simple, m_listed[row]); });
+    if (found.empty()) found = Where([&](std::size_t row) { return IsOrHolds(simple, Listed(row)); });
     if (found.empty()) found = Where([&](std::size_t row) { return IsOrHolds(simple, m_paths[row]); });
     if (!found.empty() || !IsGlob(simple)) return found;
     return Where([&](std::size_t row) { return GlobMatches(simple, m_paths[row]); });
   }
 
  private:
+  const std::string& Listed(std::size_t row) const {
+    const auto other = m_listed.find(row);
+    return other == m_listed.end() ? m_paths[row] : other->second;
+  }
+
   std::vector<std::size_t> OfNumber(std::size_t number) const {
     if (number == 0 || number > m_rows.size()) return {};
     return {m_rows.size() - number};
@@ -71,8 +76,22 @@ class Matcher {
 
   const Rows& m_rows;
   std::vector<std::string> m_paths;
-  std::vector<std::string> m_listed;
+  std::unordered_map<std::size_t, std::string> m_listed;  ///< where it isn't the path
 };
+
+std::vector<bool> Wanted(const Rows& rows, const std::vector<std::string>& named) {
+  if (named.empty()) return std::vector<bool>(rows.size(), true);
+  std::vector<bool> isWanted(rows.size(), false);
+  const Matcher matcher(rows);
+  for (const std::string& name : named) {
+    const std::vector<std::size_t> found = matcher.Find(name);
+    if (found.empty())
+      throw CliFailure(ExitCode::EntryNotFound, "the hideout has no entry " + Printable(name));
+    for (const std::size_t row : found)
+      isWanted[row] = true;
+  }
+  return isWanted;
+}
 
 }  // namespace
 
@@ -116,18 +135,13 @@ std::vector<std::string> NamesOf(const std::vector<std::string>& stored) {
 }
 
 std::vector<std::size_t> MatchEntries(const Rows& rows, const EntryWish& wish) {
-  const Matcher matcher(rows);
-  std::vector<bool> isWanted(rows.size(), wish.named.empty());
-  for (const std::string& name : wish.named) {
-    const std::vector<std::size_t> found = matcher.Find(name);
-    if (found.empty())
-      throw CliFailure(ExitCode::EntryNotFound, "the hideout has no entry " + Printable(name));
-    for (const std::size_t row : found)
-      isWanted[row] = true;
-  }
+  const std::vector<bool> isWanted = Wanted(rows, wish.named);
+  const auto isExcluded = [&](const MirrorRow& row) {
+    return !wish.excluded.empty() && AnyGlobMatches(wish.excluded, PathOfEntry(row));
+  };
   std::vector<std::size_t> matches;
   for (std::size_t row = 0; row < rows.size(); ++row)
-    if (isWanted[row] && !AnyGlobMatches(wish.excluded, matcher.Path(row))) matches.push_back(row);
+    if (isWanted[row] && !isExcluded(rows[row])) matches.push_back(row);
   if (matches.empty() && !wish.excluded.empty())
     throw CliFailure(ExitCode::EntryNotFound, "--exclude leaves no entry");
   return matches;

@@ -2,6 +2,7 @@
 
 #include "cli/command_table.h"
 #include "cli/option_values.h"
+#include "crypto/compression.h"
 
 namespace tarnel {
 
@@ -39,6 +40,7 @@ Rows NewHideoutOptions() {
 }
 
 Rows HidingOptions() {
+  static_assert(kPresetCompressionLevel == 6);  // which is named below
   return {
       {.name = "--compress",
        .value = "LEVEL",

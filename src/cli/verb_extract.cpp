@@ -1,5 +1,5 @@
 #include <algorithm>
-#include <set>
+#include <unordered_map>
 
 #include "base/printable.h"
 #include "carrier/format.h"
@@ -30,51 +30,44 @@ Rows WithoutOlder(const std::vector<MirrorRow>& rows, const Rows& matched, const
   return kept;
 }
 
-/// The chosen rows as a catalogue of their own, in which no two come to one file: what would gets a number.
-class Distinct {
- public:
-  enum class Folders { Kept, Dropped };
-  Distinct(const std::vector<MirrorRow>& rows, const Rows& chosen, Folders folders) : m_folders(folders) {
-    for (const std::size_t row : chosen)
-      m_known.insert(FolderOf(rows[row]) + ToPlatform(rows[row].Name()));
-    for (const std::size_t row : chosen)
-      Add(rows[row]);
-  }
-  Catalogue& Get() { return m_catalogue; }
+enum class Folders { Kept, Dropped };
 
- private:
-  std::string FolderOf(const MirrorRow& row) const {
-    return m_folders == Folders::Kept ? FolderOfEntry(row.Folder()) + "/" : std::string();
-  }
+std::string TargetOf(const MirrorRow& row, Folders folders, const std::string& name) {
+  return folders == Folders::Kept ? FolderOfEntry(row.Folder()) + "/" + name : name;
+}
 
-  void Add(const MirrorRow& row) {
+MirrorRow Renamed(MirrorRow row, std::string_view name) {
+  WipedText record;
+  AppendTag(record, tag::kName, ToStored(name, TextKind::PathComponent));  // the first of a key counts
+  row.record = record + row.record;
+  return row;
+}
+
+/// The chosen rows so that no two come to one file: of what would, the catalogue gets copies with a number.
+Rows MakeDistinct(Catalogue& catalogue, Rows chosen, Folders folders) {
+  std::unordered_map<std::string, int> known;  // 0, or the last number that a path got
+  for (const std::size_t index : chosen) {
+    const MirrorRow& row = catalogue.Rows()[index];
+    known.emplace(TargetOf(row, folders, ToPlatform(row.Name())), 0);
+  }
+  for (std::size_t& index : chosen) {
+    const MirrorRow& row = catalogue.Rows()[index];
     const std::string name = ToPlatform(row.Name());
-    const std::string folder = FolderOf(row);
-    MirrorRow added = row;
-    if (!m_taken.insert(folder + name).second) {
-      int number = 2;
-      while (m_known.contains(folder + NumberedName(name, number)))
-        ++number;
-      const std::string fresh = NumberedName(name, number);
-      m_known.insert(folder + fresh);
-      WipedText record;
-      AppendTag(record, tag::kName, ToStored(fresh, TextKind::PathComponent));  // the first of a key counts
-      added.record = record + row.record;
-    }
-    m_catalogue.AddRow(std::move(added));
+    int& number = known.at(TargetOf(row, folders, name));
+    if (++number == 1) continue;
+    while (!known.emplace(TargetOf(row, folders, NumberedName(name, number)), 1).second)
+      ++number;
+    catalogue.AddRow(Renamed(row, NumberedName(name, number)));
+    index = catalogue.Rows().size() - 1;
   }
+  return chosen;
+}
 
-  Folders m_folders;
-  std::set<std::string> m_known;  ///< all names, also those that were given
-  std::set<std::string> m_taken;
-  Catalogue m_catalogue;
-};
-
-ExtractRequest RequestFor(const Workbench& bench, const ExtractOptions& options, std::size_t count) {
+ExtractRequest RequestFor(const Workbench& bench, const ExtractOptions& options, const Rows& chosen) {
   ExtractRequest request;
   request.carrier = bench.Carrier();
   request.target = options.target;
-  for (std::size_t row = 0; row < count; ++row)
+  for (const std::size_t row : chosen)
     request.choices.push_back({.row = row, .itemFolder = {}});
   request.useFolderNames = !options.flat;
   request.overwriteAll = options.overwrite;
@@ -120,12 +113,11 @@ ExitCode ToOutput(const Workbench& bench, const Rows& chosen, Surroundings& arou
 }
 
 ExitCode ToFolder(Workbench& bench, const ExtractOptions& options, const Rows& chosen, Surroundings& around) {
-  Distinct distinct(bench.Rows(), chosen,
-                    options.flat ? Distinct::Folders::Dropped : Distinct::Folders::Kept);
+  Reading& reading = bench.GetReading();
+  const Rows distinct =
+      MakeDistinct(reading.catalogue, chosen, options.flat ? Folders::Dropped : Folders::Kept);
   ExtractOnTerminal screen(around.talk);
-  const Reading& opened = bench.GetReading();
-  Reading reading{opened.files, distinct.Get(), opened.guards, opened.current};
-  const ExtractResult result = RunExtract(RequestFor(bench, options, chosen.size()), reading, screen);
+  const ExtractResult result = RunExtract(RequestFor(bench, options, distinct), reading, screen);
   around.talk.Progress().Clear();
   if (result.ending == ExtractEnding::Aborted) throw around.talk.LastFailure();
   if (result.ending == ExtractEnding::Cancelled) {

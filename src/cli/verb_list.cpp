@@ -9,6 +9,7 @@
 #include "carrier/tags.h"
 #include "cli/dates.h"
 #include "cli/entries.h"
+#include "cli/line_writer.h"
 #include "cli/verbs.h"
 #include "retrieval/restored_file.h"
 
@@ -54,27 +55,32 @@ void FillReport(const Workbench& bench, const Rows& chosen, Json& report) {
   PutFaults(report, bench.Faults());
 }
 
-/// Columns of a table: all but the last to the right.
-std::string Table(const Workbench& bench, const Rows& chosen) {
-  constexpr std::size_t kColumns = 4;
-  std::vector<std::array<std::string, kColumns>> lines;
-  std::array<std::size_t, kColumns> widths{};
-  lines.reserve(chosen.size());
+/// Columns of a table but for the last, the path: these go to the right.
+using Columns = std::array<std::string, 3>;
+
+Columns ColumnsOf(const Workbench& bench, std::size_t index) {
+  const MirrorRow& row = bench.Rows()[index];
+  return {"#" + std::to_string(NumberOfEntry(bench.Rows(), index)),
+          std::to_string(WholeNumber(row.Field(tag::kPlainSize))),
+          Printable(ToPlatform(row.Field(tag::kDate)))};
+}
+
+/// Makes each line twice, for no hideout is too large to be listed.
+void WriteTable(const Workbench& bench, const Rows& chosen, Terminal& terminal) {
+  std::array<std::size_t, std::tuple_size_v<Columns>> widths{};
   for (const std::size_t index : chosen) {
-    const MirrorRow& row = bench.Rows()[index];
-    lines.push_back({"#" + std::to_string(NumberOfEntry(bench.Rows(), index)),
-                     std::to_string(WholeNumber(row.Field(tag::kPlainSize))),
-                     Printable(ToPlatform(row.Field(tag::kDate))), ListedPath(PathOfEntry(row))});
-    for (std::size_t i = 0; i + 1 < kColumns; ++i)
-      widths[i] = std::max(widths[i], lines.back()[i].size());
+    const Columns columns = ColumnsOf(bench, index);
+    for (std::size_t i = 0; i < widths.size(); ++i)
+      widths[i] = std::max(widths[i], columns[i].size());
   }
-  std::string table;
-  for (const auto& line : lines) {
-    for (std::size_t i = 0; i + 1 < kColumns; ++i)
-      table += std::string(widths[i] - line[i].size(), ' ') + line[i] + "  ";
-    table += line.back() + "\n";
+  LineWriter lines(terminal);
+  for (const std::size_t index : chosen) {
+    const Columns columns = ColumnsOf(bench, index);
+    std::string line;
+    for (std::size_t i = 0; i < widths.size(); ++i)
+      line += std::string(widths[i] - columns[i].size(), ' ') + columns[i] + "  ";
+    lines.Write(line + ListedPath(PathOfEntry(bench.Rows()[index])) + "\n");
   }
-  return table;
 }
 
 std::string Totals(const Workbench& bench, const Rows& chosen) {
@@ -86,11 +92,10 @@ std::string Totals(const Workbench& bench, const Rows& chosen) {
          bench.Algorithm() + "\n";
 }
 
-std::string WholePaths(const Workbench& bench, const Rows& chosen) {
-  std::string paths;
+void WriteWholePaths(const Workbench& bench, const Rows& chosen, Terminal& terminal) {
+  LineWriter lines(terminal);
   for (const std::size_t row : chosen)
-    paths += PathOfEntry(bench.Rows()[row]) + '\0';
-  return paths;
+    lines.Write(PathOfEntry(bench.Rows()[row]) + '\0');
 }
 
 }  // namespace
@@ -104,7 +109,7 @@ ExitCode RunVerb(const ListOptions& options, Surroundings& around) {
     FillReport(bench, chosen, around.report);
     return bench.CodeOfReading(ExitCode::Done);
   }
-  around.terminal.Write(options.onlyNames ? WholePaths(bench, chosen) : Table(bench, chosen));
+  (options.onlyNames ? WriteWholePaths : WriteTable)(bench, chosen, around.terminal);
   if (!options.onlyNames && around.terminal.OutputIsTerminal()) around.terminal.Write(Totals(bench, chosen));
   return bench.CodeOfReading(ExitCode::Done);
 }

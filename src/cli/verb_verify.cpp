@@ -1,10 +1,12 @@
 #include <algorithm>
 #include <array>
+#include <set>
 
 #include "base/printable.h"
 #include "carrier/leftovers.h"
 #include "carrier/stored_text.h"
 #include "cli/entries.h"
+#include "cli/line_writer.h"
 #include "cli/screens.h"
 #include "cli/verbs.h"
 #include "crypto/keys.h"
@@ -56,8 +58,9 @@ class VerifyVerb {
  private:
   ExitCode VerifyOne(const std::string& carrier, const Key& password);
   ExitCode VerifyOrSayWhyNot(const std::string& carrier, const Key& password);
-  void TakeWanted(std::vector<VerifiedEntry>& entries, const Workbench& bench) const;
+  std::set<Position> PlacesWanted(const Workbench& bench) const;
   void Report(const std::string& carrier, const VerifyResult& result);
+  void ReportEntries(const std::string& carrier, const VerifyResult& result, Json& files);
   std::string LineOf(const std::string& carrier, const VerifiedEntry& entry) const;
 
   const VerifyOptions& m_options;
@@ -136,6 +139,8 @@ ExitCode VerifyVerb::VerifyOrSayWhyNot(const std::string& carrier, const Key& pa
 ExitCode VerifyVerb::VerifyOne(const std::string& carrier, const Key& password) {
   Workbench bench(carrier, m_around);
   bench.OpenWith(password);
+  const std::set<Position> wanted = PlacesWanted(bench);
+  bench.GetReading().catalogue.RemoveRows(bench.Carrier());  // no two lists of all entries at a time
   VerifyOnTerminal screen(m_around.talk);
   VerifyResult result = RunVerify(
       {.carrier = bench.Carrier(), .password = password, .algorithm = bench.Current().CurrentAlgorithmId},
@@ -145,21 +150,18 @@ ExitCode VerifyVerb::VerifyOne(const std::string& carrier, const Key& password) 
     throw CliFailure(ExitCode::Cancelled, "cancelled before all entries were read");
   const ExitCode whole = CodeOf(result);
   if (whole != ExitCode::Done) RefuseBusy(bench.Carrier(), m_around.files);  // nothing is said of half a hide
-  TakeWanted(result.entries, bench);
-  std::ranges::stable_partition(result.entries,
-                                [](const VerifiedEntry& entry) { return entry.verdict == Verdict::Intact; });
+  if (!m_options.entries.empty())
+    std::erase_if(result.entries, [&](const VerifiedEntry& entry) { return !wanted.contains(entry.at); });
   Report(carrier, result);
   return CodeOf(result);
 }
 
-void VerifyVerb::TakeWanted(std::vector<VerifiedEntry>& entries, const Workbench& bench) const {
-  if (m_options.entries.empty()) return;
-  std::vector<Position> wanted;
+std::set<Position> VerifyVerb::PlacesWanted(const Workbench& bench) const {
+  std::set<Position> wanted;
+  if (m_options.entries.empty()) return wanted;
   for (const std::size_t row : MatchEntries(bench.Rows(), {.named = m_options.entries, .excluded = {}}))
-    wanted.push_back(bench.Rows()[row].start);
-  std::erase_if(entries, [&](const VerifiedEntry& entry) {
-    return std::ranges::find(wanted, entry.at) == wanted.end();
-  });
+    wanted.insert(bench.Rows()[row].start);
+  return wanted;
 }
 
 void VerifyVerb::Report(const std::string& carrier, const VerifyResult& result) {
@@ -167,14 +169,7 @@ void VerifyVerb::Report(const std::string& carrier, const VerifyResult& result) 
   PutBytes(object, "carrier", carrier);
   object["files"] = Json::array();
   ++m_tally.carriers;
-  for (const VerifiedEntry& entry : result.entries) {
-    ++m_tally.files;
-    if (entry.verdict == Verdict::Damaged) ++m_tally.damaged;
-    if (entry.verdict == Verdict::Unreadable) ++m_tally.unreadable;
-    const bool isShown = !m_around.options.quiet || entry.verdict != Verdict::Intact;
-    if (isShown && !m_around.options.json) m_around.terminal.Write(LineOf(carrier, entry));
-    if (m_around.options.json) object["files"].push_back(JsonOf(entry));
-  }
+  ReportEntries(carrier, result, object["files"]);
   PutFaults(object, result.chain);
   object["leftovers"] = JsonOfNames(result.leftovers);
   m_around.report["carriers"].push_back(std::move(object));
@@ -182,6 +177,22 @@ void VerifyVerb::Report(const std::string& carrier, const VerifyResult& result) 
     m_around.messages.Warn(LeftoverAdvice(path));
   for (const std::string& sentence : SentencesOf(result.chain))
     m_around.messages.Warn(sentence);
+}
+
+/// What is intact comes first.
+void VerifyVerb::ReportEntries(const std::string& carrier, const VerifyResult& result, Json& files) {
+  LineWriter lines(m_around.terminal);
+  for (const bool isIntact : {true, false}) {
+    for (const VerifiedEntry& entry : result.entries) {
+      if ((entry.verdict == Verdict::Intact) != isIntact) continue;
+      ++m_tally.files;
+      if (entry.verdict == Verdict::Damaged) ++m_tally.damaged;
+      if (entry.verdict == Verdict::Unreadable) ++m_tally.unreadable;
+      const bool isShown = !m_around.options.quiet || !isIntact;
+      if (isShown && !m_around.options.json) lines.Write(LineOf(carrier, entry));
+      if (m_around.options.json) files.push_back(JsonOf(entry));
+    }
+  }
 }
 
 std::string VerifyVerb::LineOf(const std::string& carrier, const VerifiedEntry& entry) const {

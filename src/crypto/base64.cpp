@@ -48,8 +48,8 @@ std::string Base64Encode(Bytes bytes) {
 }
 
 std::string Base64Decode(std::string_view text) {
-  std::string bytes;
-  bytes.reserve(text.size() / 4 * 3 + 3);
+  std::string bytes(text.size() / 4 * 3 + 3, '\0');
+  std::size_t length = 0;
   std::uint32_t group = 0;
   unsigned bits = 0;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -62,8 +62,9 @@ std::string Base64Decode(std::string_view text) {
     bits += 6;
     if (bits < 8) continue;
     bits -= 8;
-    bytes.push_back(static_cast<char>(group >> bits & 0xFF));
+    bytes[length++] = static_cast<char>(group >> bits & 0xFF);
   }
+  bytes.resize(length);
   return bytes;
 }
 

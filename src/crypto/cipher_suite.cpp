@@ -1,7 +1,9 @@
 #include "crypto/cipher_suite.h"
 
 #include <botan/ctr.h>
-#include <botan/kdf.h>
+#include <botan/hkdf.h>
+#include <botan/hmac.h>
+#include <botan/sha2_32.h>
 
 #include <algorithm>
 #include <array>
@@ -45,9 +47,9 @@ std::unique_ptr<Botan::StreamCipher> MakeCounterMode(const CipherSuite& suite) {
 }
 
 WipedBytes DeriveKeys(const WipedBytes& masterKey, Bytes salt, std::string_view info, std::size_t length) {
-  const auto function = Botan::KDF::create_or_throw("HKDF(SHA-256)");
+  const Botan::HKDF function(new Botan::HMAC(new Botan::SHA_256));
   WipedBytes keys(length);
-  function->kdf(keys.data(), keys.size(), masterKey.data(), masterKey.size(), salt.data(), salt.size(),
+  function.kdf(keys.data(), keys.size(), masterKey.data(), masterKey.size(), salt.data(), salt.size(),
                 AsBytes(info).data(), info.size());
   return keys;
 }

@@ -20,7 +20,8 @@ struct LastBlock {
 /// Reads a whole deflate stream, compares it with the text it has to give, and finds its last block.
 class Inspection {
  public:
-  Inspection(Bytes form, Bytes plain) : m_form(form), m_plain(plain) {
+  Inspection(Bytes form, Bytes plain)
+      : m_form(form), m_plain(plain), m_text(std::min(plain.size(), std::size_t{128} * 1024)) {
     if (inflateInit2(&m_stream, -MAX_WBITS) != Z_OK) throw std::bad_alloc();
     m_stream.next_in = const_cast<Bytef*>(form.data());  // zlib reads only, whatever its type says
     m_stream.avail_in = static_cast<uInt>(form.size());
@@ -75,7 +76,7 @@ class Inspection {
   std::size_t m_compared = 0;
   LastBlock m_found;
   z_stream m_stream{};
-  WipedBytes m_text = WipedBytes(std::size_t{128} * 1024);
+  WipedBytes m_text;
 };
 
 /// Makes the last block one of many, and ends the form at a byte by an empty stored block.

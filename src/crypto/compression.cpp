@@ -189,7 +189,7 @@ std::size_t CompressingSource::Read(MutableBytes into) {
 }
 
 struct DecompressingSink::State {
-  explicit State(ByteSink& sink) : plain(sink), output(kPiece) {}
+  explicit State(ByteSink& sink) : plain(sink) {}
   ~State() {
     if (phase != Phase::Size) inflateEnd(&stream);
   }
@@ -221,6 +221,7 @@ void DecompressingSink::State::TakeSize(Bytes& bytes) {
   for (std::size_t i = kSizeBytes; i-- > 0;)
     size = size << 8 | sizeField[i];
   remaining = static_cast<std::int32_t>(size);
+  output.resize(static_cast<std::size_t>(std::clamp<std::int64_t>(remaining, 1, kPiece)));
   if (inflateInit(&stream) != Z_OK) throw std::bad_alloc();
   phase = remaining < 0 ? Phase::Faulty : Phase::Stream;
 }

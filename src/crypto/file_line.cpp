@@ -13,6 +13,7 @@ namespace tarnel {
 namespace {
 
 constexpr std::size_t kPiece = std::size_t{64} * 1024;
+constexpr std::size_t kFirstPiece = std::size_t{4} * 1024;  ///< so that a small file takes little memory
 constexpr std::size_t kPiecesOfBlock = FileMac::kBlockBytes / kPiece;
 
 /// What was held back of the block before, then pieces.
@@ -29,6 +30,7 @@ struct Block {
 /// What each thread has of its own.
 struct Worker {
   std::unique_ptr<Botan::StreamCipher> cipher;
+  std::uint64_t at = 0;  ///< of the file, where the cipher stands
   std::optional<FileMac::Summing> summing;
 };
 
@@ -41,7 +43,8 @@ struct FileLine::State {
   bool IsAlone() const {
     return workers == 0 || offset < suite.bytesAlone || offset % FileMac::kWordBytes != 0;
   }
-  std::size_t FullBlock() const { return tail + (IsAlone() ? 1 : kPiecesOfBlock) * kPiece; }
+  std::size_t Piece() const { return offset == 0 ? kFirstPiece : kPiece; }
+  std::size_t FullBlock() const { return tail + (IsAlone() ? Piece() : kPiecesOfBlock * kPiece); }
   Block& Current() { return blocks[put % blocks.size()]; }
 
   void Submit();
@@ -154,8 +157,9 @@ void FileLine::State::Crypt(Worker& worker, Block& block) {
     worker.cipher->set_key(keys.data(), suite.keyBytes);
     worker.cipher->set_iv(nullptr, 0);
   }
-  worker.cipher->seek(block.offset);
+  if (worker.at != block.offset) worker.cipher->seek(block.offset);
   worker.cipher->cipher1(block.bytes.data(), block.length);
+  worker.at = block.offset + block.length;
 }
 
 FileLine::FileLine(FileWay way, const CipherSuite& suite, const WipedBytes& masterKey, const FileNonce& nonce,
@@ -172,7 +176,7 @@ MutableBytes FileLine::Room() {
     std::copy_n(m_state->heldBack.begin(), m_state->heldBackBytes, block.bytes.begin());
     block.held = m_state->heldBackBytes;
   }
-  const std::size_t end = block.held == 0 ? kPiece + m_state->tail : block.held + kPiece;
+  const std::size_t end = m_state->Piece() + (block.held == 0 ? m_state->tail : block.held);
   return MutableBytes(block.bytes).first(end).subspan(block.held);
 }
 

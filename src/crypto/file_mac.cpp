@@ -1,6 +1,6 @@
 #include "crypto/file_mac.h"
 
-#include <botan/block_cipher.h>
+#include <botan/aes.h>
 #include <botan/ghash.h>
 
 #include <algorithm>
@@ -48,11 +48,11 @@ struct FileMac::State {
 };
 
 FileMac::FileMac(Bytes key) : m_state(std::make_unique<State>()) {
-  const auto cipher = Botan::BlockCipher::create_or_throw("AES-256");
-  cipher->set_key(key.data(), key.size());
-  cipher->encrypt(m_state->key);
+  Botan::AES_256 cipher;
+  cipher.set_key(key.data(), key.size());
+  cipher.encrypt(m_state->key);
   m_state->mask.back() = 1;
-  cipher->encrypt(m_state->mask);
+  cipher.encrypt(m_state->mask);
   m_state->hash.set_key(m_state->key);
 }
 

@@ -54,24 +54,33 @@ class CarrierRewrite::TemporarySink : public ByteSink {
 
   void Write(Bytes bytes) override {
     MustFit(static_cast<Length>(bytes.size()));
-    m_sink.Write(bytes);
-    m_blocks.push_back({bytes.size(), HashOf(bytes)});
+    m_pending.append(AsText(bytes));
+    if (m_pending.size() >= kCopyBlock) WritePending();
   }
   void CopyFrom(File& carrier, const Path& path, Position from, Length length) {
     MustFit(length);
+    WritePending();
     m_sink.CopyFrom(carrier, path, from, length);
   }
-  Length Written() const { return m_sink.Written(); }
+  /// To be called behind the last of them.
+  void WritePending() {
+    if (m_pending.empty()) return;
+    m_sink.Write(AsBytes(m_pending));
+    m_blocks.push_back({m_pending.size(), HashOf(AsBytes(m_pending))});
+    m_pending.clear();
+  }
+  Length Written() const { return m_sink.Written() + static_cast<Length>(m_pending.size()); }
   std::vector<MadeBlock> TakeBlocks() { return std::move(m_blocks); }
 
  private:
   void MustFit(Length length) const {
-    if (length <= m_room - m_sink.Written()) return;
+    if (length <= m_room - Written()) return;
     throw Error(ErrorNumber::DiskFull,
                 "cannot write " + Printable(m_path.native()) + ": a carrier has to stay below 2 GiB", m_path);
   }
 
   FileSink m_sink;
+  std::string m_pending;  ///< the parts of a small entry go to the disk in one piece
   std::vector<MadeBlock> m_blocks;
   Length m_room;
   const Path& m_path;
@@ -149,9 +158,12 @@ Outcome CarrierRewrite::TryWrite(const std::function<void(TemporarySink&)>& part
   try {
     const Outcome outcome = Attempt(m_screen, m_manner.handler, [&] {
       m_progress = progress;
-      m_temporary->Truncate(m_written);
+      if (m_hasRest) m_temporary->Truncate(m_written);
+      m_hasRest = true;
       TemporarySink sink(*m_temporary, m_written, m_temporaryPath);
       part(sink);
+      sink.WritePending();
+      m_hasRest = false;
       m_pieces.push_back({.at = m_written, .length = sink.Written(), .made = sink.TakeBlocks()});
       m_written += sink.Written();
     });

@@ -151,6 +151,7 @@ class CarrierRewrite {
   std::optional<mode_t> m_savedMode;
   Length m_carrierSize = 0;
   Length m_written = 0;
+  bool m_hasRest = false;         ///< of a part that has failed, behind m_written
   std::vector<Piece> m_pieces;    ///< up to m_written
   bool m_mustWriteAgain = false;  ///< a sync has failed, which may have lost any of them
   Position m_keep;

@@ -36,6 +36,7 @@ class Verification {
   Files& m_files;
   VerifyScreen& m_screen;
   std::unique_ptr<File> m_carrier;
+  Length m_size = 0;
   Length m_passed = 0;
   VerifyResult m_result;
 };
@@ -54,15 +55,16 @@ VerifyResult Verification::Run() {
 void Verification::CheckEntries() {
   m_carrier = m_files.OpenToRead(m_request.carrier);
   Walk walk(*m_carrier, m_request.carrier);
+  m_size = walk.CarrierSize();
   while (const std::optional<EntryPlace> place = NextEntry(walk)) {
     m_screen.Yield();
     if (m_screen.CancelRequested()) throw Stop{StopReason::Cancelled};
     if (!CheckEntry(walk, *place)) break;
-    m_passed = walk.CarrierSize() - (place->start.value - 1);
-    m_screen.ShowProgress(m_passed, walk.CarrierSize());
+    m_passed = m_size - (place->start.value - 1);
+    m_screen.ShowProgress(m_passed, m_size);
   }
   m_result.chain.brokenAt = walk.BrokenAt();
-  m_screen.ShowProgress(walk.CarrierSize(), walk.CarrierSize());
+  m_screen.ShowProgress(m_size, m_size);
 }
 
 /// An end that throws is an end all the same, but for a carrier without any entry.
@@ -105,11 +107,10 @@ void Verification::CheckPayload(const EntryPlace& place, std::string_view record
 
 std::string Verification::FaultOfPayload(const EntryPlace& place, std::string_view record) {
   FileSource stretch(*m_carrier, m_request.carrier, place.start, place.payload);
-  const Length size = m_carrier->Size();
   Length passed = m_passed;
   BlockSource payload(stretch,
                       BlockCount(place.payload, CancelLook::BehindFullBlock, m_screen,
-                                 [&](Length block) { m_screen.ShowProgress(passed += block, size); }));
+                                 [&](Length block) { m_screen.ShowProgress(passed += block, m_size); }));
   NullSink nowhere;
   return TakeOutPayload(payload, ClaimsOf(record), m_request.algorithm, m_request.password, nowhere);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <deque>
 #include <string>
 #include <vector>
 
@@ -32,7 +33,7 @@ enum class VerifyEnding { Done, Cancelled };
 
 struct VerifyResult {
   VerifyEnding ending = VerifyEnding::Done;
-  std::vector<VerifiedEntry> entries;  ///< newest first
+  std::deque<VerifiedEntry> entries;  ///< newest first
   ChainFaults chain;                   ///< without its entries, which stand above
   std::vector<Path> leftovers;         ///< the ".bak" and ".tmp" that lie beside the carrier
 
