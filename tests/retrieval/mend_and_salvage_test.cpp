@@ -15,7 +15,10 @@ struct MendBench : RetrievalBench {
   MendBench() {
     for (const Under& under : {Under{}, kOther, Under{}}) {
       starts.push_back(Size() + 1);
-      Hide({"file" + std::to_string(starts.size()), "content"}, under);
+      Hide({.name = "file" + std::to_string(starts.size()),
+            .content = "content",
+            .title = std::string(80, 't')},  // so that a record has more than three lines
+           under);
     }
     starts.push_back(Size() + 1);
     screen.script.Always("load.error", Answer::Ignore);
@@ -93,8 +96,10 @@ TEST(Mend, MakesTheChainLeadToAllThatItCanLeadTo) {
       {[](MendBench& b) { b.Spoil(0, "r"), b.Insert(1, std::string(390 - 39, '\0')); }, "wb " + kAll},
       {[](MendBench& b) { b.CutOut(0, 10); }, "ww " + kAll},
       {[](MendBench& b) { b.CutOut(0, 90); }, "www 1=content3=content"},
-      // 39, with one character more, is the 390 bytes that the bridge makes of these.
-      {[](MendBench& b) { b.Insert(1, std::string(390 - 39 - kTrailerSize, '\0')); }, "b " + kAll},
+      {[](MendBench& b) {  // behind a bridge of an earlier mending
+         b.Spoil(1, "r"), b.Insert(1, std::string(100, '\0') + PackLengthField(99) + PackLengthField(1));
+       },
+       "w " + kAll},
       {[](MendBench& b) { b.Replace(1, PackLengthField(5)), b.Spoil(1, "r"); }, "ww " + kAll},
       {[](MendBench& b) { b.CutTo(b.TrailerOf(2) + 30); }, "ww " + kAll},
       {[](MendBench& b) {  // an entry that was torn before its trailer, and one written behind it
