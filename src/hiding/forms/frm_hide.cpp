@@ -72,7 +72,7 @@ void FrmHide::Build(Opener open, std::unique_ptr<Places> places, std::unique_ptr
     for (int section = 1; const int width : digits)
       table.header()->resizeSection(section++, digit * width);
   };
-  setWidths(*m_explorerFrame->ExplorerFile, {12, 16, 22});
+  setWidths(*m_explorerFrame->ExplorerFile, {12, 16, 25});
   setWidths(*m_frame1->Files, {14, 22, 30});
   BuildStatusBar();
   resize(digit * 116, fontMetrics().lineSpacing() * 32);
