@@ -72,8 +72,8 @@ void FrmHide::Build(Opener open, std::unique_ptr<Places> places, std::unique_ptr
     for (int section = 1; const int width : digits)
       table.header()->resizeSection(section++, digit * width);
   };
-  setWidths(*m_explorerFrame->ExplorerFile, {12, 16, 22});
-  setWidths(*m_frame1->Files, {14, 22, 30});
+  setWidths(*m_explorerFrame->ExplorerFile, {14, 16, 25});
+  setWidths(*m_frame1->Files, {18, 22, 30});
   BuildStatusBar();
   resize(digit * 116, fontMetrics().lineSpacing() * 32);
 }
@@ -283,7 +283,8 @@ void FrmHide::Hide() {
   m_wizard.EndHiding();
   if (!result) {
     m_rows->SetDone(0);
-    return ShowState();
+    ShowState();
+    return m_frame1->Cmd_Next->setFocus();
   }
   if (const auto report = HideReport(*result, carrier)) GetDialogue().Ask(*report);
   done(QDialog::Accepted);
