@@ -181,6 +181,7 @@ TEST(FrmFind, IsOneWindowOfTheProgramWhoseResultsOpenAndWhichGoesWithTheMainWind
   const QPoint row = list.visualRect(list.model()->index(0, 0)).center();
   QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, row);
   QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, row);
+  EXPECT_TRUE(QTest::qWaitForWindowActive(form));
   bench.window->close();
   EXPECT_TRUE(QTest::qWaitFor([&] { return bench.window->findChildren<FrmFind*>().isEmpty(); }));
 }

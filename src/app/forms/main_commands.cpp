@@ -148,11 +148,13 @@ void MainCommands::NewCarrier() {
   throw NewCarrierFault();
 }
 
+/// Two forms close at once, and not every window manager then finds the one behind them.
 void MainCommands::ChooseCarrier() {
   FrmCarrierFile(
       m_session, m_ports.dialogue, m_ports.fileDialogs, [this](const Path& carrier) { OpenCarrier(carrier); },
       &m_parent)
       .exec();
+  m_parent.activateWindow();
 }
 
 bool MainCommands::OpenCarrier(const Path& carrier) {
@@ -175,7 +177,9 @@ void MainCommands::Search() {
   if (m_find == nullptr) {
     const auto open = [this](const Path& carrier) {
       m_session.HideOpenRequested = false;
-      if (OpenCarrier(carrier)) BringToFront(m_parent);
+      const bool isOpen = OpenCarrier(carrier);
+      if (isOpen || m_find.isNull()) return BringToFront(m_parent);
+      BringToFront(*m_find);
     };
     m_find = new FrmFind(m_session, m_ports.dialogue,
                          {.passGate = [this] { return PassGate(); }, .open = open}, &m_parent);
