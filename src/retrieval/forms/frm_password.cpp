@@ -58,7 +58,7 @@ FrmPassword::FrmPassword(Session& session, Dialogue& dialogue, QWidget* parent)
   connect(Cmd_Ok, &QPushButton::clicked, this, [this] { Guarded(GetDialogue(), [this] { PressOk(); }); });
   connect(Cmd_Cancel, &QPushButton::clicked, this,
           [this] { Guarded(GetDialogue(), [this] { PressCancel(); }); });
-  setMinimumWidth(fontMetrics().averageCharWidth() * 64);
+  setMinimumWidth(fontMetrics().averageCharWidth() * 84);
   ShowStep(PasswordStep::Asking);
   txt_oldpass->setFocus();
 }
