@@ -8,6 +8,8 @@
 #include <QStyledItemDelegate>
 #include <algorithm>
 
+#include "formkit/layouts.h"
+
 namespace tarnel {
 
 namespace {
@@ -90,7 +92,8 @@ void FileTable::paintEvent(QPaintEvent* event) {
   QTreeView::paintEvent(event);
   if (m_emptyText.isEmpty() || (model() != nullptr && model()->rowCount() > 0)) return;
   QPainter painter(viewport());
-  painter.setPen(palette().color(QPalette::PlaceholderText));
+  painter.setPen(palette().color(QPalette::Text));
+  painter.setOpacity(kRemarkOpacity);
   painter.drawText(viewport()->rect().adjusted(8, 8, -8, -8),
                    Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, m_emptyText);
 }

@@ -1,10 +1,32 @@
 #include "formkit/layouts.h"
 
 #include <QLayout>
+#include <QPainter>
 #include <QSizePolicy>
 #include <algorithm>
 
 namespace tarnel {
+
+namespace {
+
+/// The colour for placeholders is black on black in palettes that don't set it.
+class RemarkLabel : public QLabel {
+ public:
+  using QLabel::QLabel;
+
+ protected:
+  void initPainter(QPainter* painter) const override {
+    QLabel::initPainter(painter);
+    painter->setOpacity(kRemarkOpacity);
+  }
+};
+
+void SetParagraph(QLabel& label) {
+  label.setWordWrap(true);
+  label.setTextFormat(Qt::PlainText);
+}
+
+}  // namespace
 
 void AddRow(QFormLayout& form, const QString& label, QWidget* control) {
   form.addRow(label, control);
@@ -14,14 +36,13 @@ void AddRow(QFormLayout& form, const QString& label, QWidget* control) {
 
 QLabel* Explanation(const QString& text) {
   auto* const label = new QLabel(text);
-  label->setWordWrap(true);
-  label->setTextFormat(Qt::PlainText);
+  SetParagraph(*label);
   return label;
 }
 
 QLabel* Hint(const QString& text) {
-  QLabel* const label = Explanation(text);
-  label->setForegroundRole(QPalette::PlaceholderText);
+  auto* const label = new RemarkLabel(text);
+  SetParagraph(*label);
   return label;
 }
 

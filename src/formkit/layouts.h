@@ -17,6 +17,9 @@ Widget* Named(Widget* widget, const char* name) {
 /// A row whose label names the control for screen readers and takes its access key.
 void AddRow(QFormLayout& form, const QString& label, QWidget* control);
 
+/// How strong a remark is beside the text around it, in any palette.
+inline constexpr double kRemarkOpacity = 0.65;
+
 /// A paragraph that wraps.
 QLabel* Explanation(const QString& text);
 
