@@ -182,16 +182,19 @@ TEST_F(SearchTest, ACancelAtAnyYieldKeepsWhatWasFoundAndTheNextSearchFindsTheRes
       .Hide({"c"}, theirs)
       .Hide({"d"}, theirs);
   request.subfolders = true;
-  Run();  // derives the keys
-  script.ForgetTranscript();
   const Strings all = Found();
   ASSERT_EQ(all.size(), 3u);
-  for (std::size_t n = script.Yields(); n > 0; --n) {
+  for (std::size_t n = 1;; ++n) {
     results = {};
     const std::size_t passed = script.Yields();
     std::size_t left = n;
     script.onYield = [&](std::size_t) { script.isCancelled = --left == 0 || script.isCancelled; };
-    EXPECT_EQ(Run().ending, SearchEnding::Cancelled) << n;
+    const SearchEnding ending = Run().ending;
+    if (!script.isCancelled) {  // it has yielded less often than this; how often depends on the disk
+      EXPECT_GT(n, 30u);
+      break;
+    }
+    EXPECT_EQ(ending, SearchEnding::Cancelled) << n;
     EXPECT_LE(script.Yields(), passed + n + 1) << "a cancel is seen at the next look";
     const Strings found = Listed();
     EXPECT_TRUE(std::equal(found.begin(), found.end(), all.begin()));
