@@ -115,13 +115,13 @@ std::optional<OpenedRecord> RecordOpener::Open(const RecordText& text) {
     if (!CipherKeyFits(offered.algorithm, front, TextForm::Base64, m_key)) continue;
     OpenedRecord record;
     record.algorithm = offered.algorithm;
-    if (m_damaged == m_mostDamaged) return record;
     const std::string whole =
         ReadFileSlice(m_carrier, text.begin,
                       std::min<Length>(text.linesEnd - text.begin + Length{kLineSize}, kRecordLimit));
-    const std::optional<FoundTrailer> trailer = TrailerOf(m_carrier, text);
-    OpenWhole(record, whole, LengthsOf(text, trailer), m_key);
-    m_damaged += record.isWhole ? 0 : 1;
+    std::vector<Length> lengths = LengthsOf(text, TrailerOf(m_carrier, text));
+    if (m_damaged == m_mostDamaged) lengths.resize(1);
+    OpenWhole(record, whole, lengths, m_key);
+    if (!record.isWhole && m_damaged < m_mostDamaged) ++m_damaged;
     return record;
   }
   return std::nullopt;

@@ -53,7 +53,7 @@ struct OpenedRecord {
 };
 
 /// Opens texts under a key. What a damaged record costs, a try with each length that it can have, is spent on
-/// 50,000 of a carrier at most: the others count as damaged at once.
+/// 50,000 of a carrier at most: the others are tried with the likeliest, under which a whole record opens.
 class RecordOpener {
  public:
   RecordOpener(File& carrier, const Key& key, int mostDamaged = 50'000)
