@@ -187,6 +187,9 @@ TEST_F(Verbs, ADamagedEntryIsNamedAndTheOthersComeOut) {
   EXPECT_EQ(bench.Get("out/good"), "good");
   EXPECT_FALSE(bench.Has("out/bad"));
   EXPECT_EQ(bench.Run("extract @carrier --to @out2 --on-error=abort"), 7);
+  bench.Put("out3/good/in the way", "");
+  EXPECT_EQ(bench.Run("extract @carrier --to @out3 --on-error=ignore"), 7) << bench.terminal.err;
+  EXPECT_THAT(bench.terminal.err, HasSubstr("good"));
 }
 
 TEST_F(Verbs, AHideoutWhoseChainIsBrokenIsReadAndSaysSo) {
@@ -424,8 +427,33 @@ TEST_F(Verbs, ABackupThatIsNotTheWholeCarrierIsNotPutBack) {
   }
 }
 
-TEST_F(Verbs, AskingForTheTrashIsTheConsent) {
+TEST_F(Verbs, WhatIsLeftToBeDoneByHandIsSaid) {
+  const Path carrier = bench.folder / "carrier";
+  for (const char* refused : {"Files.Rename", "Files.SyncFolder"}) {
+    FaultyFiles faulty(bench.posix);
+    faulty.Fail(
+        {.times = Times::FromThenOn, .counts = [&, hasBegun = false](const Operation& operation) mutable {
+           const bool isWrite = operation.name == "File.WriteAt" && operation.path == carrier;
+           return (hasBegun = hasBegun || isWrite) && (isWrite || operation.name == refused);
+         }});
+    bench.files = &faulty;
+    EXPECT_EQ(bench.Run("hide --new @carrier @other --no-input"), 1);
+    EXPECT_THAT(bench.terminal.err, HasSubstr("by hand")) << refused;
+    std::filesystem::remove(bench.folder / "carrier.bak");
+  }
+  FaultyFiles faulty(bench.posix);
+  faulty.Fail({.times = Times::FromThenOn, .counts = Calls("Files.Remove")});
+  bench.files = &faulty;
+  EXPECT_EQ(bench.Run("hide --new @carrier @other --on-error=ignore"), 3) << "the backup stays";
+}
+
+TEST_F(Verbs, AskingForTheTrashIsTheConsentAndDestructionIsAskedAbout) {
   bench.Put("a.txt", "content");
+  bench.terminal.canAsk = true;
+  bench.terminal.lines = {"n"};
+  EXPECT_EQ(bench.Run("hide --new @carrier @a.txt --originals=destroy"), 1);
+  EXPECT_EQ(bench.Get("carrier"), Pattern(1000));
+  bench.terminal.canAsk = false;
   ::setenv("XDG_DATA_HOME", (bench.folder / "data").c_str(), 1);
   EXPECT_EQ(bench.Run("hide --new @carrier @a.txt --originals=trash"), 0) << bench.terminal.err;
   ::unsetenv("XDG_DATA_HOME");
