@@ -111,6 +111,22 @@ TEST(CarrierCheck, NoticesWhateverIsDoneToTheCarrierAndReadsItAgainAtAYes) {
        {},
        asRead,
        "a"},
+      {"another file while we worked",
+       [](Bench& bench) {
+         Replace(bench.carrier);
+         bench.session.CarrierKeptItsBytes();
+       },
+       {{"carrier.changed", yes}},
+       again,
+       "a"},
+      {"as many bytes of another time while we worked",
+       [](Bench& bench) {
+         std::filesystem::last_write_time(bench.carrier, {});
+         bench.session.CarrierKeptItsBytes();
+       },
+       {{"carrier.changed", yes}},
+       again,
+       "a"},
       {"others' bytes while we worked",
        [](Bench& bench) {
          bench.Hide({"b"});

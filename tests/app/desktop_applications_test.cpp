@@ -29,7 +29,7 @@ TEST_F(DesktopApplicationsTest, TheUsersDefaultGoesBeforeWhatNamesTheType) {
   Put("all/applications/paint.desktop", "paint %f", "MimeType=image/png;image/gif;\n");
   Put("all/applications/kde/show.desktop", "show %U", "");
   Put("all/applications/edit.desktop", "edit %f", "MimeType=text/plain;\n");
-  Put("own/applications/edit.desktop", "edit %f", "Hidden=true\n");
+  Put("own/applications/edit.desktop", "edit %f", "Hidden=true\nMimeType=text/plain;\n");
   Put("all/applications/term.desktop", "term %f", "Terminal=true\nMimeType=text/x-c;\n");
   folder.Put("config/mimeapps.list", "[Default Applications]\nimage/gif=gone.desktop;kde-show.desktop\n");
   EXPECT_EQ(Default({"image/png"}), "paint");

@@ -20,6 +20,7 @@ TEST(ProgressRate, TellsRateAndRestAtMostFourTimesASecond) {
       {2000ms, 95, "95.0 MiB of 100.0 MiB, 47.5 MiB/s"},  // below a second
       {2100ms, 100, "100.0 MiB of 100.0 MiB, 47.6 MiB/s"},
       {3000ms, 0, "0 B of 100.0 MiB"},  // begun anew
+      {4000ms, 10, "10.0 MiB of 100.0 MiB, 10.0 MiB/s, about 9 s left"},
   };
   ProgressRate rate;
   const ProgressRate::Time start{};

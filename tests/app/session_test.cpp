@@ -11,6 +11,7 @@
 #include "app/instance_lock.h"
 #include "app/size_order.h"
 #include "tests/app/session_bench.h"
+#include "tests/support/faulty_files.h"
 
 namespace tarnel::test {
 namespace {
@@ -125,6 +126,9 @@ TEST(InstanceLock, IsHeldByOneAtATimeAndFreeAfterItOrWhereItCannotBe) {
   }
   EXPECT_FALSE(InstanceLock(posix, places).IsOtherRunning());
   EXPECT_FALSE(InstanceLock(posix, {places.front()}).IsOtherRunning());
+  FaultyFiles files(posix);
+  files.Fail({.counts = Calls("File.Lock")});
+  EXPECT_FALSE(InstanceLock(files, places).IsOtherRunning()) << "on a disk without locks";
 }
 
 TEST(InstanceLock, OneOfTwoThatStartAtTheSameMomentHasIt) {

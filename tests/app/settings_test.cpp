@@ -130,6 +130,9 @@ TEST_F(SettingsTest, SavingKeepsWhatOthersDidToTheFile) {
   EXPECT_TRUE(std::filesystem::is_symlink(link));
   EXPECT_EQ(ReadAll(real), "[option]\nTabs=1\n[options]\nSize=0\n");
   EXPECT_FALSE(linked.Find("StepbyStep", "Show")) << "removed by hand";
+  WriteAll(real, "[option]\nTabs=2\n");
+  linked.Save();
+  EXPECT_EQ(linked.Get("option", "Tabs", ""), "2") << "a change is made once";
 }
 
 TEST_F(SettingsTest, WhatCannotBeReadIsNotReplaced) {

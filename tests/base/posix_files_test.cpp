@@ -149,6 +149,10 @@ TEST_F(PosixFilesTest, RenameNoReplaceReplacesNothingAlsoWhereThePlatformCantDoI
       EXPECT_EQ(place.Names().size(), 8U);
       EXPECT_FALSE(posix.Stat(place / from, Files::Links::DontFollow)) << from;
       EXPECT_EQ(NumberOf([&] { rename(place / from, place / "other"); }), ErrorNumber::FileNotFound);
+      if (posix.Stat(place / "dir")) {
+        EXPECT_ANY_THROW(rename(place / "dir", place / "dir/below itself"));
+        EXPECT_FALSE(posix.Stat(place / "dir/below itself"));
+      }
     }
   }
 }

@@ -93,6 +93,8 @@ TEST_F(Dialogues, RetryIsTriedThreeTimesForOneErrorAndThenAborts) {
   }
   EXPECT_EQ(talk->Ask(Failing("cannot b")), Answer::Abort);
   EXPECT_EQ(talk->LastFailure().Code(), ExitCode::NoSpace);
+  terminal.isCancelled = true;
+  EXPECT_EQ(talk->Ask(Failing("cannot c")), Answer::Abort) << "nothing is tried again after Ctrl+C";
 }
 
 TEST_F(Dialogues, AnErrorThatWasAbortedIsNotAskedAgain) {

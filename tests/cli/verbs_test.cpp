@@ -107,6 +107,7 @@ TEST_F(Verbs, EntriesAreNamedAsPeopleNameThem) {
       {"/Pics//sub /Pics/a*", all},
       {"Pics/*", all},
       {"*ics --exclude=Pics", {}},
+      {"P*/b", {}},
       {"Pics --exclude sub --exclude *.b", {"Pics", "Pics/a"}},
       {"Pics/a", {"Pics", "Pics/a"}},
       {"Pics/sub/ Pics2/[c]", {"Pics", "Pics/sub", "Pics/sub/b", "Pics2", "Pics2/c"}},
@@ -158,6 +159,7 @@ TEST_F(Verbs, OfSeveralVersionsTheNewestIsTakenAndOthersCanBe) {
   EXPECT_EQ(bench.Get("first/a.txt"), "old");
   EXPECT_EQ(bench.Run("extract @carrier #2 --to -"), 0);
   EXPECT_EQ(bench.terminal.out, "newer");
+  EXPECT_EQ(bench.Run("extract @carrier #3 --to -"), 0);
   EXPECT_EQ(bench.Run("delete @carrier a.txt --dry-run"), 0);
   EXPECT_EQ(bench.Run("delete @carrier a.txt"), 0);
   EXPECT_THAT(bench.terminal.err, HasSubstr("3 entries deleted")) << bench.terminal.err;
@@ -187,6 +189,10 @@ TEST_F(Verbs, ADamagedEntryIsNamedAndTheOthersComeOut) {
   EXPECT_EQ(bench.Get("out/good"), "good");
   EXPECT_FALSE(bench.Has("out/bad"));
   EXPECT_EQ(bench.Run("extract @carrier --to @out2 --on-error=abort"), 7);
+  bench.Put("out3/good/in the way", "");
+  EXPECT_EQ(bench.Run("extract @carrier --to @out3 --on-error=ignore"), 7) << bench.terminal.err;
+  EXPECT_THAT(bench.terminal.err, HasSubstr("good"));
+  EXPECT_EQ(bench.Run("passwd @carrier --new-password-file @other --on-error=ignore"), 7);
 }
 
 TEST_F(Verbs, AHideoutWhoseChainIsBrokenIsReadAndSaysSo) {
@@ -252,6 +258,9 @@ TEST_F(Verbs, EachFailureHasItsCode) {
     EXPECT_THAT(bench.terminal.err, HasSubstr("\"code\":" + std::to_string(code))) << line;
     EXPECT_EQ(bench.Json().at("error").at("code"), code) << line;
   }
+  bench.terminal.isCancelled = true;
+  for (const char* line : {"verify @carrier @missing", "recover @carrier"})
+    EXPECT_EQ(bench.Run(line), 130) << line;
 }
 
 TEST_F(Verbs, AFolderThatIsHiddenInPartSaysSoAndStays) {
@@ -283,12 +292,17 @@ TEST_F(Verbs, AWrongPasswordMakesNoSecondHideoutUnasked) {
 TEST_F(Verbs, ABusyCarrierIsLeftAlone) {
   Hide("@other");
   const auto held = OpenLocked(bench.folder / "carrier", bench.posix);
-  for (const char* line : {"hide --new @carrier @other", "delete @carrier other",
-                           "update @carrier other @other", "passwd @carrier --new-password-file @other"}) {
+  for (const char* line :
+       {"hide --new @carrier @other", "delete @carrier other", "update @carrier other @other",
+        "recover @carrier", "passwd @carrier --new-password-file @other"}) {
     EXPECT_EQ(bench.Run(line), 8) << line;
   }
   EXPECT_EQ(bench.Run("list @carrier"), 0);
   EXPECT_EQ(bench.Run("verify @carrier --password-file @other"), 8) << "it may be in the middle of a hide";
+  std::string bytes = bench.Get("carrier");
+  bytes.at(1010) = static_cast<char>(bytes.at(1010) ^ 1);
+  bench.Put("carrier", bytes);
+  EXPECT_EQ(bench.Run("verify @carrier"), 8) << "it may be in the middle of a hide";
 }
 
 TEST_F(Verbs, ALeftoverBesideTheCarrierIsNeverReplacedUnasked) {
@@ -340,6 +354,11 @@ TEST_F(Verbs, SearchFindsTheCarriersThatOpen) {
   EXPECT_EQ(bench.Json().at("carriers").at(0).at("algorithm"), "DES");
   EXPECT_EQ(bench.Run("search @pics --password-file @other"), 0) << "nothing found is an answer";
   EXPECT_EQ(bench.terminal.out, "");
+  ASSERT_EQ(bench.Run("hide --new @pics/two.png @key --password-file @other"), 0);
+  for (const char* depth : {"", " --newest-only"}) {
+    EXPECT_EQ(bench.Run(std::string("search @pics") + depth), 0);
+    EXPECT_EQ(bench.terminal.out.empty(), *depth != '\0') << "another hideout is the newest";
+  }
 }
 
 TEST_F(Verbs, AFileThatCannotBeReadIsNoWrongPassword) {
@@ -424,10 +443,39 @@ TEST_F(Verbs, ABackupThatIsNotTheWholeCarrierIsNotPutBack) {
   }
 }
 
-TEST_F(Verbs, AskingForTheTrashIsTheConsent) {
+TEST_F(Verbs, WhatIsLeftToBeDoneByHandIsSaid) {
+  const Path carrier = bench.folder / "carrier";
+  for (const char* refused : {"Files.Rename", "Files.SyncFolder"}) {
+    FaultyFiles faulty(bench.posix);
+    faulty.Fail(
+        {.times = Times::FromThenOn, .counts = [&, hasBegun = false](const Operation& operation) mutable {
+           const bool isWrite = operation.name == "File.WriteAt" && operation.path == carrier;
+           return (hasBegun = hasBegun || isWrite) && (isWrite || operation.name == refused);
+         }});
+    bench.files = &faulty;
+    EXPECT_EQ(bench.Run("hide --new @carrier @other --no-input"), 1);
+    EXPECT_THAT(bench.terminal.err, HasSubstr("by hand")) << refused;
+    std::filesystem::remove(bench.folder / "carrier.bak");
+  }
+  FaultyFiles faulty(bench.posix);
+  faulty.Fail({.times = Times::FromThenOn, .counts = Calls("Files.Remove")});
+  bench.files = &faulty;
+  EXPECT_EQ(bench.Run("hide --new @carrier @other --on-error=ignore"), 3) << "the backup stays";
+}
+
+TEST_F(Verbs, AskingForTheTrashIsTheConsentAndDestructionIsAskedAbout) {
   bench.Put("a.txt", "content");
+  bench.terminal.canAsk = true;
+  bench.terminal.lines = {"n"};
+  EXPECT_EQ(bench.Run("hide --new @carrier @a.txt --originals=destroy"), 1);
+  EXPECT_EQ(bench.Get("carrier"), Pattern(1000));
+  bench.terminal.canAsk = false;
   ::setenv("XDG_DATA_HOME", (bench.folder / "data").c_str(), 1);
-  EXPECT_EQ(bench.Run("hide --new @carrier @a.txt --originals=trash"), 0) << bench.terminal.err;
+  bench.Put("in/kept.tmp", "");
+  bench.Put("in/b.txt", "");
+  EXPECT_EQ(bench.Run("hide --new @carrier @a.txt @in --originals=trash --exclude *.tmp"), 0)
+      << bench.terminal.err;
+  EXPECT_TRUE(bench.Has("in/kept.tmp") && !bench.Has("in/b.txt"));
   ::unsetenv("XDG_DATA_HOME");
   EXPECT_EQ(bench.Get("data/Trash/files/a.txt"), "content");
 }

@@ -173,6 +173,20 @@ TEST_F(SearchTest, LinksLeadToOtherFoldersButNeverInCirclesOrToOneFolderTwice) {
   EXPECT_EQ(Found(), (Strings{"file.png", "a/near.png", "1/far.png"}));
 }
 
+TEST_F(SearchTest, FoldersOfOneNumberOnTwoVolumesAreTwo) {
+  struct : PosixFiles {
+    std::optional<FileStat> Stat(const Path& path, Links links) override {
+      auto stat = PosixFiles::Stat(path, links);
+      if (stat && stat->kind == FileKind::Folder) stat->device = std::exchange(stat->inode, 2);
+      return stat;
+    }
+  } roots;
+  Carrier("mounted/a.png");
+  request.subfolders = true;
+  Reading onTwo{roots, catalogue, guards, current};
+  EXPECT_EQ(SearchFolder(request, results, onTwo, person).found, 1u);
+}
+
 TEST_F(SearchTest, ACancelAtAnyYieldKeepsWhatWasFoundAndTheNextSearchFindsTheRest) {
   Carrier("a.png")
       .Carrier("b.png", {"secret", Algorithm::Twofish})

@@ -292,6 +292,24 @@ TEST_F(DirectoryTreeTest, ARemovableDriveIsTouchedOnlyWhenOpened) {
   EXPECT_TRUE(rows.Agrees(tree.Top()));
 }
 
+TEST_F(DirectoryTreeTest, AFolderUnderAnotherVolumeIsReadAndWatchedAnewAndDrivesStandInTheirOrder) {
+  DirectoryNode& letters = *Open("home/Desktop/letters");
+  std::filesystem::rename(temp / "home/Desktop/letters", temp / "under");
+  Make("home/Desktop/letters/photos");
+  inotify.Take();
+  survey.mountPoints = {temp / "home/Desktop/letters"};
+  survey.drives.push_back({.root = temp / "share", .kind = DriveKind::Remote, .label = ""});
+  tree.RefreshDrives();
+  Make("home/Desktop/letters/films");
+  Settle();
+  ASSERT_EQ(letters.children.size(), 2U);
+  EXPECT_EQ(letters.children[1]->name, "photos");
+  std::swap(survey.drives[0], survey.drives[1]);
+  tree.RefreshDrives();
+  EXPECT_EQ(Drive().name, temp / "share/");
+  EXPECT_TRUE(rows.Agrees(tree.Top()));
+}
+
 TEST_F(DirectoryTreeTest, EveryFailureLeavesATreeThatAgreesWithItsRows) {
   for (std::size_t k = 1; k < 40; ++k) {
     files.Fail({.at = k});
