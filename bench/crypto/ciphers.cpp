@@ -148,7 +148,7 @@ void Compress(benchmark::State& state) {
   std::vector<std::uint8_t> piece(64 * 1024);
   for (auto _ : state) {
     BufferSource source(plain);
-    CompressingSource compressing(source, kLength, static_cast<int>(state.range(0)),
+    CompressingSource compressing(source, kLength, static_cast<int>(state.range(0)), nullptr,
                                   static_cast<std::size_t>(state.range(1)));
     while (compressing.Read(piece) != 0)
       continue;

@@ -102,7 +102,9 @@ std::vector<std::string> SentencesOf(const ChainFaults& faults) {
     sentences.push_back(subject + " is damaged: " + entry.fault);
   }
   if (faults.notNoted > 0)
-    sentences.push_back(std::to_string(faults.notNoted) + " further entries are damaged");
+    sentences.push_back(std::to_string(faults.notNoted) + (faults.notNoted == 1
+                                                               ? " further entry is damaged"
+                                                               : " further entries are damaged"));
   if (faults.brokenAt)
     sentences.push_back("the chain of entries is broken at byte " + std::to_string(faults.brokenAt->value) +
                         ": a length there is damaged, and what lies in the " +

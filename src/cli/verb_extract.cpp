@@ -122,7 +122,8 @@ ExitCode ToFolder(Workbench& bench, const ExtractOptions& options, const Rows& c
   if (result.ending == ExtractEnding::Aborted) throw around.talk.LastFailure();
   if (result.ending == ExtractEnding::Cancelled) {
     throw CliFailure(ExitCode::Cancelled,
-                     "cancelled after " + std::to_string(result.extracted) + " extracted files");
+                     "cancelled after " + std::to_string(result.extracted) +
+                         (result.extracted == 1 ? " extracted file" : " extracted files"));
   }
   Report(options, result, around);
   return bench.CodeOfReading(CodeOf(result));

@@ -195,7 +195,7 @@ void HideVerb::CheckEnding() {
       SayWhatIsNotHidden();
       throw CliFailure(ExitCode::NoSpace, "not enough free space; " + std::to_string(m_result.hidden) +
                                               " of " + std::to_string(m_choice.Rows().size()) +
-                                              " files were hidden, and all originals are in place");
+                                              " files hidden, and all originals are in place");
     case HideEnding::TooLarge:
       throw CliFailure(ExitCode::Failed, "the carrier would become too large; it is as it was");
     case HideEnding::Aborted:

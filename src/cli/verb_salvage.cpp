@@ -32,7 +32,9 @@ void Report(const SalvageOptions& options, const SalvageResult& result, Surround
   for (const EntryFault& entry : result.leftOut)
     around.messages.Warn("left out: " + LineOf(entry));
   if (result.notNoted > 0)
-    around.messages.Warn(std::to_string(result.notNoted) + " further entries are damaged or left out");
+    around.messages.Warn(std::to_string(result.notNoted) +
+                         (result.notNoted == 1 ? " further entry is" : " further entries are") +
+                         " damaged or left out");
   PutBytes(around.report, "target", options.target);
   around.report["salvaged"] = result.salvaged;
   around.report["damaged"] = JsonOf(result.damaged);
@@ -61,8 +63,8 @@ ExitCode RunVerb(const SalvageOptions& options, Surroundings& around) {
   around.talk.Progress().Clear();
   if (result.ending == SalvageEnding::Aborted) throw around.talk.LastFailure();
   if (result.ending == SalvageEnding::Cancelled) {
-    throw CliFailure(ExitCode::Cancelled,
-                     "cancelled after " + std::to_string(result.salvaged) + " salvaged files");
+    throw CliFailure(ExitCode::Cancelled, "cancelled after " + std::to_string(result.salvaged) +
+                                              (result.salvaged == 1 ? " salvaged file" : " salvaged files"));
   }
   if (result.found == 0) {
     RefuseBusy(bench.Carrier(), around.files);

@@ -7,10 +7,12 @@
 #include <exception>
 #include <limits>
 #include <new>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "base/error.h"
+#include "base/pace.h"
 #include "base/secret.h"
 #include "crypto/compressed_stretch.h"
 
@@ -20,6 +22,11 @@ namespace {
 constexpr std::size_t kPiece = std::size_t{64} * 1024;
 constexpr std::size_t kStretch = 8 * kPiece;
 constexpr std::size_t kSizeBytes = 4;
+
+std::size_t Threads(Length size, const Dialogue* waiting, std::size_t workers) {
+  if (size <= static_cast<Length>(waiting == nullptr ? kStretch : kPiece)) return 0;
+  return waiting == nullptr ? workers : std::max<std::size_t>(workers, 1);
+}
 
 void SetInput(z_stream& stream, Bytes bytes) {
   stream.next_in = const_cast<Bytef*>(bytes.data());  // zlib reads only, whatever its type says
@@ -38,13 +45,14 @@ Error FileChanged() {
 }  // namespace
 
 struct CompressingSource::State {
-  State(ByteSource& source, Length size, int theLevel, std::size_t workers);
+  State(ByteSource& source, Length size, int theLevel, Dialogue* waiting, std::size_t workers);
 
   Bytes Next();
   Bytes Head();
   Bytes NextStretch();
   Bytes Checksum();
   void PutStretch();
+  void TakeStretch();
   void ReadStretch(WipedBytes& into);
   void ExpectEnd();
   void Compress(std::size_t worker, std::size_t item);
@@ -60,6 +68,7 @@ struct CompressingSource::State {
   ByteSource& plain;
   Length remaining;
   const int level;
+  std::optional<Pace> pace;
   Phase phase;
   std::array<std::uint8_t, kSizeBytes + 2> edge{};  ///< what stands before or behind the stretches
   Bytes pending;                                    ///< of what comes out
@@ -72,10 +81,12 @@ struct CompressingSource::State {
   WorkLine line;                                                ///< at the end, as it has to go first
 };
 
-CompressingSource::State::State(ByteSource& source, Length size, int theLevel, std::size_t workers)
+CompressingSource::State::State(ByteSource& source, Length size, int theLevel, Dialogue* waiting,
+                                std::size_t workers)
     : plain(source),
       remaining(size),
       level(theLevel == Z_DEFAULT_COMPRESSION ? kPresetCompressionLevel : theLevel),
+      pace(waiting == nullptr ? std::nullopt : std::optional<Pace>(*waiting)),
       phase(size == 0 ? Phase::Done : Phase::Head),
       parts(workers == 0 ? 1 : workers + 2),
       compressors(workers + 1),
@@ -116,7 +127,7 @@ Bytes CompressingSource::State::NextStretch() {
   while (remaining != 0 && !readError && put - taken < parts.size())
     PutStretch();
   if (taken == put) std::rethrow_exception(readError);
-  line.Take();
+  TakeStretch();
   const Part& part = parts[taken++ % parts.size()];
   checksum = adler32_combine(checksum, part.checksum, static_cast<z_off_t>(part.plain.size()));
   if (part.stretch == Stretch::Last) phase = Phase::Checksum;
@@ -140,6 +151,12 @@ void CompressingSource::State::PutStretch() {
   part.stretch = remaining == 0 ? Stretch::Last : Stretch::Inner;
   line.Put();
   ++put;
+}
+
+void CompressingSource::State::TakeStretch() {
+  if (!pace) return line.Take();
+  line.Take([this] { pace->Step(); });
+  pace->Step();
 }
 
 void CompressingSource::State::ReadStretch(WipedBytes& into) {
@@ -167,10 +184,10 @@ void CompressingSource::State::Compress(std::size_t worker, std::size_t item) {
   part.checksum = adler32(adler32(0, nullptr, 0), part.plain.data(), static_cast<uInt>(part.plain.size()));
 }
 
-CompressingSource::CompressingSource(ByteSource& plain, Length size, int level, std::size_t workers)
+CompressingSource::CompressingSource(ByteSource& plain, Length size, int level, Dialogue* waiting,
+                                     std::size_t workers)
     : m_isEmpty(size == 0),
-      m_state(
-          std::make_unique<State>(plain, size, level, size <= static_cast<Length>(kStretch) ? 0 : workers)) {}
+      m_state(std::make_unique<State>(plain, size, level, waiting, Threads(size, waiting, workers))) {}
 
 CompressingSource::~CompressingSource() = default;
 

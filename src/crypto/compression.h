@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "base/bytes.h"
+#include "base/dialogue.h"
 #include "base/files.h"
 #include "crypto/work_line.h"
 
@@ -17,12 +18,14 @@ inline constexpr int kPresetCompressionLevel = 6;
 
 /// A source that delivers the compressed form of `plain`, which has `size` bytes. Level 0 to 9, or -1 for 6.
 /// The stream is made of stretches of half a mebibyte, which up to `workers` threads compress side by side
-/// while it reads ahead; the bytes are the same with any number. Throws Error: InvalidPropertyValue from the
-/// constructor for any other level and for a size of 2 GiB or more; DeviceIo from Read when `plain` ends
-/// before `size` bytes or has more, for then the file changed.
+/// while it reads ahead; the bytes are the same with any number. A stretch of some texts takes half a second,
+/// so `waiting` gets a yield at least every 100 ms; for its sake more than 64 KiB have one thread at least.
+/// Throws Error: InvalidPropertyValue from the constructor for any other level and for a size of 2 GiB or
+/// more; DeviceIo from Read when `plain` ends before `size` bytes or has more, for then the file changed.
 class CompressingSource : public ByteSource {
  public:
-  CompressingSource(ByteSource& plain, Length size, int level, std::size_t workers = WorkerLimit());
+  CompressingSource(ByteSource& plain, Length size, int level, Dialogue* waiting = nullptr,
+                    std::size_t workers = WorkerLimit());
   ~CompressingSource() override;
   std::size_t Read(MutableBytes into) override;
 

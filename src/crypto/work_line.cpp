@@ -3,6 +3,7 @@
 #include <sched.h>
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <system_error>
 #include <utility>
@@ -66,10 +67,16 @@ void WorkLine::Put() {
   Perform(m_workers, lock);
 }
 
-void WorkLine::Take() {
+void WorkLine::Take(const std::function<void()>& meanwhile) {
   std::unique_lock lock(m_mutex);
   Outcome& outcome = OutcomeOf(m_taken);
-  m_isDone.wait(lock, [&] { return outcome.isDone; });
+  const auto isDone = [&] { return outcome.isDone; };
+  while (meanwhile && !m_isDone.wait_for(lock, std::chrono::milliseconds(20), isDone)) {
+    lock.unlock();
+    meanwhile();
+    lock.lock();
+  }
+  m_isDone.wait(lock, isDone);
   ++m_taken;
   if (const std::exception_ptr error = std::exchange(outcome.error, nullptr)) std::rethrow_exception(error);
 }

@@ -35,8 +35,9 @@ class WorkLine {
 
   /// The next item goes in.
   void Put();
-  /// The oldest item comes out, as soon as it is done. Throws what its work threw.
-  void Take();
+  /// The oldest item comes out, as soon as it is done; until then `meanwhile` runs every 20 ms. Throws what
+  /// its work threw.
+  void Take(const std::function<void()>& meanwhile = nullptr);
 
  private:
   struct Outcome {

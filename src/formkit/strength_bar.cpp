@@ -39,7 +39,6 @@ StrengthBar::StrengthBar(PasswordField& field, Dialogue& dialogue, QWidget* pare
   m_word->setMinimumWidth(fontMetrics().horizontalAdvance(Capital(WordOf(Strength::Strong))) +
                           fontMetrics().averageCharWidth());
   auto* const propose = Named(new QPushButton(tr("Random &words")), "Cmd_Propose");
-  propose->setAutoDefault(false);
   propose->setToolTip(tr("Puts six random words into the field and shows them"));
   auto* const layout = new QHBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);

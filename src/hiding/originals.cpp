@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "base/destruction.h"
@@ -17,6 +18,12 @@ bool IsOnOrBelow(const Path& path, const Path& folder) {
   const std::string& below = folder.native();
   if (!path.native().starts_with(below)) return false;
   return path.native().size() == below.size() || below.ends_with('/') || path.native()[below.size()] == '/';
+}
+
+bool IsOnOrBelowAny(std::string_view path, const std::set<std::string_view>& folders) {
+  while (!path.empty() && !folders.contains(path))
+    path = path.substr(0, std::min(path.rfind('/'), path.size() - 1));
+  return !path.empty();
 }
 
 }  // namespace
@@ -58,11 +65,19 @@ bool OriginalsRemoval::IsReadBack(std::size_t row) const {
                             [](const RowReadBack& a, const RowReadBack& b) { return a.row < b.row; });
 }
 
+/// The trash takes what was chosen last. Rows from elsewhere stay, and the person who asked for the trash has
+/// to hear that too.
 void OriginalsRemoval::NoteWhatShouldGo() {
   m_shouldGo.clear();
   const bool isTrash = m_request.originals == Originals::Trash;
-  for (const std::size_t row : m_hidden)
-    if (!isTrash || !IsReadBack(row)) NoteFile(m_request.rows[row].source);
+  std::set<std::string_view> going;
+  if (isTrash)
+    for (const Path& path : m_request.chosen)
+      going.insert(path.native());
+  for (const std::size_t row : m_hidden) {
+    const Path& source = m_request.rows[row].source;
+    if (!IsReadBack(row) || !IsOnOrBelowAny(source.native(), going)) NoteFile(source);
+  }
   if (isTrash) m_shouldGo.insert(m_shouldGo.end(), m_request.chosen.begin(), m_request.chosen.end());
 }
 

@@ -21,6 +21,10 @@ void AddPaths(Question& report, const char* what, const std::vector<Path>& paths
     report.list.push_back(what + Printable(path.native()));
 }
 
+std::string CountOfFiles(std::size_t count) {
+  return std::to_string(count) + (count == 1 ? " file is" : " files are");
+}
+
 }  // namespace
 
 Question HideErrorQuestion(const Error& error) {
@@ -103,14 +107,14 @@ std::optional<Question> HideReport(const HideResult& result, const Path& carrier
   Question report = Report("hide.report", "Not everything was done as it was asked for:", Icon::Information);
   if (result.ending == HideEnding::NoSpace)
     report = Report("hide.report",
-                    "The disk is full. " + std::to_string(result.hidden) + " files are hidden in " + name +
+                    "The disk is full. " + CountOfFiles(result.hidden) + " hidden in " + name +
                         "; all originals are in place.",
                     Icon::Critical);
   if (result.ending == HideEnding::Aborted)
     report = Report(
         "hide.report",
         result.isComplete
-            ? "The files are hidden in " + name + ", but what was to follow was aborted."
+            ? CountOfFiles(result.hidden) + " hidden in " + name + ", but what was to follow was aborted."
             : "Hiding was aborted." + (result.backup.empty() ? " " + name + " is as it was." : std::string()),
         Icon::Critical);
   if (!result.backup.empty()) {

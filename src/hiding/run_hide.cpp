@@ -293,7 +293,7 @@ void HideRun::EncryptPayload(SourceFile& source, ByteSink& payload) {
     CipherEncryptFile(m_hideout.CurrentAlgorithmId, plain, payload, m_hideout.CurrentPassword, secondKey);
   };
   if (!Compresses()) return encrypt(source);
-  CompressingSource compressed(source, source.Size(), m_request.compressionLevel);
+  CompressingSource compressed(source, source.Size(), m_request.compressionLevel, &m_screen);
   encrypt(compressed);
 }
 
@@ -334,7 +334,7 @@ void HideRun::WaitForSpace(Length required) {
 
 Length HideRun::CompressedPayload(SourceFile& source) {
   source.Rewind();
-  CompressingSource compressed(source, source.Size(), m_request.compressionLevel);
+  CompressingSource compressed(source, source.Size(), m_request.compressionLevel, &m_screen);
   std::array<std::uint8_t, kCopyBlock> block;
   Length size = kFileCipherOverhead;
   while (const std::size_t got = compressed.Read(block))

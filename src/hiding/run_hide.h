@@ -78,9 +78,10 @@ enum class HideEnding {
 
 struct HideResult {
   HideEnding ending = HideEnding::Done;
-  std::size_t hidden = 0;           ///< entries that stand in the carrier now
-  std::vector<Path> leftOut;        ///< rows passed over by Ignore; their originals stay
-  std::vector<Path> originalsLeft;  ///< originals that should have gone and are still there
+  std::size_t hidden = 0;     ///< entries that stand in the carrier now
+  std::vector<Path> leftOut;  ///< rows passed over by Ignore; their originals stay
+  /// Originals that should have gone and are still there; with Trash also those that were never chosen to go.
+  std::vector<Path> originalsLeft;
   /// All that is hidden is on the medium, and what was left to do is no matter of the carrier's contents: its
   /// mode, the backup's removal, the originals, of which some may be gone. An Abort then undoes nothing, and
   /// the old carrier is no way back any more.

@@ -120,7 +120,7 @@ void Update::WritePayload(File& preview, Length size, PayloadSink& sink) {
                       m_reading.current.SecondKey);
   };
   if (m_level > 0) {
-    CompressingSource compressed(*blocks, size, m_level);
+    CompressingSource compressed(*blocks, size, m_level, &m_screen);
     encrypt(compressed);
   } else {
     encrypt(*blocks);

@@ -21,7 +21,8 @@ constexpr std::size_t kStretch = 8 * kPiece;
 std::string Compress(std::string_view plain, int level, std::optional<Length> size = {},
                      std::size_t workers = 2) {
   MemorySource source(plain);
-  CompressingSource compressing(source, size.value_or(static_cast<Length>(plain.size())), level, workers);
+  CompressingSource compressing(source, size.value_or(static_cast<Length>(plain.size())), level, nullptr,
+                                workers);
   std::vector<std::uint8_t> block(999);
   std::string form;
   while (const std::size_t got = compressing.Read(block))
@@ -88,7 +89,7 @@ TEST(Compression, AFaultOfTheSourceComesBehindAllStretchesThatWereReadBeforeIt) 
     std::vector<std::string> fronts;
     for (const std::size_t workers : {0U, 2U, 8U}) {
       MemorySource source(plain.substr(missing));
-      CompressingSource compressing(source, static_cast<Length>(plain.size()), 6, workers);
+      CompressingSource compressing(source, static_cast<Length>(plain.size()), 6, nullptr, workers);
       std::string& front = fronts.emplace_back();
       std::vector<std::uint8_t> byte(1);
       EXPECT_THROW(

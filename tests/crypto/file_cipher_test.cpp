@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <future>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -164,6 +165,17 @@ TEST(WorkLine, HandsOutInOrderWhatComesInAndThrowsWhatTheWorkThrew) {
       line.Put();
     }
   }
+}
+
+TEST(WorkLine, LetsTheCallerLiveWhileItWaits) {
+  std::promise<void> caller;
+  WorkLine line(1, 1, [&](std::size_t, std::size_t) { caller.get_future().wait(); });
+  line.Put();
+  int calls = 0;
+  line.Take([&] {
+    if (++calls == 2) caller.set_value();
+  });
+  EXPECT_GE(calls, 2);
 }
 
 }  // namespace

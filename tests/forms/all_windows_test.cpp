@@ -10,6 +10,7 @@
 #include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QPointer>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QScrollBar>
 #include <QStackedWidget>
@@ -154,6 +155,9 @@ void ExaminePage(QWidget& window) {
     EXPECT_TRUE(isTabBar || (spoken != nullptr && !spoken->text(QAccessible::Name).isEmpty()))
         << "has no name";
     EXPECT_TRUE(!widget->isEnabled() || IsReached(*widget, reached)) << "is not reached by Tab";
+    const auto* const button = qobject_cast<const QPushButton*>(widget);
+    const bool hearsEnter = button == nullptr || button->autoDefault() || !window.inherits("QDialog");
+    EXPECT_TRUE(hearsEnter) << "is not pressed by Enter";
   }
   ExpectMnemonicsOnce(captions);
 }

@@ -207,6 +207,11 @@ TEST(HideReport, SaysWhichFileIsIntactAndWhatWasLeft) {
   result.leftOut = {"/a"};
   result.originalsLeft = {"/b"};
   EXPECT_EQ(HideReport(result, "/c.png")->list, (Strings{"not hidden: /a", "original still there: /b"}));
+  result.ending = HideEnding::NoSpace;
+  for (const auto& [hidden, words] : {std::pair(0U, "0 files are hidden"), {1U, "1 file is hidden"}}) {
+    result.hidden = hidden;
+    EXPECT_NE(HideReport(result, "/c.png")->text.find(words), std::string::npos);
+  }
 }
 
 }  // namespace tarnel::test

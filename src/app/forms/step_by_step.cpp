@@ -36,7 +36,6 @@ QLabel* MakeTitle() {
 QPushButton* MakeArrow(const QString& spoken) {
   auto* const arrow = new QPushButton;
   arrow->setAccessibleName(spoken);
-  arrow->setAutoDefault(false);
   KeepPlaceWhenHidden(*arrow);
   return arrow;
 }
@@ -60,6 +59,7 @@ StepbyStep::StepbyStep(Session& session, QWidget* parent) : QDialog(parent), m_s
   layout->addWidget(m_title);
   layout->addWidget(m_pages, 1);
   layout->addWidget(MakeFoot());
+  findChild<QPushButton*>(QStringLiteral("Cmd_Ok"))->setDefault(true);  // now that it belongs to the window
   resize(QSize(fontMetrics().averageCharWidth() * 90, fontMetrics().height() * 30).expandedTo(sizeHint()));
   connect(new QShortcut(Qt::Key_Right, this), &QShortcut::activated, this, [this] {
     if (m_guide.Forward().kind == GuideControl::Kind::Arrow) Turn(&m_guide.Forward());
@@ -79,11 +79,9 @@ QWidget* StepbyStep::MakeFoot() {
   m_back = MakeArrow(tr("Previous page"));
   m_forward = MakeArrow(tr("Next page"));
   m_link = new GuideLink;
-  m_link->setAutoDefault(false);
   m_number = Named(new QLabel, "Number");
   m_notAgain = Named(new QCheckBox(tr("Don't show this window again.")), "Check1");
   auto* const ok = Named(new QPushButton(tr("OK")), "Cmd_Ok");
-  ok->setAutoDefault(false);
   connect(m_back, &QPushButton::clicked, this, [this] { Turn(m_guide.Back()); });
   for (const QPushButton* const way : {m_forward, m_link})
     connect(way, &QPushButton::clicked, this, [this] { Turn(&m_guide.Forward()); });

@@ -27,9 +27,7 @@ constexpr int kLeastTree = 1000 / kTwips;
 constexpr int kLeastList = 500 / kTwips;
 
 QPushButton* Button(const QString& caption, const char* name) {
-  auto* const button = Named(new QPushButton(caption), name);
-  button->setAutoDefault(false);
-  return button;
+  return Named(new QPushButton(caption), name);
 }
 
 void AddLabelled(QFormLayout& form, const QString& caption, QLabel* value, const char* name) {

@@ -63,7 +63,6 @@ QWidget* FrmCarrierFile::MakeFrame() {
   m_carrier->setAccessibleName(tr("Carrier file"));
   m_carrier->setMinimumWidth(fontMetrics().averageCharWidth() * 36);
   m_browse = Named(new QPushButton(tr("Browse")), "BrowseCmd");
-  m_browse->setAutoDefault(false);
 
   auto* const grid = new QGridLayout(frame);
   grid->addWidget(picture, 0, 0, 2, 1, Qt::AlignTop);

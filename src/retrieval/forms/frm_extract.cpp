@@ -66,7 +66,6 @@ QWidget* FrmExtract::MakeFrame1() {
   auto* const frame = Named(new QGroupBox(tr("Select the target folder")), "Frame1");
   m_newFolder = Named(new QPushButton(tr("&Folder...")), "Command1");
   m_newFolder->setToolTip(tr("Makes a folder in the selected one"));
-  m_newFolder->setAutoDefault(false);
   m_extractTo = Named(new PathField, "Txt_ExtractTo");
   auto* const form = new QFormLayout;
   form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);

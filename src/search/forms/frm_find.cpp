@@ -39,9 +39,7 @@ QString Shown(std::string_view text) {
 }
 
 QPushButton* Button(const QString& caption, const char* name) {
-  auto* const button = Named(new QPushButton(caption), name);
-  button->setAutoDefault(false);
-  return button;
+  return Named(new QPushButton(caption), name);
 }
 
 void ExplainDepth(QCheckBox& box) {
@@ -113,6 +111,7 @@ FrmFind::FrmFind(Session& session, Dialogue& dialogue, Ports ports, std::unique_
   layout->addWidget(upper, 2);
   layout->addWidget(BuildResults(), 3);
   layout->addWidget(StatusBar);
+  Cmd_Search->setDefault(true);  // now that it belongs to the window
   auto* const bar = new QMenuBar(this);
   bar->addMenu(Menu_Main);
   layout->setMenuBar(bar);
@@ -151,7 +150,6 @@ QWidget* FrmFind::BuildControls() {
   Chk_Superficial = Named(new QCheckBox(tr("\"&Deep-search\" Mode (slowly...)")), "Chk_Superficial");
   ExplainDepth(*Chk_Superficial);
   Cmd_Search = Button(tr("&Search"), "Cmd_Search");
-  Cmd_Search->setDefault(true);
   Cmd_Cancel = Button(tr("Cancel"), "Cmd_Cancel");
   auto* const form = new QFormLayout;
   form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
