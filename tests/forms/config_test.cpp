@@ -89,8 +89,11 @@ TEST_F(ConfigTest, DefaultsAreBackAtOnceAndStayAfterCancel) {
   settings->Set("options", "Size", "0");
   settings->Set("form", "Width", "9000");
   settings->Set("option", "Tabs", "1");
+  settings->Set("options", "Grid lines", "1");
   settings->Save();
+  session->ReloadSettings();
   Press(form, "Command1");
+  EXPECT_FALSE(session->settings.gridLines);
   Press(form, "Cmd_Cancel");
   const SettingsFile stored(posix, temp / "home/settings.ini");
   EXPECT_FALSE(stored.Find("options", "Size") || stored.Find("form", "Width"));

@@ -93,6 +93,14 @@ TEST(FrmDelete, WaitsForALockAndGivesUpAChoiceThatIsVoid) {
   Press(*changed.form, "Cmd_Delete");
   EXPECT_FALSE(changed.form->isVisible());
   EXPECT_EQ(changed.CarrierNames().size(), 4U);
+  DeleteFormBench stopped;
+  stopped.carrier.Hide({.name = "d"});
+  stopped.person.script.Expect("carrier.changed", Answer::Yes);
+  stopped.onYield = [](std::size_t) {
+    if (QWidget* const reading = QApplication::activeModalWidget()) reading->close();
+  };
+  Press(*stopped.form, "Cmd_Delete");
+  EXPECT_TRUE(stopped.form->isVisible()) << "the reading was given up";
 }
 
 class DeleteFormSweep : public testing::TestWithParam<Answer> {};

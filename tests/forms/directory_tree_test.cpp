@@ -73,10 +73,15 @@ TEST_F(DirectoryTreeFormTest, KeysMoveOpenAndRename) {
 }
 
 TEST_F(DirectoryTreeFormTest, TheMenuMakesAFolderAndLetsItsNameBeTyped) {
+  tree.ClickNodeIndex(1);
+  tree.PopupM();
+  EXPECT_FALSE(Find<QAction>(tree, "mnuDelete").isEnabled()) << "a place stays";
+  Find<QMenu>(tree, "mnuDirectory").close();
   QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, view.visualRect(Row(2)).center());
   EXPECT_EQ(clicked, temp / "Desktop/c/");
   tree.PopupM();
   EXPECT_TRUE(Find<QAction>(tree, "mnuCreate").isEnabled());
+  EXPECT_TRUE(Find<QAction>(tree, "mnuDelete").isEnabled());
   Find<QMenu>(tree, "mnuDirectory").close();
   QCoreApplication::processEvents();  // this platform takes a menu for a window that was active
   Find<QAction>(tree, "mnuCreate").trigger();

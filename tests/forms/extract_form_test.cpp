@@ -50,6 +50,11 @@ TEST(FrmExtract, TheTreeFollowsWhatIsTypedAndTheTextIsNotRewritten) {
     auto& text = Find<QLineEdit>(form, "Txt_ExtractTo");
     EXPECT_EQ(text.text().toStdString(), (bench.temp / "Desktop/").native());
     text.clear();
+    bench.person.script.Expect("extract.refused", Answer::Ok);
+    Type(form, "Txt_ExtractTo", (bench.temp / "Desktop/a").c_str());
+    QTest::keyClick(&text, Qt::Key_Return);
+    EXPECT_TRUE(form.isVisible()) << "a file takes no files";
+    text.clear();
     Type(form, "Txt_ExtractTo", sub.c_str());
     EXPECT_TRUE(QTest::qWaitFor([&] { return tree.Path() == bench.temp / "Desktop/sub/"; }));
     EXPECT_EQ(text.text().toStdString(), sub);

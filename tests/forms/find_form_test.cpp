@@ -139,9 +139,10 @@ TEST(FrmFind, AFolderThatAnswersSlowlyLeavesTheWindowAliveAndLeavingStopsTheSear
   QTimer ticking;
   QObject::connect(&ticking, &QTimer::timeout, [&] { ++turns; });
   ticking.start(1);
-  std::atomic<bool> isStill = false;
+  std::atomic<bool> isStill = false, hasLeft = false;
   bench.files.before = [&](const Operation& operation) {
     if (operation.name != "Files.List" && operation.name != "Files.OpenToRead") return;
+    EXPECT_FALSE(hasLeft) << operation.name;
     const int before = turns;
     for (int waited = 0; turns == before && !isStill; ++waited) {
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -155,6 +156,7 @@ TEST(FrmFind, AFolderThatAnswersSlowlyLeavesTheWindowAliveAndLeavingStopsTheSear
     bench.onYield = nullptr;
     bench.Form().Leave();
     EXPECT_FALSE(bench.Form().isVisible());
+    hasLeft = true;
   };
   bench.Search();
   EXPECT_TRUE(QTest::qWaitFor([&] { return bench.form.isNull(); }));

@@ -167,6 +167,7 @@ TEST(PasswordField, TakesEveryScriptAsUtf8AndNothingByItself) {
   EXPECT_EQ(field.text().size(), 5) << "no undo";
   PressKey(field, Qt::Key_Backspace);
   EXPECT_EQ(TextOf(field), "\xC3\xA9<\xE2\x82\xAC>");
+  EXPECT_FALSE(field.acceptDrops()) << "a drop would pass the characters by";
 }
 
 TEST(PasswordField, GivesNothingToTheClipboardEvenWhileShown) {
@@ -216,6 +217,8 @@ TEST(PasswordField, LeavesNoPasswordInMemory) {
   std::string masked;
   for (int i = 0; i < 41; ++i)
     masked += static_cast<char>(('!' + (i * 37 + 11) % 90) ^ 0x5A);
+  // The first bytes of a freed block are written over by the allocator, so they prove nothing.
+  const std::string back = masked.substr(19);
   {
     PasswordField field;
     field.resize(300, 30);
@@ -224,9 +227,10 @@ TEST(PasswordField, LeavesNoPasswordInMemory) {
     field.SetShown(true);
     field.grab();
     ASSERT_EQ(field.Password().View().size(), masked.size());
+    PressKey(field, Qt::Key_A, Qt::ControlModifier);
+    PressKey(field, Qt::Key_Delete);
+    EXPECT_EQ(CountInMemory(back), 0) << "of what was removed";
   }
-  // The first bytes of a freed block are written over by the allocator, so they prove nothing.
-  const std::string back = masked.substr(19);
   EXPECT_EQ(CountInMemory(back), 0);
   QString plain;
   for (const char each : masked)

@@ -84,7 +84,9 @@ TEST(FrmHide, ACancelInTheMiddleAsksAndLeavesTheOldCarrier) {
 TEST(FrmHide, AddsMoreKeepsRowsOnceAndForgetsThemOnTheWayBack) {
   HideFormBench bench;
   bench.CollectAll();
+  Find<QRadioButton>(*bench.form, "opt_recyclebin").click();
   Press(*bench.form, "Cmd_Addmore");
+  EXPECT_TRUE(Find<QRadioButton>(*bench.form, "opt_nodeletion").isChecked());
   bench.CollectAll();
   EXPECT_EQ(bench.List("Files").model()->rowCount(), 2);
   bench.List("Files").selectAll();

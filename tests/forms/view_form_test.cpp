@@ -3,6 +3,7 @@
 #include <QLabel>
 #include <fstream>
 
+#include "carrier/companions.h"
 #include "carrier/stored_text.h"
 #include "formkit/password_field.h"
 #include "retrieval/forms/frm_password.h"
@@ -121,6 +122,8 @@ TEST(FrmView, ACancelledOpeningLeavesNothingPlain) {
   EXPECT_TRUE(QTest::qWaitFor([&] { return !bench.view->isVisible(); }));
   EXPECT_EQ(bench.opened, std::vector<Path>{});
   EXPECT_LE(bench.temp.Names().size(), 1U) << "an empty folder at most";
+  bench.view.reset();
+  EXPECT_TRUE(bench.session.previewParcel.ViewFileName.empty());
 }
 
 TEST(FrmPassword, ChangesOneHideoutByKeysAlone) {
@@ -143,6 +146,8 @@ TEST(FrmPassword, ChangesOneHideoutByKeysAlone) {
   press("secret", "<>", "");
   press("secret", "other", "otter");
   EXPECT_EQ(ReadAll(bench.carrier.carrier), before);
+  std::ofstream(TemporaryCarrierPath(bench.carrier.carrier)) << "of an interrupted run";
+  bench.person.script.Expect("carrier.leftovers", Answer::Yes);
   press("secret", "o<ther", "other");
   EXPECT_FALSE(form.isVisible());
   EXPECT_EQ(bench.CarrierContents(), Strings{});

@@ -443,6 +443,9 @@ TEST(HideRefusal, ComesForWhatBelongsToTheCarrierBeforeAnythingChanges) {
     EXPECT_EQ(ReadAll(backup), "old backup");
     EXPECT_EQ(bench.folder.Names(), namesBefore);
   }
+  HideBench bench;
+  bench.request.rows.push_back({.source = bench.folder / "carrier.bin.bak", .name = "a", .folder = {}});
+  EXPECT_THROW(bench.RunHide(), Error) << "that is not there yet";
 }
 
 TEST(HideRefusal, ComesForALockedCarrierAndForAnAlgorithmWithoutCipher) {

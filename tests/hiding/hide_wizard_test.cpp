@@ -108,6 +108,8 @@ TEST_F(ExplorerTest, ARenameNeverReplacesAndRefusesSomeCharacters) {
   EXPECT_EQ(list.Rename(0, "papers", folder.Where()), Done);
   EXPECT_EQ(list.Rows().at(0).FolderPath(), folder / "papers" / "");
   EXPECT_TRUE(std::filesystem::exists(folder / "papers/c.txt"));
+  EXPECT_EQ(list.Rename(2, "c.txt", folder.Where()), Done);
+  EXPECT_TRUE(list.FileRemoved(folder / "c.txt"));
 }
 
 TEST_F(ExplorerTest, WhatWasTouchedLastIsCollected) {
@@ -150,6 +152,9 @@ TEST_F(ExplorerTest, TheCarrierIsPassedOverAndACollectingCountsFoldersAnew) {
   Collect(Source(LastFocus::ExplorerFile, {0, 2}), selection, screen);
   ASSERT_EQ(selection.Passed().size(), 1U);
   EXPECT_NE(PassedOverReport(selection.Passed())->list.at(0).find("b.txt is the carrier"), std::string::npos);
+  for (const char* companion : {"b.txt.bak", "b.txt.tmp"})
+    selection.AddFile(folder.Put(companion, ""), "");
+  EXPECT_EQ(selection.Passed().size(), 3U);
   selection.Begin(Selection::Before::Kept);
   EXPECT_EQ(selection.Rows().size(), 2U);
   EXPECT_EQ(selection.FoldersCounted(), 0);

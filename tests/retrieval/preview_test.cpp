@@ -178,6 +178,7 @@ TEST_F(Preview, MovesAnUpdatedEntryToTheEndAndFindsItAgain) {
               std::tuple(row.start, row.size, row.tail));
     EXPECT_EQ(row.Field(tag::kPlainSize), std::to_string(content.size()));
     EXPECT_EQ(row.Field(tag::kMode), "600");
+    EXPECT_EQ(row.Field(tag::kMtime), "") << "it had none";
     EXPECT_EQ(row.Folder(), "f");
     EXPECT_NE(row.Field(tag::kDate), "11/22/26 10:00:00");
     EXPECT_NE(row.record.find("?CompVers=<701>?CompVers=<701>"), WipedText::npos);
