@@ -1,5 +1,6 @@
 #include "base/patient_files.h"
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <functional>
@@ -10,6 +11,19 @@
 #include <utility>
 
 namespace tarnel {
+
+namespace {
+
+/// Looks for a moment before its caller goes to sleep: waking a thread takes many times as long as most
+/// calls.
+template <class Condition>
+void LookForAMoment(Condition isMet) {
+  const auto end = std::chrono::steady_clock::now() + std::chrono::microseconds(50);
+  while (!isMet() && std::chrono::steady_clock::now() < end)
+    std::this_thread::yield();
+}
+
+}  // namespace
 
 /// One thread that does one call after the other. Without it, where the system gives none, the caller does.
 class PatientFiles::Helper {
@@ -35,6 +49,7 @@ class PatientFiles::Helper {
     auto result = task.get_future();
     const Waited waited(result);
     HandOver([&task] { task(); });
+    LookForAMoment([&] { return result.wait_for(std::chrono::seconds(0)) == std::future_status::ready; });
     while (result.wait_for(std::chrono::milliseconds(20)) == std::future_status::timeout)
       m_dialogue.Yield();
     return result.get();
@@ -60,15 +75,18 @@ class PatientFiles::Helper {
     {
       const std::lock_guard lock(m_mutex);
       m_call = std::move(call);
+      m_isCalled = true;
     }
     m_hasCall.notify_one();
   }
 
   void Work() {
     while (!m_isOver) {
+      LookForAMoment([this] { return m_isCalled.load(); });
       std::unique_lock lock(m_mutex);
       m_hasCall.wait(lock, [this] { return m_call != nullptr; });
       const std::function<void()> call = std::exchange(m_call, nullptr);
+      m_isCalled = false;
       lock.unlock();
       call();
     }
@@ -78,7 +96,8 @@ class PatientFiles::Helper {
   std::mutex m_mutex;
   std::condition_variable m_hasCall;
   std::function<void()> m_call;
-  bool m_isOver = false;  ///< the thread's own
+  std::atomic<bool> m_isCalled = false;  ///< there is one; read without the mutex too
+  bool m_isOver = false;                 ///< the thread's own
   std::thread m_thread;
 };
 
