@@ -10,6 +10,7 @@
 
 #include "carrier/open_hideout.h"
 #include "carrier/record.h"
+#include "crypto/cipher.h"
 #include "crypto/keys.h"
 
 namespace tarnel {
@@ -32,7 +33,9 @@ class SilentScreen : public OpeningScreen {
 std::string Entry(std::size_t number) {
   RecordFields fields;
   fields.name.assign("file " + std::to_string(number) + ".txt");
-  fields.plainSize = fields.storedSize = "7";
+  const std::string payload(7 + kFileCipherOverhead, 'p');
+  fields.plainSize = "7";
+  fields.storedSize = std::to_string(payload.size());
   fields.attributes = "32";
   fields.date = "01/02/26 12:00:00";
   fields.compressed = "0";
@@ -40,7 +43,8 @@ std::string Entry(std::size_t number) {
   fields.title = "Benchmark";
   const WipedText record = BuildRecord(fields, RecordWriter::Hide);
   std::string secondKey;
-  return "payload" + SealEntry({record.data(), record.size()}, 7, Algorithm::Rijndael256, kRight, secondKey);
+  return payload + SealEntry({record.data(), record.size()}, static_cast<Length>(payload.size()),
+                             Algorithm::Rijndael256, kRight, secondKey);
 }
 
 /// A carrier of so many entries, removed at the end of the program.
